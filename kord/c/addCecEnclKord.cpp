@@ -1,0 +1,212 @@
+#include "addCecEnclKord.h"
+
+#include "addQueryKord.h"
+#include "addUtilKord.h"
+#include "addXmlKord.h"
+
+#include <cstring>
+
+namespace
+{
+
+// --- Processor complex drawers
+
+struct Drawer {
+    char locationCode_cec[25];
+};
+
+constexpr Attribute drawerAttributes[] = {
+    {.name = "locationCode", .field = fieldOf<&Drawer::locationCode_cec>, .kept = true},
+};
+
+// Consumers of the trace and of events know this query's failure under the I/O drawers' name.
+constexpr Query drawerQuery = {
+    .entry = " addCecEnclKord",
+    .session = &kordRec::sess_hndl_SR,
+    .className = "Orvik.TarnCECDrawer",
+    .attributes = drawerAttributes,
+    .selection = "managedSystemMTMS=\"%s\"",
+    .callFailed = {.trace = {"0114", "IODrawer %d, %s"}, .report = report("addIoEnclKord", "r")},
+    .noResources = {.trace = {"0115", " no res count_iod=%d"}, .report = report("addCecEnclKord", "e")},
+    .responseTrace = {"0116", " response  %d, %s"},
+    .otherError = {.report = reportMessage("Orvik.TarnCECDrawer", "r")},
+    .emptyFirst = {.trace = {"0117", " no res found %d"}, .report = report("addCecEnclKord", "r")},
+    .success = {"0117", " array_cnt_cec=%d"},
+};
+
+// --- Non-volatile control cards
+
+struct Card {
+    char locationCode_nvc[25];
+    char partNumber_nvc[30];
+    char serialNumber_nvc[30];
+    char ecLevel_nvc[30];
+};
+
+/// A card of another system keeps an empty location code.
+void readOwnLocation(const kordRec* pKordRec, const ValeAttribute& attribute, Field field)
+{
+    constexpr size_t mtmsLength = 16;
+    if (strncmp(textOf(attribute), pKordRec->managedSystemMTMS, mtmsLength) == 0) {
+        copyText(field.text, textOf(attribute));
+    }
+}
+
+constexpr Attribute cardAttributes[] = {
+    {.name = "locationCode", .field = fieldOf<&Card::locationCode_nvc>, .read = readOwnLocation},
+    {.name = "partNumber", .field = fieldOf<&Card::partNumber_nvc>},
+    {.name = "serialNumber", .field = fieldOf<&Card::serialNumber_nvc>},
+    {.name = "ecLevel", .field = fieldOf<&Card::ecLevel_nvc>},
+};
+
+constexpr ErrorCase cardErrors[] = {
+    {.number = valeError40008, .failure = minorFailure},
+    {.number = valeError4000d, .failure = {.report = report("queryNVC", "r")}},
+};
+
+constexpr Query cardQuery = {
+    .entry = " queryNVC",
+    .session = &kordRec::sess_hndl_DM,
+    .className = "Orvik.TarnNVC",
+    .attributes = cardAttributes,
+    .selection = "storageFacilityImageMTMS=\"%s\" && server=%d ",
+    .selectionTrace = {"0120", " %s "},
+    .callFailed = {.trace = {"0120", " handle_bp %d, %s"}, .report = report("queryNVC", "r")},
+    .noResources = {.trace = {"0120", " no res  array_cnt_nvc=%d"}, .report = report("queryNVC", "e")},
+    .responseTrace = {"0121", "response %d, %s"},
+    .errors = cardErrors,
+    .otherError = {.report = reportMessage("Orvik.TarnNVC", "r")},
+    .success = {"0121", " nvc array_cnt_nvc=%d "},
+    .progress = " writeNVC open/close resource",
+};
+
+// --- Power states
+
+constexpr Attribute facilityAttributes[] = {{.name = "PowerState"}};
+
+constexpr Query facilityQuery = {
+    .entry = " querySFState",
+    .session = &kordRec::sess_hndl_SR,
+    .className = "Orvik.TarnStorageFacility",
+    .dynamic = true,
+    .attributes = facilityAttributes,
+    .selection = "storageFacilityMTMS=\"%s\"",
+    .callFailed = {.trace = {"0100", " SF rRc= %d, %s"}, .report = report("querySFState", "r")},
+    .noResources = {.trace = {"0101", " no res  array_cnt_sf=%d"}, .report = report("querySFState", "e")},
+    .responseTrace = {"0101", " response %d, %s"},
+    .otherError = {.report = report("querySFState", "r")},
+    .emptyFirst = {.trace = {"0101", " no res  array_cnt_sf=%d"}, .report = report("querySFState", "e")},
+};
+constexpr Failure badFacilityState = {.trace = {"0102", " power state =%d"},
+                                      .report = report("querySFState", "e")};
+
+constexpr Attribute systemAttributes[] = {{.name = "powerRunState"}};
+
+constexpr Query systemQuery = {
+    .entry = " querySFSystemState",
+    .session = &kordRec::sess_hndl_SR,
+    .className = "Orvik.TarnStorageFacilitySystem",
+    .dynamic = true,
+    .attributes = systemAttributes,
+    .selection = "managedSystemMTMS=\"%s\"",
+    .selectionTrace = {"0103", "%s"},
+    .callFailed = {.trace = {"0103", " SF returned %d, %s"}, .report = report("querySFSystemState", "r")},
+    .noResources = {.trace = {"0104", " no res  array_cnt_sfs=%d"},
+                    .report = report("querySFSystemState", "e")},
+    .responseTrace = {"0104", " response error %d, %s"},
+    .otherError = {.report = report("querySFSystemState", "r")},
+    .emptyFirst = {.trace = {"0104", " no res  array_cnt_sfs=%d"},
+                   .report = report("querySFSystemState", "e")},
+};
+constexpr Failure badSystemState = {.trace = {"0105", " power run state =%d"},
+                                    .report = report("querySFSystemState", "e")};
+
+/// The one attribute of the first response must have the expected value.
+int32_t checkPower(kordRec* pKordRec, const Query& query, const char* mtms, int32_t expected,
+                   const Failure& bad)
+{
+    return runQuery(pKordRec, query, requestOf(query.selection, mtms), [&](Resources found) {
+        const int32_t state = integerOf(found[0].attributes[0]);
+        return state == expected ? collected : fail(pKordRec, query, bad, state);
+    });
+}
+
+/// Writes one drawer with its partitions' cards.
+int32_t addDrawer(kordRec* pKordRec, const char* locationCode_cec, int32_t* openCecEnclPartListHeader)
+{
+    int32_t rc = collected;
+    openCecEncl(pKordRec, locationCode_cec);
+    for (int32_t i = 0; i < partitionCount(pKordRec) && rc != failed; ++i) {
+        rc = queryNVC(pKordRec, pKordRec->StorageFacilityImageMTMS[i], locationCode_cec, pKordRec->LParID[i],
+                      openCecEnclPartListHeader);
+    }
+    // Every partition with cards has opened a list, but a drawer closes one; and once any drawer has opened
+    // one, each later drawer closes one too. Consumers read the document with this pairing.
+    if (*openCecEnclPartListHeader == 1) closeCecEnclosurePartitionsList(pKordRec);
+    closeCecEncl(pKordRec);
+    return rc;
+}
+
+} // namespace
+
+int32_t addCecEnclKord(kordRec* pKordRec)
+{
+    const Request request = requestOf(drawerQuery.selection, pKordRec->managedSystemMTMS);
+    return runQuery(pKordRec, drawerQuery, request, [&](Resources drawers) {
+        Drawer drawer{};
+        int32_t openCecEnclPartListHeader = 0;
+        for (const ValeQueryResponse& resource : drawers) {
+            const auto attributes = attributesOf(drawerQuery, resource);
+            for (size_t i = 0; i < attributes.size(); ++i) {
+                readAttribute(pKordRec, drawerQuery, attributes[i], i, &drawer);
+                trace(pKordRec, "0118", " locationCode_cec=%s ", drawer.locationCode_cec);
+            }
+            if (addDrawer(pKordRec, drawer.locationCode_cec, &openCecEnclPartListHeader) == failed)
+                return failed;
+        }
+        return collected;
+    });
+}
+
+int32_t queryNVC(kordRec* pKordRec, const char* StorageFacilityImageMTMS, const char* locationCode_cec,
+                 const char* LParID, int32_t* openCecEnclPartListHeader)
+{
+    char StorageFacilityImageMTMS_nvc[25];
+    convertStringFromMMToDash(StorageFacilityImageMTMS_nvc, StorageFacilityImageMTMS);
+    const Request request =
+        requestOf(cardQuery.selection, StorageFacilityImageMTMS, pKordRec->storageFacilityServerNumber);
+
+    return runQuery(pKordRec, cardQuery, request, [&](Resources cards) {
+        Card card{};
+        int32_t openPartResHeader = 0;
+        for (const ValeQueryResponse& resource : cards) {
+            readItem(pKordRec, cardQuery, resource, &card);
+            if (openPartResHeader == 0) {
+                openCecEnclosurePartitionsList(pKordRec);
+                openCecEnclosurePartitions(pKordRec, locationCode_cec, LParID);
+                openPartitionResourcesList(pKordRec);
+                openPartResHeader = 1;
+                *openCecEnclPartListHeader = 1;
+            }
+            writeNVC(pKordRec, card.locationCode_nvc, StorageFacilityImageMTMS_nvc, card.partNumber_nvc,
+                     card.serialNumber_nvc, card.ecLevel_nvc);
+        }
+        if (openPartResHeader == 1) {
+            closePartitionResourcesList(pKordRec);
+            closeCecEnclosurePartitions(pKordRec);
+        }
+        return collected;
+    });
+}
+
+int32_t querySFState(kordRec* pKordRec)
+{
+    constexpr int32_t off = 0;
+    return checkPower(pKordRec, facilityQuery, pKordRec->storageFacilityMTMS, off, badFacilityState);
+}
+
+int32_t querySFSystemState(kordRec* pKordRec)
+{
+    constexpr int32_t running = 6;
+    return checkPower(pKordRec, systemQuery, pKordRec->managedSystemMTMS, running, badSystemState);
+}

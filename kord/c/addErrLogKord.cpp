@@ -1,0 +1,162 @@
+#include "addErrLogKord.h"
+
+#include "addTextKord.h"
+#include "addTrcKord.h"
+#include "addUtilKord.h"
+
+#include <cstdlib>
+#include <cstring>
+
+namespace
+{
+
+struct EventKind {
+    const char* errortype;
+    const char* systemRefCode;
+    const char* text;
+};
+
+constexpr EventKind eventKinds[] = {
+    {.errortype = "e", .systemRefCode = "BED00000", .text = "Expected resources were not found"},
+    {.errortype = "r", .systemRefCode = "BED00001", .text = "VALE call resulted in a non zero return value"},
+    {.errortype = "u", .systemRefCode = "BED00002", .text = "Unknown error"},
+    {.errortype = "s", .systemRefCode = "BED00003", .text = "Subsystem is degraded"},
+    {.errortype = "i", .systemRefCode = "BED00004", .text = "Invalid managed system MTMS"},
+};
+constexpr EventKind logicError = {
+    .errortype = nullptr, .systemRefCode = "BED00005", .text = "Microcode logic error"};
+
+const EventKind& kindOf(const char* errortype)
+{
+    for (const EventKind& kind : eventKinds) {
+        if (strcmp(kind.errortype, errortype) == 0) return kind;
+    }
+    return logicError;
+}
+
+/// What the two reporters do not share: the blanks of their commands and their trace of a failing tool.
+struct Reporter {
+    const char* wrapped;
+    const char* direct;
+    TraceText toolFailed;
+};
+
+constexpr Reporter plainReporter = {
+    .wrapped = "/opt/tarnquay/bin/mmquaycmd /opt/tarnquay/bin/pmProblemEventPoster  -f \"%s\"  ",
+    .direct = "/opt/tarnquay/bin/pmProblemEventPoster  -f \"%s\"  ",
+    .toolFailed = {.code = "050", .format = "%s, %d"},
+};
+constexpr Reporter messageReporter = {
+    .wrapped = "/opt/tarnquay/bin/mmquaycmd /opt/tarnquay/bin/pmProblemEventPoster -f \"%s\" ",
+    .direct = " /opt/tarnquay/bin/pmProblemEventPoster -f \"%s\" ",
+    .toolFailed = {.code = "051", .format = "%s %d"},
+};
+
+constexpr size_t errortextSize = 1000;
+constexpr size_t quotedTextSize = 4 * errortextSize;
+constexpr size_t commandSize = quotedTextSize + 500;
+
+int32_t fileEvent(const kordRec* pKordRec, const Reporter& reporter, const EventKind& kind,
+                  const char* loggingFileName, const char* errortype, const char* errortext)
+{
+    trace(pKordRec, "==>", " handleErrKord %s, %s", loggingFileName, errortype);
+
+    char mtms[4 * sizeof pKordRec->managedSystemMTMS];
+    char text[quotedTextSize];
+    char command[commandSize];
+    quoteText(mtms, pKordRec->managedSystemMTMS, Quotes::doubled);
+    quoteText(text, errortext, Quotes::single);
+    const bool isRoot = strcmp(pKordRec->loginUserName, "root") == 0;
+    formatText(command, isRoot ? reporter.direct : reporter.wrapped, mtms);
+    appendText(command,
+               "-l \"Microcode-rs-quay_sff\" -o \"%s\" -s \"%s\" -n 0 -h \"no\" -c \"no\""
+               " -E \"/var/tarnquay/log/%s\" -X '\"%s\"' >>/var/tarnquay/log/%s",
+               "addTarnKord", kind.systemRefCode, pKordRec->trcfile, text, pKordRec->trcfile);
+
+    const int32_t rc = system(command) >> 8;
+    if (rc != 0) {
+        // The line holds the whole command, for service personnel to run it again.
+        char line[commandSize + 20];
+        formatText(line, reporter.toolFailed.format, command, rc);
+        addTrcKord(pKordRec->trcfile, reporter.toolFailed.code, line);
+    }
+    return -1;
+}
+
+/// One console command that reads the vital product data, and how its answer is traced.
+struct QuayReader {
+    const char* entry;
+    const char* command;
+    TraceText found;
+    TraceText notFound;
+};
+
+constexpr QuayReader serialReader = {
+    .entry = " getQuaySE",
+    .command = "/opt/brisk/bin/qconvpd -v | grep SE | awk -FSE '{print $2}' |awk ' {print $1}'",
+    .found = {.code = "053", .format = " rc=%d, xargc=%d,  QuaySE=%s "},
+    .notFound = {.code = "052", .format = "rc=%d, xargc=%d "},
+};
+constexpr QuayReader typeModelReader = {
+    .entry = " getQuayTM",
+    .command = "/opt/brisk/bin/qconvpd -v | grep TM | awk -FTM '{print $2}'| awk -F- '{print $2}'"
+               " | awk -F[ '{print $2}' | awk -F] '{print $1}' ",
+    .found = {.code = "053", .format = " rc=%d, xargc=%d,  QuayTM=%s "},
+    .notFound = {.code = "053", .format = " rc=%d, xargc=%d "},
+};
+
+constexpr int32_t readerFound = 2;
+constexpr int32_t readerNotFound = 1;
+
+int32_t readQuay(const kordRec* pKordRec, const QuayReader& reader, std::span<char> field)
+{
+    trace(pKordRec, "==>", "%s", reader.entry);
+    int32_t xargc = 0;
+    char** xargv = nullptr;
+    const int32_t rc = excuteCommand(pKordRec, reader.command, &xargc, &xargv);
+    const bool found = rc == 0 && xargc > 0;
+    if (found) {
+        copyText(field, xargv[0]);
+        trace(pKordRec, reader.found.code, reader.found.format, rc, xargc, field.data());
+    } else {
+        trace(pKordRec, reader.notFound.code, reader.notFound.format, rc, xargc);
+    }
+    releaseOutput(xargv);
+    return found ? readerFound : readerNotFound;
+}
+
+} // namespace
+
+int32_t handleErrKord(const kordRec* pKordRec, const char* loggingFileName, const char* errortype)
+{
+    const EventKind& kind = kindOf(errortype);
+    char errortext[errortextSize];
+    formatText(errortext, "%s : %s", loggingFileName, kind.text);
+    return fileEvent(pKordRec, plainReporter, kind, loggingFileName, errortype, errortext);
+}
+
+int32_t handleErrKord_new(const kordRec* pKordRec, const char* loggingFileName, const char* errortype,
+                          const char* errorMessage)
+{
+    const EventKind& kind = kindOf(errortype);
+    const size_t length = strlen(textOrEmpty(errorMessage));
+    char errortext[500];
+    if (length > 0 && &kind != &logicError) {
+        char temp[500];
+        copyText(temp, errorMessage, length - 1);
+        formatText(errortext, "%s : %s ", loggingFileName, temp);
+    } else {
+        formatText(errortext, "%s : %s", loggingFileName, kind.text);
+    }
+    return fileEvent(pKordRec, messageReporter, kind, loggingFileName, errortype, errortext);
+}
+
+int32_t getQuaySE(const kordRec* pKordRec, std::span<char> QuaySE)
+{
+    return readQuay(pKordRec, serialReader, QuaySE);
+}
+
+int32_t getQuayTM(const kordRec* pKordRec, std::span<char> QuayTM)
+{
+    return readQuay(pKordRec, typeModelReader, QuayTM);
+}

@@ -1,0 +1,26 @@
+// Error reporting: files a serviceable event on the console, and reads the console's own identity.
+
+#pragma once
+
+#include "kordRec.h"
+
+#include <span>
+
+// Error types, each selecting an event's reference code and text: "r" a call or response of the resource
+// manager failed, "e" expected resources are missing, "s" a system or partition is not in its working state,
+// "u" unknown, "i" an invalid MTMS. Any other ("d" the document, "m" memory) files as a microcode logic
+// error.
+
+/// Files an event with the type's own text, under the name of the function or class that failed. Traces the
+/// call, and "050" with the command when the event tool fails. Always -1.
+int32_t handleErrKord(const kordRec* pKordRec, const char* loggingFileName, const char* errortype);
+
+/// The same with the resource manager's message, less its last character, as the text; an empty message takes
+/// the type's own. A failing event tool is traced with "051". Always -1.
+int32_t handleErrKord_new(const kordRec* pKordRec, const char* loggingFileName, const char* errortype,
+                          const char* errorMessage);
+
+/// The console's serial and type-model, from its vital product data: 2 when found, 1 when not, and the field
+/// is then left untouched. Both want a field of at least 10 characters.
+int32_t getQuaySE(const kordRec* pKordRec, std::span<char> QuaySE);
+int32_t getQuayTM(const kordRec* pKordRec, std::span<char> QuayTM);

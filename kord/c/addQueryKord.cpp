@@ -1,0 +1,257 @@
+#include "addQueryKord.h"
+
+#include "addErrLogKord.h"
+
+#include <algorithm>
+#include <cstdarg>
+#include <cstdio>
+#include <cstring>
+
+namespace
+{
+
+constexpr size_t mostAttributes = 16;
+
+using QueryCall = decltype(&vale_query_p_select);
+
+/// Traces, files and notes one failure.
+int32_t settle(kordRec* pKordRec, const Query& query, const Failure& failure, int32_t number,
+               const char* message, const char* subject)
+{
+    const Report& report = failure.report;
+    const char* name = report.name != theSubject ? report.name : subject;
+    if (failure.instead != nullptr && failure.writesFirst) failure.instead(pKordRec);
+    if (report.kind == Report::Kind::plain) handleErrKord(pKordRec, name, report.type);
+    if (report.kind == Report::Kind::withMessage) handleErrKord_new(pKordRec, name, report.type, message);
+    if (failure.instead != nullptr && !failure.writesFirst) failure.instead(pKordRec);
+    if (failure.print != nullptr) printf(failure.print, query.className, number, message);
+    if (failure.flag) pKordRec->Flag |= 1;
+    return failure.result;
+}
+
+int32_t callFailed(kordRec* pKordRec, const Query& query, const Request& request, int32_t rc)
+{
+    const Failure& failure = query.callFailed;
+    const ClientError error = takeError();
+    trace(pKordRec, failure.trace.code, failure.trace.format, rc, messageOf(error), request.subject);
+    const int32_t result = settle(pKordRec, query, failure, rc, messageOf(error), request.subject);
+    releaseError(error);
+    return result;
+}
+
+int32_t responseFailed(kordRec* pKordRec, const Query& query, const Request& request,
+                       const ValeErrorNumber& error)
+{
+    const int32_t number = static_cast<int32_t>(error.number);
+    const char* message = textOrEmpty(error.message);
+    trace(pKordRec, query.responseTrace.code, query.responseTrace.format, number, message, request.subject);
+
+    const auto own = std::ranges::find(query.errors, error.number, &ErrorCase::number);
+    const Failure& failure = own != query.errors.end() ? own->failure : query.otherError;
+    return settle(pKordRec, query, failure, number, message, request.subject);
+}
+
+/// The client marks the value as of one of its kinds, but of none of these two.
+bool isOfOtherKind(const ValeAttribute& attribute, ValeDataType kind, ValeDataType sameKind)
+{
+    const ValeDataType type = attribute.type;
+    return type >= VALE_TEXT && type <= VALE_TEXT_LIST && type != kind && type != sameKind;
+}
+
+/// The table's row for an attribute's name; attributes mostly arrive as requested, so its position is tried
+/// first.
+const Attribute* rowOf(const Query& query, const char* name, size_t position)
+{
+    const auto isRow = [name](const Attribute& row) {
+        return strcmp(row.matched != nullptr ? row.matched : row.name, name) == 0;
+    };
+    const std::span<const Attribute> rows = query.attributes;
+    if (position < rows.size() && isRow(rows[position])) return &rows[position];
+    const auto row = std::ranges::find_if(rows, isRow);
+    return row != rows.end() ? &*row : nullptr;
+}
+
+} // namespace
+
+Request requestOf(const char* selection, ...)
+{
+    Request request;
+    va_list arguments;
+    va_start(arguments, selection);
+    vsnprintf(request.selection, sizeof request.selection, selection, arguments);
+    va_end(arguments);
+    return request;
+}
+
+int32_t fail(kordRec* pKordRec, const Query& query, const Failure& failure, int32_t number,
+             const Request& request)
+{
+    trace(pKordRec, failure.trace.code, failure.trace.format, number, request.subject);
+    return settle(pKordRec, query, failure, number, "", request.subject);
+}
+
+Verdict judgeAnswer(kordRec* pKordRec, const Query& query, const Request& request, int32_t rc, uint32_t count,
+                    const ValeErrorNumber* first, uint32_t firstSize)
+{
+    if (rc != 0) return {false, callFailed(pKordRec, query, request, rc)};
+    if (first == nullptr) return {false, fail(pKordRec, query, query.noResources, 0, request)};
+    if (first->number != 0) return {false, responseFailed(pKordRec, query, request, *first)};
+    if (query.emptyFirst.trace.code != nullptr && firstSize == 0) {
+        return {false, fail(pKordRec, query, query.emptyFirst, 0, request)};
+    }
+    if (query.success.code != nullptr) {
+        trace(pKordRec, query.success.code, query.success.format, count, firstSize);
+    }
+    if (query.progress != nullptr) trace(pKordRec, ">>", "%s", query.progress);
+    return {true, collected};
+}
+
+Answer<ValeQueryResponse> callQuery(kordRec* pKordRec, const Query& query, const Request& request)
+{
+    std::array<const char*, mostAttributes> names{};
+    const size_t count = std::min(query.attributes.size(), names.size());
+    std::ranges::transform(query.attributes.first(count), names.begin(), &Attribute::name);
+
+    if (query.entry != nullptr) trace(pKordRec, "==>", "%s", query.entry);
+    if (query.selectionTrace.code != nullptr) {
+        trace(pKordRec, query.selectionTrace.code, query.selectionTrace.format, request.selection);
+    }
+    Answer<ValeQueryResponse> answer;
+    const QueryCall call = query.dynamic ? vale_query_d_select : vale_query_p_select;
+    answer.rc = call(pKordRec->*query.session, &answer.responses, &answer.count, query.className,
+                     query.selection != nullptr ? request.selection : nullptr, names.data(),
+                     static_cast<uint32_t>(count));
+    return answer;
+}
+
+Answer<ValeEnumerateResponse> callEnumeration(kordRec* pKordRec, const Query& query, const Request& request)
+{
+    if (query.entry != nullptr) trace(pKordRec, "==>", "%s", query.entry);
+    trace(pKordRec, query.selectionTrace.code, query.selectionTrace.format, request.selection);
+    Answer<ValeEnumerateResponse> answer;
+    answer.rc = vale_enumerate_resources(pKordRec->*query.session, &answer.responses, &answer.count,
+                                         query.className, request.selection);
+    return answer;
+}
+
+int32_t countResources(kordRec* pKordRec, const Counter& counter, int32_t* count,
+                       const char* storageFacilityImageMTMS, const char* activePeerDomain)
+{
+    const Request request = requestOf(counter.query.selection, storageFacilityImageMTMS, activePeerDomain);
+    const Answer<ValeEnumerateResponse> answer = callEnumeration(pKordRec, counter.query, request);
+    if (counter.zeroWhenEmpty && answer.rc == 0 && answer.count == 0) *count = 0;
+
+    uint32_t total = 0;
+    const int32_t result = walkAnswer(pKordRec, counter.query, request, answer, [&](Enumeration found) {
+        for (const ValeEnumerateResponse& response : found)
+            total += sizeOf(response);
+        if (counter.total.code != nullptr) {
+            trace(pKordRec, counter.total.code, counter.total.format, total,
+                  static_cast<uint32_t>(found.size()));
+        }
+        return collected;
+    });
+    if (result != failed) *count = static_cast<int32_t>(total);
+    return result;
+}
+
+void clearItem(const Query& query, void* item)
+{
+    for (const Attribute& row : query.attributes) {
+        if (row.kept || row.field == nullptr) continue;
+        const Field field = row.field(item);
+        if (field.integer != nullptr)
+            *field.integer = 0;
+        else
+            field.text[0] = '\0';
+    }
+}
+
+void readAttribute(const kordRec* pKordRec, const Query& query, const ValeAttribute& attribute,
+                   size_t position, void* item)
+{
+    const Attribute* row = rowOf(query, textOrEmpty(attribute.name), position);
+    if (row == nullptr || row->field == nullptr) return;
+    const Field field = row->field(item);
+    if (row->read != nullptr)
+        row->read(pKordRec, attribute, field);
+    else if (field.integer != nullptr)
+        *field.integer = integerOf(attribute);
+    else
+        copyText(field.text, textOf(attribute));
+}
+
+void readItem(const kordRec* pKordRec, const Query& query, const ValeQueryResponse& resource, void* item)
+{
+    clearItem(query, item);
+    const std::span<const ValeAttribute> attributes = attributesOf(query, resource);
+    for (size_t i = 0; i < attributes.size(); ++i)
+        readAttribute(pKordRec, query, attributes[i], i, item);
+}
+
+std::span<const ValeAttribute> attributesOf(const Query& query, const ValeQueryResponse& resource)
+{
+    if (resource.attributes == nullptr) return {};
+    const std::span<const ValeAttribute> all{resource.attributes, resource.attributeCount};
+    return query.walksRequested ? all.first(std::min(all.size(), query.attributes.size())) : all;
+}
+
+const char* textOf(const ValeAttribute& attribute)
+{
+    return isOfOtherKind(attribute, VALE_TEXT, VALE_TEXT) ? "" : textOrEmpty(attribute.value.text);
+}
+
+int32_t integerOf(const ValeAttribute& attribute)
+{
+    return isOfOtherKind(attribute, VALE_INTEGER, VALE_UNSIGNED) ? 0 : attribute.value.integer;
+}
+
+std::span<const int32_t> integersOf(const ValeAttribute& attribute)
+{
+    const ValeIntegerList* list = attribute.value.integers;
+    if (isOfOtherKind(attribute, VALE_INTEGER_LIST, VALE_INTEGER_LIST) || list == nullptr) return {};
+    return {list->values, list->values != nullptr ? list->count : 0};
+}
+
+std::span<const char* const> textsOf(const ValeAttribute& attribute)
+{
+    const ValeTextList* list = attribute.value.texts;
+    if (isOfOtherKind(attribute, VALE_TEXT_LIST, VALE_TEXT_LIST) || list == nullptr) return {};
+    return {list->values, list->values != nullptr ? list->count : 0};
+}
+
+void appendInterface(std::span<char> list, int32_t interface)
+{
+    char decimal[12];
+    formatText(decimal, "%d", interface);
+    if (list[0] == '\0')
+        copyText(list, decimal);
+    else
+        appendText(list, ",%.*s", static_cast<int>(strlen(decimal)) - 1, decimal);
+}
+
+void readInterfaceList(const kordRec*, const ValeAttribute& attribute, Field field)
+{
+    field.text[0] = '\0';
+    for (const int32_t interface : integersOf(attribute))
+        appendInterface(field.text, interface);
+}
+
+ClientError takeError()
+{
+    ClientError error;
+    vale_get_error(&error.record);
+    if (error.record != nullptr) vale_get_errmsg(error.record, &error.text);
+    return error;
+}
+
+void releaseError(const ClientError& error)
+{
+    if (error.text != nullptr) vale_rel_errmsg(error.text);
+    if (error.record != nullptr) vale_rel_error(error.record);
+}
+
+int32_t partitionCount(const kordRec* pKordRec)
+{
+    return std::clamp(pKordRec->num_contacts, 0, partitionSlots);
+}

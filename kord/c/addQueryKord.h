@@ -1,0 +1,337 @@
+// The query pattern, the one place where the client is called to read a class: select, check, trace, report,
+// walk, release. A collector is a `Query` table and a walk over what came back.
+
+#pragma once
+
+#include "addTextKord.h"
+#include "addTrcKord.h"
+#include "kordRec.h"
+
+#include <array>
+#include <cstdint>
+#include <span>
+#include <type_traits>
+
+// --- Results of collectors: callers stop on exactly -1 and go on at anything else.
+
+constexpr int32_t collected = 0;
+constexpr int32_t failed = -1;
+constexpr int32_t minorError = -2;
+constexpr int32_t reported = 1; ///< filed as an event, but not fatal
+
+// --- Error numbers of the resource manager that some collectors answer in their own way.
+
+constexpr uint32_t valeError30002 = 0x30002;
+constexpr uint32_t valeError40008 = 0x40008;
+constexpr uint32_t valeError4000a = 0x4000a;
+constexpr uint32_t valeError4000d = 0x4000d;
+
+// --- Attributes: what is requested, and where in the collector's item its value goes.
+
+/// A field of an item: a text of its declared size, or an integer.
+struct Field {
+    std::span<char> text = {};
+    int32_t* integer = nullptr;
+};
+
+/// The field behind a pointer to a member, for an item that is handed on as `void*`.
+template <auto Member>
+Field fieldOf(void* item)
+{
+    return []<typename Item, typename Type>(Type Item::*member, void* at) -> Field {
+        Type& field = static_cast<Item*>(at)->*member;
+        if constexpr (std::is_array_v<Type>)
+            return {.text = field};
+        else
+            return {.integer = &field};
+    }(Member, item);
+}
+
+/// One requested attribute. The walk copies its value into the item's field unless the row says otherwise.
+struct Attribute {
+    const char* name;
+    Field (*field)(void* item) = nullptr; ///< null: requested but never read
+    void (*read)(const kordRec* pKordRec, const ValeAttribute& attribute, Field field) = nullptr;
+    const char* matched = nullptr; ///< the name looked for in a response, where it differs from `name`
+    bool kept = false; ///< not cleared between items: a resource without it repeats the last value
+};
+
+// --- Failures: what is traced, how it is filed, what the caller gets.
+
+struct Report {
+    enum class Kind { none, plain, withMessage };
+    Kind kind = Kind::none;
+    const char* name = nullptr; ///< null: the request's subject
+    const char* type = nullptr;
+};
+
+constexpr Report noReport = {};
+
+/// `handleErrKord` under a function's name.
+constexpr Report report(const char* name, const char* type)
+{
+    return {Report::Kind::plain, name, type};
+}
+
+/// `handleErrKord_new` under a class's name, with the response's message.
+constexpr Report reportMessage(const char* name, const char* type)
+{
+    return {Report::Kind::withMessage, name, type};
+}
+
+/// Stands for the name of the request's subject in a report.
+constexpr const char* theSubject = nullptr;
+
+struct Failure {
+    TraceText trace = {};
+    Report report = noReport;
+    int32_t result = failed;
+    bool flag = false;                         ///< sets the run record's `Flag`
+    void (*instead)(const kordRec*) = nullptr; ///< writes what stands in the document instead
+    bool writesFirst = false;                  ///< writes before it reports
+    const char* print = nullptr; ///< also printed on standard output: format of class, number, message
+};
+
+/// A failure that the facility is allowed to have: it shows only in `Flag`.
+constexpr Failure minorFailure = {.result = minorError, .flag = true};
+
+/// How a first response with this error number is answered. Its trace is the query's `responseTrace`.
+struct ErrorCase {
+    uint32_t number;
+    Failure failure;
+};
+
+// --- The query itself.
+
+/// One class, how it is asked for, and how every way to fail is answered. The formats of the traces get the
+/// number (return code, count or error number), the message where there is one, and the request's subject.
+struct Query {
+    const char* entry = nullptr; ///< the line under "==>"
+    ValeSessionHandle kordRec::*session;
+    const char* className;
+    bool dynamic = false;
+    std::span<const Attribute> attributes = {};
+    const char* selection = nullptr; ///< format of the selection; null: every resource of the class
+    TraceText selectionTrace = {};
+    Failure callFailed;
+    Failure noResources;
+    TraceText responseTrace;
+    std::span<const ErrorCase> errors = {}; ///< the numbers that are not answered like any other
+    Failure otherError;
+    Failure emptyFirst = {}; ///< tested where it has a trace: a first response without attributes or handles
+    TraceText success = {};  ///< gets the count and the first response's attribute count
+    const char* progress = nullptr; ///< a line under ">>", after the success line
+    bool walksRequested = false;    ///< items are walked by the number requested, not by what they hold
+};
+
+/// What one call asks for: the selection, which holds the longest text that the record's fields can make, and
+/// the name that traces and reports carry where the table leaves it open.
+struct Request {
+    char selection[500];
+    const char* subject = "";
+};
+
+/// Formats the request's selection.
+[[gnu::format(printf, 1, 2), nodiscard]] Request requestOf(const char* selection, ...);
+
+using Resources = std::span<const ValeQueryResponse>;
+using Enumeration = std::span<const ValeEnumerateResponse>;
+using ActionResults = std::span<const ValeActionResponse>;
+
+/// Whether a call's answer can be walked and, where not, the collector's result.
+struct Verdict {
+    bool usable;
+    int32_t result;
+};
+
+/// Traces and reports what is wrong with a call's answer, if anything. `first` is the first response's error
+/// (null when there is none), `firstSize` what it holds.
+Verdict judgeAnswer(kordRec* pKordRec, const Query& query, const Request& request, int32_t rc, uint32_t count,
+                    const ValeErrorNumber* first, uint32_t firstSize);
+
+/// A call's answer, from the call to its release.
+template <typename Response>
+struct Answer {
+    int32_t rc = 0;
+    Response* responses = nullptr;
+    uint32_t count = 0;
+};
+
+Answer<ValeQueryResponse> callQuery(kordRec* pKordRec, const Query& query, const Request& request);
+Answer<ValeEnumerateResponse> callEnumeration(kordRec* pKordRec, const Query& query, const Request& request);
+
+inline uint32_t sizeOf(const ValeQueryResponse& response)
+{
+    return response.attributes != nullptr ? response.attributeCount : 0;
+}
+inline uint32_t sizeOf(const ValeEnumerateResponse& response)
+{
+    return response.handles != nullptr ? response.handleCount : 0;
+}
+inline uint32_t sizeOf(const ValeActionResponse& response)
+{
+    return response.result.elements != nullptr ? response.result.count : 0;
+}
+
+/// Judges the answer, hands a usable one to `walk` as a span, and releases it once in either case. The result
+/// is the failure's or the walk's.
+template <typename Response, typename Walk>
+[[nodiscard]] int32_t walkAnswer(kordRec* pKordRec, const Query& query, const Request& request,
+                                 const Answer<Response>& answer, Walk walk)
+{
+    const bool hasFirst = answer.rc == 0 && answer.count > 0;
+    const Verdict verdict =
+        judgeAnswer(pKordRec, query, request, answer.rc, answer.count,
+                    hasFirst ? &answer.responses->error : nullptr, hasFirst ? sizeOf(*answer.responses) : 0);
+    const int32_t result =
+        verdict.usable ? walk(std::span<const Response>{answer.responses, answer.count}) : verdict.result;
+    if (answer.rc == 0) vale_free_response(answer.responses);
+    return result;
+}
+
+/// Queries the class and walks the resources found; -1, -2 or 1 on failure as the table says.
+template <typename Walk>
+[[nodiscard]] int32_t runQuery(kordRec* pKordRec, const Query& query, const Request& request, Walk walk)
+{
+    return walkAnswer(pKordRec, query, request, callQuery(pKordRec, query, request), walk);
+}
+
+/// The same for an enumeration; the walk gets its responses.
+template <typename Walk>
+[[nodiscard]] int32_t runEnumeration(kordRec* pKordRec, const Query& query, const Request& request, Walk walk)
+{
+    return walkAnswer(pKordRec, query, request, callEnumeration(pKordRec, query, request), walk);
+}
+
+/// Runs a class action on a resource with one text as its input. Of the table it reads the failures.
+template <typename Walk>
+[[nodiscard]] int32_t runAction(kordRec* pKordRec, const Query& query, ValeResourceHandle resource,
+                                const char* action, const char* input, Walk walk)
+{
+    const ValeElement element = {.type = VALE_TEXT, .value = {.text = input}};
+    const ValeStructuredData data = {.count = 1, .elements = &element};
+    Answer<ValeActionResponse> answer;
+    answer.rc = vale_invoke_action(pKordRec->*query.session, &answer.responses, &answer.count, resource,
+                                   action, &data);
+    return walkAnswer(pKordRec, query, {}, answer, walk);
+}
+
+/// Traces and reports a failure that a walk itself finds; gives the failure's result.
+int32_t fail(kordRec* pKordRec, const Query& query, const Failure& failure, int32_t number,
+             const Request& request = {});
+
+// --- Counting.
+
+/// A count of the resources that belong to an image: an enumeration and what is particular to counts.
+struct Counter {
+    Query query;
+    TraceText total = {};       ///< gets the count and the number of responses
+    bool zeroWhenEmpty = false; ///< an empty enumeration sets the count to 0 although it fails
+};
+
+/// What tells one counter from the others of its family.
+struct CounterRow {
+    const char* entry; ///< a blank and the function's name
+    const char* className;
+    const char* codes[5]; ///< selection, failed call, empty enumeration, response in error, nothing found
+    const char* selectionTrace;
+    const char* selection; ///< of the image's MTMS and its domain
+    const char* callFailed;
+    const char* responseError = " response %d, %s";
+};
+
+/// What the counters of one family share.
+struct CounterFamily {
+    const char* emptyEnumeration; ///< the trace's format
+    Report emptyReport;           ///< without a name: under the counter's own
+    Report responseReport;        ///< without a name: under the counter's class
+    std::span<const ErrorCase> minorErrors;
+    const char* total = nullptr; ///< the total's format; null: not traced
+};
+
+constexpr Counter counterOf(const CounterRow& row, const CounterFamily& family)
+{
+    const char* name = row.entry + 1;
+    const auto under = [](const char* own, Report named) {
+        if (named.name == nullptr) named.name = own;
+        return named;
+    };
+    return {
+        .query =
+            {
+                .entry = row.entry,
+                .session = &kordRec::sess_hndl_DM,
+                .className = row.className,
+                .selection = row.selection,
+                .selectionTrace = {row.codes[0], row.selectionTrace},
+                .callFailed = {.trace = {row.codes[1], row.callFailed}, .report = report(name, "r")},
+                .noResources = {.trace = {row.codes[2], family.emptyEnumeration},
+                                .report = under(name, family.emptyReport)},
+                .responseTrace = {row.codes[3], row.responseError},
+                .errors = family.minorErrors,
+                .otherError = {.report = under(row.className, family.responseReport)},
+                .emptyFirst = {.trace = {row.codes[4], " no res found %d"},
+                               .result = minorError,
+                               .flag = true},
+            },
+        .total = {family.total != nullptr ? row.codes[4] : nullptr, family.total},
+    };
+}
+
+/// Counts the handles that the counter's enumeration finds. A minor error counts 0; on failure (-1) the count
+/// stays as it was.
+int32_t countResources(kordRec* pKordRec, const Counter& counter, int32_t* count,
+                       const char* storageFacilityImageMTMS, const char* activePeerDomain);
+
+// --- Reading responses.
+
+/// Clears the item's fields that the table does not keep.
+void clearItem(const Query& query, void* item);
+
+/// Reads the attribute into the item if the table has it; `position` is where it stands in the response.
+void readAttribute(const kordRec* pKordRec, const Query& query, const ValeAttribute& attribute,
+                   size_t position, void* item);
+
+/// Clears the item and reads a resource into it.
+void readItem(const kordRec* pKordRec, const Query& query, const ValeQueryResponse& resource, void* item);
+
+/// The attributes of a resource, as many as its query's walk looks at.
+std::span<const ValeAttribute> attributesOf(const Query& query, const ValeQueryResponse& resource);
+
+/// An attribute's value by the type that its name implies. A null value, or one that the client itself marks
+/// as of another kind, is an empty text, 0 or an empty list.
+const char* textOf(const ValeAttribute& attribute);
+int32_t integerOf(const ValeAttribute& attribute);
+std::span<const int32_t> integersOf(const ValeAttribute& attribute);
+std::span<const char* const> textsOf(const ValeAttribute& attribute);
+
+/// Appends one interface of a list: the first in decimal, each further one as a comma and its decimal form
+/// without the last digit. Consumers know the field in this form.
+void appendInterface(std::span<char> list, int32_t interface);
+
+/// An attribute reader: a list of interfaces into a text field.
+void readInterfaceList(const kordRec* pKordRec, const ValeAttribute& attribute, Field field);
+
+// --- The client's last error.
+
+struct ClientError {
+    ValeErrorHandle record = nullptr;
+    const char* text = nullptr;
+};
+
+/// Fetches the last failed call's error and its message.
+ClientError takeError();
+
+/// Never null.
+inline const char* messageOf(const ClientError& error)
+{
+    return textOrEmpty(error.text);
+}
+
+/// Releases the message, then the record.
+void releaseError(const ClientError& error);
+
+// --- Partitions.
+
+/// How many partitions are walked: those reported, as far as the record has slots.
+int32_t partitionCount(const kordRec* pKordRec);

@@ -1,0 +1,324 @@
+#include "addRackEnclKord.h"
+
+#include "addQueryKord.h"
+#include "addUtilKord.h"
+#include "addXmlKord.h"
+
+namespace
+{
+
+// --- Racks
+
+struct Rack {
+    char locationCode_rack[30];
+    char rackNumber_rack[10];
+    char rackEnclosureMTMS_rack[30];
+    int32_t rackIdentifier; ///< unsigned
+};
+
+constexpr Attribute rackAttributes[] = {
+    {.name = "locationCode", .field = fieldOf<&Rack::locationCode_rack>},
+    {.name = "rackNumber", .field = fieldOf<&Rack::rackNumber_rack>},
+    {.name = "rackEnclosureMTMS", .field = fieldOf<&Rack::rackEnclosureMTMS_rack>},
+    {.name = "rackIdentifier", .field = fieldOf<&Rack::rackIdentifier>},
+};
+
+// Consumers of the trace and of events know this collector under the storage enclosures' name.
+constexpr Query rackQuery = {
+    .entry = " addStorEnclKord",
+    .session = &kordRec::sess_hndl_SR,
+    .className = "Orvik.TarnRack",
+    .attributes = rackAttributes,
+    .selection = "storageFacilityMTMS=\"%s\" ",
+    .selectionTrace = {"0400", "%s"},
+    .callFailed = {.trace = {"0401", "  TarnRack %d, %s"}, .report = report("addStorEnclKord", "r")},
+    .noResources = {.trace = {"0402", " no res  array_cnt_rack=%d"},
+                    .report = report("addStorEnclKord", "e")},
+    .responseTrace = {"0403", "  TarnRack %d, %s"},
+    .otherError = {.report = reportMessage("Orvik.TarnRack", "e")},
+};
+
+/// One part of a rack; each query picks the attributes that its class has.
+struct Part {
+    char locationCode[100];
+    char partNumber[100];
+    char serialNumber[100];
+    char ecLevel[100];
+    char flashFirmwareLevel[200];
+    char remainingBatteryLife[100];
+    char kyrosFeatureCode[100];
+};
+
+/// Text that goes into the document without angle brackets.
+void readCleaned(const kordRec*, const ValeAttribute& attribute, Field field)
+{
+    copyText(field.text, textOf(attribute));
+    removeInvalidCharInString(field.text.data());
+}
+
+constexpr const char* rackPartSelection = "storageFacilityMTMS=\"%s\" && rackEnclosureMTMS=\"%s\" ";
+
+constexpr ErrorCase partErrors[] = {
+    {.number = valeError40008, .failure = minorFailure},
+};
+
+// --- Primary power supplies
+
+constexpr Attribute ppsAttributes[] = {
+    {.name = "locationCode", .field = fieldOf<&Part::locationCode>},
+    {.name = "partNumber", .field = fieldOf<&Part::partNumber>, .read = readCleaned},
+    {.name = "serialNumber", .field = fieldOf<&Part::serialNumber>, .read = readCleaned},
+    {.name = "ecLevel", .field = fieldOf<&Part::ecLevel>, .read = readCleaned},
+    {.name = "flashFirmwareLevel", .field = fieldOf<&Part::flashFirmwareLevel>, .read = readCleaned},
+};
+
+void writeEmptyPPS(const kordRec* pKordRec)
+{
+    writePPS(pKordRec, "", "", "", "", "", "");
+}
+
+constexpr Query ppsQuery = {
+    .entry = " queryPPS",
+    .session = &kordRec::sess_hndl_SR,
+    .className = "Orvik.TarnPPS",
+    .attributes = ppsAttributes,
+    .selection = rackPartSelection,
+    .selectionTrace = {"0405", "%s"},
+    .callFailed = {.trace = {"0406", "  pps %d, %s"}, .report = report("queryPPS", "r")},
+    .noResources = {.trace = {"0407 ", "no res  array_cnt_pps=%d"},
+                    .result = minorError,
+                    .flag = true,
+                    .instead = writeEmptyPPS},
+    .responseTrace = {"0408", " response %d, %s"},
+    .errors = partErrors,
+    .otherError = {.report = reportMessage("Orvik.TarnPPS", "r")},
+    .success = {"409 ", " array_cnt_pps=%d"},
+    .progress = " writePPS open/close resource",
+};
+
+// --- Batteries
+
+constexpr Attribute batteryAttributes[] = {
+    {.name = "locationCode", .field = fieldOf<&Part::locationCode>},
+    {.name = "ecLevel", .field = fieldOf<&Part::ecLevel>, .read = readCleaned},
+    {.name = "partNumber", .field = fieldOf<&Part::partNumber>, .read = readCleaned},
+    {.name = "serialNumber"}, // never read: consumers know batteries without a serial number
+    {.name = "remainingBatteryLife", .field = fieldOf<&Part::remainingBatteryLife>},
+};
+
+void writeEmptyBattery(const kordRec* pKordRec)
+{
+    writeBattery(pKordRec, "", "", "", "", "", "");
+}
+
+constexpr Query batteryQuery = {
+    .entry = " queryBattery",
+    .session = &kordRec::sess_hndl_SR,
+    .className = "Orvik.TarnBattery",
+    .attributes = batteryAttributes,
+    .selection = rackPartSelection,
+    .selectionTrace = {"0411", "%s"},
+    .callFailed = {.trace = {"0412", "  battery %d, %s"}, .report = report("queryBattery", "r")},
+    .noResources = {.trace = {"0413", " no res  array_cnt_bat=%d"},
+                    .result = minorError,
+                    .flag = true,
+                    .instead = writeEmptyBattery},
+    .responseTrace = {"0414", " response %d, %s"},
+    .errors = partErrors,
+    .otherError = {.report = reportMessage("Orvik.TarnBattery", "r")},
+    .success = {"0413", " array_cnt_bat=%d"},
+    .progress = " writeBattery open/close resource",
+};
+
+// --- Rack power controllers
+
+constexpr Attribute rpcAttributes[] = {
+    {.name = "locationCode", .field = fieldOf<&Part::locationCode>},
+    {.name = "ecLevel", .field = fieldOf<&Part::ecLevel>, .read = readCleaned},
+    {.name = "flashFirmwareLevel", .field = fieldOf<&Part::flashFirmwareLevel>},
+    {.name = "partNumber", .field = fieldOf<&Part::partNumber>, .read = readCleaned},
+    {.name = "serialNumber", .field = fieldOf<&Part::serialNumber>, .read = readCleaned},
+    {.name = "kyrosFeatureCode", .field = fieldOf<&Part::kyrosFeatureCode>},
+};
+
+void writeEmptyRPC(const kordRec* pKordRec)
+{
+    writeRPC(pKordRec, "", "", "", "", "", "", "");
+}
+
+constexpr Query rpcQuery = {
+    .entry = " queryRPC",
+    .session = &kordRec::sess_hndl_SR,
+    .className = "Orvik.TarnRPC",
+    .attributes = rpcAttributes,
+    .selection = rackPartSelection,
+    .selectionTrace = {"0416", "%s"},
+    .callFailed = {.trace = {"0417", "  rpc %d, %s"}, .report = report("queryRPC", "r")},
+    .noResources = {.trace = {"0418", " no res  array_cnt_rpc=%d"},
+                    .result = minorError,
+                    .flag = true,
+                    .instead = writeEmptyRPC},
+    .responseTrace = {"0419", " response %d, %s"},
+    .errors = partErrors,
+    .otherError = {.report = reportMessage("Orvik.TarnRPC", "r")},
+    .success = {"0413", " array_cnt_rpc=%d"},
+    .progress = " writeRPC open/close resource",
+};
+
+// --- Fan sense cards
+
+constexpr Attribute fanSenseAttributes[] = {
+    {.name = "locationCode", .field = fieldOf<&Part::locationCode>},
+    {.name = "ecLevel", .field = fieldOf<&Part::ecLevel>},
+    {.name = "partNumber", .field = fieldOf<&Part::partNumber>},
+    {.name = "serialNumber", .field = fieldOf<&Part::serialNumber>},
+};
+
+// A response in error is reported and the rack goes on; the same for a fan tray fails the collector.
+constexpr Query fanSenseQuery = {
+    .session = &kordRec::sess_hndl_SR,
+    .className = "Orvik.TarnFanSense",
+    .attributes = fanSenseAttributes,
+    .selection = "rackEnclosureMTMS=\"%s\" ",
+    .selectionTrace = {"0422", "%s"},
+    .callFailed = {.trace = {"0422", "  FanSense %d, %s"}, .report = report("queryFanSense", "r")},
+    .noResources = {.trace = {"0423", " no res  array_cnt_fan=%d"}, .result = minorError, .flag = true},
+    .responseTrace = {"0424", " response  %d, %s"},
+    .errors = partErrors,
+    .otherError = {.report = reportMessage("Orvik.TarnFanSense", "r"), .result = reported},
+    .progress = " writeFanSense open/close resource",
+};
+
+// --- Fan trays
+
+constexpr Attribute fanTrayAttributes[] = {
+    {.name = "locationCode", .field = fieldOf<&Part::locationCode>},
+    {.name = "partNumber", .field = fieldOf<&Part::partNumber>},
+};
+
+constexpr Query fanTrayQuery = {
+    .session = &kordRec::sess_hndl_SR,
+    .className = "Orvik.TarnFanTray",
+    .attributes = fanTrayAttributes,
+    .selection = "rackEnclosureMTMS=\"%s\"",
+    .selectionTrace = {"0426", "%s"},
+    .callFailed = {.trace = {"0427", "  FanTray %d, %s"}, .report = report("queryFanTray", "r")},
+    .noResources = {.trace = {"0428", " no res  array_cnt_tra=%d"}, .result = minorError, .flag = true},
+    .responseTrace = {"0429", " response %d, %s"},
+    .errors = partErrors,
+    .otherError = {.report = reportMessage("Orvik.TarnFanTray", "r")},
+    .progress = " writeFanTray open/close resource",
+};
+
+using QueryParts = decltype(&queryPPS);
+
+/// What a rack holds, in the document's order.
+constexpr QueryParts rackParts[] = {queryPPS, queryBattery, queryRPC, queryFanSense, queryFanTray};
+
+/// Queries one class of parts and hands each part to `write`.
+template <typename Write>
+int32_t writeParts(kordRec* pKordRec, const Query& query, const Request& request, Write write)
+{
+    return runQuery(pKordRec, query, request, [&](Resources parts) {
+        Part part{};
+        for (const ValeQueryResponse& resource : parts) {
+            readItem(pKordRec, query, resource, &part);
+            write(part);
+        }
+        return collected;
+    });
+}
+
+/// The fans are queried anew for each partition image, with the same selection: a facility with two images
+/// lists each of them twice, and consumers count on it.
+template <typename Write>
+int32_t writeFans(kordRec* pKordRec, const Query& query, const char* rackEnclosureMTMS, Write write)
+{
+    int32_t rc = collected;
+    for (int32_t i = 0; i < pKordRec->num_contacts && rc == collected; ++i) {
+        rc = writeParts(pKordRec, query, requestOf(query.selection, rackEnclosureMTMS), write);
+    }
+    return rc;
+}
+
+int32_t addRack(kordRec* pKordRec, const Rack& rack)
+{
+    char Tyemodel[20];
+    char Serial[20];
+    const uint32_t rackIdentifier = static_cast<uint32_t>(rack.rackIdentifier);
+    getStorageEnclosure_typemodel(rack.rackEnclosureMTMS_rack, Tyemodel);
+    getStorageEnclosure_serial(rack.rackEnclosureMTMS_rack, Serial);
+    trace(pKordRec, "0404 ", "rackIdentifier=%u, %s, %s, %s", rackIdentifier, rack.locationCode_rack,
+          rack.rackNumber_rack, rack.rackEnclosureMTMS_rack);
+
+    openRackEncl(pKordRec, rack.locationCode_rack, rack.rackNumber_rack, rackIdentifier, Tyemodel, Serial);
+    openGlobalResources(pKordRec);
+    int32_t rc = collected;
+    for (const QueryParts queryParts : rackParts) {
+        rc = queryParts(pKordRec, rack.rackEnclosureMTMS_rack, rack.rackNumber_rack);
+        if (rc == failed) break;
+    }
+    closeGlobalResources(pKordRec);
+    closeRackEncl(pKordRec);
+    return rc;
+}
+
+} // namespace
+
+int32_t addRackEnclKord(kordRec* pKordRec)
+{
+    const Request request = requestOf(rackQuery.selection, pKordRec->storageFacilityMTMS);
+    return runQuery(pKordRec, rackQuery, request, [&](Resources racks) {
+        Rack rack{};
+        for (const ValeQueryResponse& resource : racks) {
+            readItem(pKordRec, rackQuery, resource, &rack);
+            if (addRack(pKordRec, rack) == failed) return failed;
+        }
+        return collected;
+    });
+}
+
+int32_t queryPPS(kordRec* pKordRec, const char* rackEnclosureMTMS, const char* rackNumber)
+{
+    const Request request = requestOf(ppsQuery.selection, pKordRec->storageFacilityMTMS, rackEnclosureMTMS);
+    return writeParts(pKordRec, ppsQuery, request, [&](const Part& part) {
+        writePPS(pKordRec, part.locationCode, part.ecLevel, part.flashFirmwareLevel, part.partNumber,
+                 part.serialNumber, rackNumber);
+    });
+}
+
+int32_t queryBattery(kordRec* pKordRec, const char* rackEnclosureMTMS, const char* rackNumber)
+{
+    const Request request =
+        requestOf(batteryQuery.selection, pKordRec->storageFacilityMTMS, rackEnclosureMTMS);
+    return writeParts(pKordRec, batteryQuery, request, [&](const Part& part) {
+        writeBattery(pKordRec, part.locationCode, part.ecLevel, part.partNumber, part.serialNumber,
+                     part.remainingBatteryLife, rackNumber);
+    });
+}
+
+int32_t queryRPC(kordRec* pKordRec, const char* rackEnclosureMTMS, const char* rackNumber)
+{
+    const Request request = requestOf(rpcQuery.selection, pKordRec->storageFacilityMTMS, rackEnclosureMTMS);
+    return writeParts(pKordRec, rpcQuery, request, [&](const Part& part) {
+        writeRPC(pKordRec, part.locationCode, part.ecLevel, part.flashFirmwareLevel, part.partNumber,
+                 part.serialNumber, part.kyrosFeatureCode, rackNumber);
+    });
+}
+
+int32_t queryFanSense(kordRec* pKordRec, const char* rackEnclosureMTMS, const char* rackNumber)
+{
+    trace(pKordRec, "==>", " queryFanSense");
+    return writeFans(pKordRec, fanSenseQuery, rackEnclosureMTMS, [&](const Part& part) {
+        writeFanSense(pKordRec, part.locationCode, part.ecLevel, part.partNumber, part.serialNumber,
+                      rackNumber);
+    });
+}
+
+int32_t queryFanTray(kordRec* pKordRec, const char* rackEnclosureMTMS, const char* rackNumber)
+{
+    trace(pKordRec, "==>", " queryFanTray");
+    return writeFans(pKordRec, fanTrayQuery, rackEnclosureMTMS, [&](const Part& part) {
+        writeFanTray(pKordRec, part.locationCode, part.partNumber, rackNumber);
+    });
+}

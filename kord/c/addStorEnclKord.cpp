@@ -1,0 +1,343 @@
+#include "addStorEnclKord.h"
+
+#include "addQueryKord.h"
+#include "addUtilKord.h"
+#include "addXmlKord.h"
+
+#include <cstring>
+
+namespace
+{
+
+// --- Racks
+
+struct Rack {
+    char locationCode_rack[30];
+    char rackNumber_rack[10];
+    char rackEnclosureMTMS_rack[30];
+};
+
+constexpr Attribute rackAttributes[] = {
+    {.name = "locationCode", .field = fieldOf<&Rack::locationCode_rack>},
+    {.name = "rackNumber", .field = fieldOf<&Rack::rackNumber_rack>},
+    {.name = "rackEnclosureMTMS", .field = fieldOf<&Rack::rackEnclosureMTMS_rack>},
+};
+
+constexpr Query rackQuery = {
+    .entry = " addStorEnclKord",
+    .session = &kordRec::sess_hndl_SR,
+    .className = "Orvik.TarnRack",
+    .attributes = rackAttributes,
+    .selection = "storageFacilityMTMS=\"%s\" ",
+    .selectionTrace = {"0322 ", "%s"},
+    .callFailed = {.trace = {"0323", "  TarnRack %d, %s"}, .report = report("addStorEnclKord", "r")},
+    .noResources = {.trace = {"0324 ", "no res  array_cnt_rack=%d"},
+                    .report = report("addStorEnclKord", "e")},
+    .responseTrace = {"0325", "  TarnRack %d, %s"},
+    .otherError = {.report = reportMessage("Orvik.TarnRack", "e")},
+};
+
+// --- Storage enclosures of a rack, one partition image at a time
+
+struct Enclosure {
+    char locationCode_stor[30];
+    char featureCode_stor[10];
+    char enclosureNumber_stor[30];
+    char enclosureMTMS_stor[30];
+    char interfaceIdentifier_stor[100];
+};
+
+void readEnclosureInterfaces(const kordRec* pKordRec, const ValeAttribute& attribute, Field field)
+{
+    readInterfaceList(pKordRec, attribute, field);
+    trace(pKordRec, "0319", " %d %s", static_cast<int32_t>(integersOf(attribute).size()), field.text.data());
+}
+
+constexpr Attribute enclosureAttributes[] = {
+    {.name = "featureCode", .field = fieldOf<&Enclosure::featureCode_stor>},
+    {.name = "locationCode", .field = fieldOf<&Enclosure::locationCode_stor>},
+    {.name = "enclosureNumber", .field = fieldOf<&Enclosure::enclosureNumber_stor>},
+    {.name = "interfaceIdentifier",
+     .field = fieldOf<&Enclosure::interfaceIdentifier_stor>,
+     .read = readEnclosureInterfaces},
+    {.name = "enclosureMTMS", .field = fieldOf<&Enclosure::enclosureMTMS_stor>},
+};
+
+constexpr ErrorCase partErrors[] = {
+    {.number = valeError40008, .failure = minorFailure},
+};
+
+constexpr Query enclosureQuery = {
+    .session = &kordRec::sess_hndl_DM,
+    .className = "Orvik.TarnStorageEnclosure",
+    .attributes = enclosureAttributes,
+    .selection = "storageFacilityImageMTMS=\"%s\" && rackNumber=\"%s\" && ActivePeerDomain=\"%s\" ",
+    .selectionTrace = {"0315", "%s"},
+    .callFailed = {.trace = {"0316", " stor %d, %s"}, .report = report("addStorEnclKord", "r")},
+    .noResources = {.trace = {"0317", " no res  array_cnt=%d"}, .report = report("addStorEnclKord", "e")},
+    .responseTrace = {"0318", "response %d, %s"},
+    .errors = partErrors,
+    .otherError = {.report = reportMessage("Orvik.TarnStorageEnclosure", "e")},
+};
+
+// --- Disk drives. A drive that lacks a number repeats the previous drive's.
+
+struct Drive {
+    char locationCode[81];
+    char ecLevel[10];
+    char firmwareLevel[20];
+    char partNumber[8];
+    char serialNumber[20];
+    char ddmName[11];
+    char diskManufacturer[17];
+    int32_t diskCapacity;
+    int32_t diskRPM;
+    int32_t diskInterfaceRate;
+    int32_t arraySite;
+    int32_t arraySitePosition;
+    char diskInterfaceType[9];
+    int32_t serviceState;
+};
+
+constexpr Attribute driveAttributes[] = {
+    {.name = "locationCode", .field = fieldOf<&Drive::locationCode>},
+    {.name = "ecLevel", .field = fieldOf<&Drive::ecLevel>},
+    {.name = "firmwareLevel", .field = fieldOf<&Drive::firmwareLevel>},
+    {.name = "partNumber", .field = fieldOf<&Drive::partNumber>},
+    {.name = "serialNumber", .field = fieldOf<&Drive::serialNumber>},
+    {.name = "ddmname", .field = fieldOf<&Drive::ddmName>},
+    {.name = "diskManufacturer", .field = fieldOf<&Drive::diskManufacturer>},
+    {.name = "diskCapacity", .field = fieldOf<&Drive::diskCapacity>, .kept = true},
+    {.name = "diskRPM", .field = fieldOf<&Drive::diskRPM>, .kept = true},
+    {.name = "diskInterfaceRate", .field = fieldOf<&Drive::diskInterfaceRate>, .kept = true},
+    {.name = "arraySite", .field = fieldOf<&Drive::arraySite>, .kept = true},
+    {.name = "arraySitePosition", .field = fieldOf<&Drive::arraySitePosition>, .kept = true},
+    {.name = "diskInterfaceType", .field = fieldOf<&Drive::diskInterfaceType>},
+    {.name = "serviceState", .field = fieldOf<&Drive::serviceState>, .kept = true},
+};
+
+// An enclosure without drives is reported, and the run goes on.
+constexpr Query driveQuery = {
+    .entry = " queryDDM",
+    .session = &kordRec::sess_hndl_DM,
+    .className = "Orvik.TarnDDM",
+    .attributes = driveAttributes,
+    .selection = "storageFacilityImageMTMS=\"%s\" && rackNumber=\"%s\" && enclosureMTMS=\"%s\""
+                 " && enclosureNumber=\"%s\" && ActivePeerDomain=\"%s\"",
+    .selectionTrace = {"0300", "%s"},
+    .callFailed = {.trace = {"0301", "  TarnDDM %d, %s"}, .report = report("queryDDM", "r")},
+    .noResources = {.trace = {"0302 ", "no res  array_cnt_ddm=%d"},
+                    .report = report("queryDDM", "e"),
+                    .result = reported},
+    .responseTrace = {"0303", " response %d, %s"},
+    .errors = partErrors,
+    .otherError = {.report = reportMessage("Orvik.TarnDDM", "r")},
+    .success = {"0304 ", "DDM loop array_cnt_ddm= %d, attr_count_ddm= %d"},
+    .progress = " writeDDM open/close resource",
+};
+
+// --- Fibre Channel interface cards
+
+struct InterfaceCard {
+    char locationCode[81];
+    char ecLevel[10];
+    char firmwareLevel[20];
+    char partNumber[8];
+    char serialNumber[9];
+};
+
+constexpr Attribute interfaceCardAttributes[] = {
+    {.name = "locationCode", .field = fieldOf<&InterfaceCard::locationCode>},
+    {.name = "ecLevel", .field = fieldOf<&InterfaceCard::ecLevel>},
+    {.name = "firmwareLevel", .field = fieldOf<&InterfaceCard::firmwareLevel>},
+    {.name = "partNumber", .field = fieldOf<&InterfaceCard::partNumber>},
+    {.name = "serialNumber", .field = fieldOf<&InterfaceCard::serialNumber>},
+};
+
+/// Of rack number, enclosure MTMS, enclosure number and image ID.
+constexpr const char* enclosurePartSelection =
+    "rackNumber=\"%s\" && enclosureMTMS=\"%s\" && enclosureNumber=\"%s\" && ActivePeerDomain=\"%s\" ";
+
+// An enclosure without interface cards fails the whole collector.
+constexpr Query interfaceCardQuery = {
+    .entry = " queryFCIC",
+    .session = &kordRec::sess_hndl_DM,
+    .className = "Orvik.TarnFCIC",
+    .attributes = interfaceCardAttributes,
+    .selection = enclosurePartSelection,
+    .selectionTrace = {"0305", "%s"},
+    .callFailed = {.trace = {"0306", "  TarnFCIC %d, %s"}, .report = report("queryFCIC", "r")},
+    .noResources = {.trace = {"0307", " no res  array_cnt_fcic=%d"}, .report = report("queryFCIC", "e")},
+    .responseTrace = {"0308", " response %d, %s"},
+    .errors = partErrors,
+    .otherError = {.report = reportMessage("Orvik.TarnFCIC", "r")},
+    .success = {"0309", " FCIC loop array_cnt_fcic= %d, attr_count_fcic %d"},
+    .progress = " writeFCIC open/close resource",
+};
+
+// --- Baffles
+
+struct Baffle {
+    char locationCode_baf[81];
+    char partNumber_baf[8];
+};
+
+constexpr Attribute baffleAttributes[] = {
+    {.name = "locationCode", .field = fieldOf<&Baffle::locationCode_baf>},
+    {.name = "partNumber", .field = fieldOf<&Baffle::partNumber_baf>},
+};
+
+// An enclosure without baffles is a minor error, and nothing is reported.
+constexpr Query baffleQuery = {
+    .entry = " queryBaffle",
+    .session = &kordRec::sess_hndl_DM,
+    .className = "Orvik.TarnBaffle",
+    .attributes = baffleAttributes,
+    .selection = enclosurePartSelection,
+    .selectionTrace = {"0310", "%s"},
+    .callFailed = {.trace = {"0311", " TarnBaffle %d, %s"}, .report = report("queryBaffle", "r")},
+    .noResources = {.trace = {"0312 ", "no res  array_cnt_baf=%d"}, .result = minorError, .flag = true},
+    .responseTrace = {"0313 ", "response %d, %s"},
+    .errors = partErrors,
+    .otherError = {.report = reportMessage("Orvik.TarnBaffle", "r")},
+    .success = {"0314", " Baffle array_cnt_baf= %d, attr_count_baf= %d"},
+    .progress = " writeBaffle open/close resource",
+};
+
+using QueryParts = decltype(&queryDDM);
+
+/// What an enclosure holds, in the document's order.
+constexpr QueryParts enclosureParts[] = {queryDDM, queryFCIC, queryBaffle};
+
+int32_t addEnclosure(kordRec* pKordRec, const Enclosure& enclosure, const char* rackNumber,
+                     const char* rackEnclosureMTMS, int32_t i)
+{
+    char RackLocation[30];
+    char R1[30];
+    char enclosureTyemodel[20];
+    char enclosureSerial[20];
+    formatText(RackLocation, "%s-%s", rackEnclosureMTMS, enclosure.enclosureNumber_stor);
+    convertStringFromMMToDash(R1, RackLocation);
+    getStorageEnclosure_typemodel(enclosure.enclosureMTMS_stor, enclosureTyemodel);
+    getStorageEnclosure_serial(enclosure.enclosureMTMS_stor, enclosureSerial);
+    trace(pKordRec, "0320", " RackLocation= %s, %s, %s, %d, %s", RackLocation, R1,
+          enclosure.enclosureNumber_stor, static_cast<int32_t>(strlen(enclosure.enclosureNumber_stor)),
+          enclosure.locationCode_stor);
+
+    openStorEncl(pKordRec, enclosure.locationCode_stor, pKordRec->kordpStorageFacilityImageMTMS[i], R1,
+                 rackNumber, enclosure.interfaceIdentifier_stor, enclosure.featureCode_stor,
+                 enclosureTyemodel, enclosureSerial);
+    openEnclosurePartitionsStor(pKordRec, enclosure.locationCode_stor, pKordRec->LParID[i]);
+    openPartitionResources(pKordRec);
+    trace(pKordRec, "0321", " enclosureMTMS_stor= %s ", enclosure.enclosureMTMS_stor);
+
+    int32_t rc = collected;
+    for (const QueryParts queryParts : enclosureParts) {
+        rc = queryParts(pKordRec, enclosure.enclosureMTMS_stor, rackNumber, enclosure.enclosureNumber_stor,
+                        pKordRec->StorageFacilityImageMTMS[i], pKordRec->StorageFacilityImageID[i]);
+        if (rc == failed) break;
+    }
+    closePartitionResources(pKordRec);
+    closeEnclosurePartitionsStor(pKordRec);
+    closeStorEncl(pKordRec);
+    return rc == failed ? failed : collected;
+}
+
+} // namespace
+
+int32_t addStorEnclKord(kordRec* pKordRec)
+{
+    const Request request = requestOf(rackQuery.selection, pKordRec->storageFacilityMTMS);
+    return runQuery(pKordRec, rackQuery, request, [&](Resources racks) {
+        Rack rack{};
+        for (const ValeQueryResponse& resource : racks) {
+            readItem(pKordRec, rackQuery, resource, &rack);
+            trace(pKordRec, "0326", " rack %s, %s, %s", rack.locationCode_rack, rack.rackNumber_rack,
+                  rack.rackEnclosureMTMS_rack);
+            const int32_t rc = queryStorageEnclosure(pKordRec, rack.locationCode_rack, rack.rackNumber_rack,
+                                                     rack.rackEnclosureMTMS_rack);
+            if (rc == failed) return failed;
+        }
+        return collected;
+    });
+}
+
+int32_t queryStorageEnclosure(kordRec* pKordRec, const char* /*locationCode_rack*/,
+                              const char* rackNumber_rack, const char* rackEnclosureMTMS_rack)
+{
+    trace(pKordRec, "==>", " queryStorageEnclosure");
+    int32_t rc = collected;
+    for (int32_t i = 0; i < partitionCount(pKordRec) && rc == collected; ++i) {
+        const Request request = requestOf(enclosureQuery.selection, pKordRec->StorageFacilityImageMTMS[i],
+                                          rackNumber_rack, pKordRec->StorageFacilityImageID[i]);
+        rc = runQuery(pKordRec, enclosureQuery, request, [&](Resources enclosures) {
+            Enclosure enclosure{};
+            for (const ValeQueryResponse& resource : enclosures) {
+                readItem(pKordRec, enclosureQuery, resource, &enclosure);
+                if (addEnclosure(pKordRec, enclosure, rackNumber_rack, rackEnclosureMTMS_rack, i) == failed) {
+                    return failed;
+                }
+            }
+            return collected;
+        });
+    }
+    return rc;
+}
+
+int32_t queryDDM(kordRec* pKordRec, const char* enclosureMTMS, const char* rackNumber,
+                 const char* enclosureNumber, const char* StorageFacilityImageMTMS,
+                 const char* StorageFacilityImageID)
+{
+    char image[30];
+    convertStringFromMMToDash(image, StorageFacilityImageMTMS);
+    const Request request = requestOf(driveQuery.selection, StorageFacilityImageMTMS, rackNumber,
+                                      enclosureMTMS, enclosureNumber, StorageFacilityImageID);
+    return runQuery(pKordRec, driveQuery, request, [&](Resources drives) {
+        Drive drive{};
+        for (const ValeQueryResponse& resource : drives) {
+            readItem(pKordRec, driveQuery, resource, &drive);
+            writeDDM(pKordRec, drive.locationCode, image, drive.ecLevel, drive.firmwareLevel,
+                     drive.partNumber, drive.serialNumber, drive.ddmName, drive.diskManufacturer,
+                     drive.diskCapacity, drive.diskRPM, drive.diskInterfaceRate, drive.arraySite,
+                     drive.arraySitePosition, drive.diskInterfaceType, drive.serviceState);
+        }
+        return collected;
+    });
+}
+
+int32_t queryFCIC(kordRec* pKordRec, const char* enclosureMTMS, const char* rackNumber,
+                  const char* enclosureNumber, const char* StorageFacilityImageMTMS,
+                  const char* StorageFacilityImageID)
+{
+    char image[30];
+    convertStringFromMMToDash(image, StorageFacilityImageMTMS);
+    const Request request = requestOf(interfaceCardQuery.selection, rackNumber, enclosureMTMS,
+                                      enclosureNumber, StorageFacilityImageID);
+    return runQuery(pKordRec, interfaceCardQuery, request, [&](Resources cards) {
+        InterfaceCard card{};
+        for (const ValeQueryResponse& resource : cards) {
+            readItem(pKordRec, interfaceCardQuery, resource, &card);
+            writeFCIC(pKordRec, card.locationCode, image, card.ecLevel, card.firmwareLevel, card.partNumber,
+                      card.serialNumber);
+        }
+        return collected;
+    });
+}
+
+int32_t queryBaffle(kordRec* pKordRec, const char* enclosureMTMS, const char* rackNumber,
+                    const char* enclosureNumber, const char* StorageFacilityImageMTMS,
+                    const char* StorageFacilityImageID)
+{
+    char image[30];
+    convertStringFromMMToDash(image, StorageFacilityImageMTMS);
+    const Request request =
+        requestOf(baffleQuery.selection, rackNumber, enclosureMTMS, enclosureNumber, StorageFacilityImageID);
+    return runQuery(pKordRec, baffleQuery, request, [&](Resources baffles) {
+        Baffle baffle{};
+        for (const ValeQueryResponse& resource : baffles) {
+            readItem(pKordRec, baffleQuery, resource, &baffle);
+            writeBaffle(pKordRec, baffle.locationCode_baf, image, baffle.partNumber_baf);
+        }
+        return collected;
+    });
+}

@@ -1,0 +1,23 @@
+// The trace log: one stamped line a call, wrapped when long, in a file that is kept from growing without
+// bound.
+
+#pragma once
+
+#include "kordRec.h"
+
+/// Longest message of an ordinary trace line.
+constexpr size_t traceTextSize = 800;
+
+/// Where a line stems from ("0100", "==>", ">>") and the format of its text.
+struct TraceText {
+    const char* code = nullptr;
+    const char* format = nullptr;
+};
+
+/// Appends one line to the log `fileName` of the trace folder ("": "addTrcKord.log"), wrapped after 79 bytes,
+/// leaves the log world-writable, and cuts or removes it past its size limits. Null texts read as empty.
+/// A log that cannot be opened loses the line; nothing is reported. Returns 0.
+int32_t addTrcKord(const char* fileName, const char* code, const char* message);
+
+/// One line of the run's own log; the text is cut to `traceTextSize`.
+[[gnu::format(printf, 3, 4)]] void trace(const kordRec* pKordRec, const char* code, const char* format, ...);

@@ -1,0 +1,291 @@
+#include "addUtilKord.h"
+
+#include "addTrcKord.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <cstdlib>
+#include <cstring>
+#include <fcntl.h>
+#include <iterator>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace
+{
+
+constexpr size_t commandSize = 4096;
+constexpr int notRun = -1;
+
+/// Makes the command's output file anew: a file or link that lies in the way goes.
+void createOutputFile(const char* fileName)
+{
+    constexpr int flags = O_RDWR | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC;
+    int fd = open(fileName, flags, 0777);
+    if (fd < 0 && errno == EEXIST && unlink(fileName) == 0) fd = open(fileName, flags, 0777);
+    if (fd < 0) return;
+    fchmod(fd, 0666);
+    close(fd);
+    errno = 0;
+}
+
+/// Whether the command redirects its standard output itself; "2>" does not.
+bool redirectsOutput(const char* command)
+{
+    for (const char* at = command; *at != '\0'; ++at) {
+        if (*at == '>' && at != command && (at[-1] == ' ' || at[-1] == '1')) return true;
+    }
+    return false;
+}
+
+/// Reads `size` bytes, or as many as there are.
+ssize_t readAll(int fd, char* text, size_t size)
+{
+    size_t used = 0;
+    while (used < size) {
+        const ssize_t length = read(fd, text + used, size - used);
+        if (length < 0 && errno == EINTR) continue;
+        if (length < 0) return -1;
+        if (length == 0) break;
+        used += static_cast<size_t>(length);
+    }
+    return static_cast<ssize_t>(used);
+}
+
+/// The file's text, terminated, and its size; null when it cannot be read.
+char* readFile(const kordRec* pKordRec, const char* fileName, size_t& size)
+{
+    char* text = static_cast<char*>(malloc(size + 1));
+    if (text == nullptr) return nullptr;
+    const int fd = open(fileName, O_RDONLY | O_NOFOLLOW | O_CLOEXEC);
+    if (fd < 0) {
+        trace(pKordRec, "0063", " fd  %d errno=", fd);
+        free(text);
+        return nullptr;
+    }
+    const ssize_t length = readAll(fd, text, size);
+    close(fd);
+    if (length < 0) {
+        trace(pKordRec, "0064", "read  errno=");
+        free(text);
+        return nullptr;
+    }
+    size = static_cast<size_t>(length);
+    text[size] = '\0';
+    return text;
+}
+
+/// Points the entries at the lines, all terminated in place. An empty first line has no entry of its own: the
+/// text moves one place down, so that the first entry is always the start of the buffer.
+void splitLines(char* text, size_t size, char** lines, size_t count)
+{
+    char* end = text + size;
+    std::fill_n(lines, count, end);
+    lines[0] = text;
+    if (*text == '\n') memmove(text, text + 1, static_cast<size_t>(end-- - text));
+
+    char* line = text;
+    for (size_t entry = 0; entry < count && line < end; ++entry) {
+        lines[entry] = line;
+        char* newline = static_cast<char*>(memchr(line, '\n', static_cast<size_t>(end - line)));
+        if (newline == nullptr) return;
+        *newline = '\0';
+        line = newline + 1;
+    }
+}
+
+int32_t cut(const char* text, size_t from, size_t length, std::span<char> part)
+{
+    copyText(part, strnlen(text, from) == from ? text + from : "", length);
+    return 0;
+}
+
+int32_t convert(std::span<char> output, const char* input, char from, char to)
+{
+    copyText(output, input);
+    std::replace(output.data(), output.data() + strlen(output.data()), from, to);
+    return 0;
+}
+
+} // namespace
+
+int32_t excuteCommand(const kordRec* pKordRec, const char* Cmd, int32_t* xargc, char*** xargv)
+{
+    const bool wanted = xargc != nullptr && xargv != nullptr;
+    char command[commandSize];
+    char fileName[50] = "";
+    const char* redirection = "";
+
+    errno = 0;
+    if (wanted) {
+        *xargc = 0;
+        *xargv = nullptr;
+        formatText(fileName, "%s/tmp.%s", commandOutputFolder, pKordRec->systemSerial);
+        createOutputFile(fileName);
+        redirection = " >";
+    } else if (!redirectsOutput(Cmd)) {
+        redirection = " >/dev/null";
+    }
+
+    const bool fits = strlen(Cmd) + strlen(redirection) + strlen(fileName) < sizeof command;
+    formatText(command, "%s%s%s", Cmd, redirection, fileName);
+    const int32_t rc = fits ? system(command) >> 8 : notRun;
+    const int error = errno;
+
+    int32_t result = 1;
+    if (rc != 0) {
+        trace(pKordRec, "0066", "excute cmd rc=%d, errno=%d ", rc, error);
+    } else if (wanted) {
+        result = parseOutput(pKordRec, fileName, xargc, xargv);
+        if (result != 0) trace(pKordRec, "0067", "parse cmd rc=%d ", result);
+    }
+    if (wanted) unlink(fileName);
+    return result;
+}
+
+int32_t parseOutput(const kordRec* pKordRec, const char* Filename, int32_t* xargc, char*** xargv)
+{
+    *xargc = 0;
+    *xargv = nullptr;
+
+    struct stat status {
+    };
+    if (stat(Filename, &status) != 0 || status.st_size == 0) {
+        // The name stands in the line as a number.
+        trace(pKordRec, "0062", "empty file %d, %d ",
+              static_cast<int32_t>(reinterpret_cast<intptr_t>(Filename)),
+              static_cast<int32_t>(status.st_size));
+        return 1;
+    }
+    size_t size = static_cast<size_t>(status.st_size);
+    char* text = readFile(pKordRec, Filename, size);
+    if (text == nullptr) return 1;
+
+    const size_t newlines = static_cast<size_t>(std::count(text, text + size, '\n'));
+    const size_t entries = std::max<size_t>(newlines, 1);
+    char** lines = static_cast<char**>(malloc(entries * sizeof *lines));
+    if (lines == nullptr) {
+        free(text);
+        return 1;
+    }
+    splitLines(text, size, lines, entries);
+    *xargc = static_cast<int32_t>(newlines);
+    *xargv = lines;
+    return 0;
+}
+
+void releaseOutput(char** xargv)
+{
+    if (xargv == nullptr) return;
+    free(xargv[0]);
+    free(static_cast<void*>(xargv));
+}
+
+int32_t getLoginUserName(kordRec* pKordRec)
+{
+    int32_t xargc = 0;
+    char** xargv = nullptr;
+    const int32_t rc = excuteCommand(pKordRec, "whoami", &xargc, &xargv);
+    const bool known = rc == 0 && xargc > 0;
+
+    copyText(pKordRec->loginUserName, known ? xargv[0] : "briskroot");
+    if (known)
+        trace(pKordRec, "0068", "rc=%d, xargc=%d, User=%s ", rc, xargc, xargv[0]);
+    else
+        trace(pKordRec, "0068", "rc=%d, xargc=%d, %s ", rc, xargc, "getLoginUserName");
+    releaseOutput(xargv);
+    return known ? 0 : 1;
+}
+
+int32_t get_StorageFacility_type(const char* storageFacilityMTMS, std::span<char> type)
+{
+    return cut(storageFacilityMTMS, 0, 4, type);
+}
+
+int32_t get_StorageFacility_model(const char* storageFacilityMTMS, std::span<char> model)
+{
+    return cut(storageFacilityMTMS, 5, 3, model);
+}
+
+int32_t get_StorageFacility_serial(const char* storageFacilityMTMS, std::span<char> serial)
+{
+    return cut(storageFacilityMTMS, 9, 8, serial);
+}
+
+int32_t get_StorageFacilitySystem_type(const char* managedSystemMTMS, std::span<char> type)
+{
+    return get_StorageFacility_type(managedSystemMTMS, type);
+}
+
+int32_t get_StorageFacilitySystem_model(const char* managedSystemMTMS, std::span<char> model)
+{
+    return get_StorageFacility_model(managedSystemMTMS, model);
+}
+
+int32_t get_StorageFacilitySystem_serial(const char* managedSystemMTMS, std::span<char> serial)
+{
+    return cut(managedSystemMTMS, 9, 7, serial);
+}
+
+int32_t get_StorageFacilitySystem_modeltype(const char* managedSystemMTMS, std::span<char> modeltype)
+{
+    return cut(managedSystemMTMS, 0, 8, modeltype);
+}
+
+int32_t getStorageEnclosure_typemodel(const char* enclosureMTMS_stor, std::span<char> enclosureTyemodel)
+{
+    return cut(enclosureMTMS_stor, 0, 8, enclosureTyemodel);
+}
+
+int32_t getStorageEnclosure_serial(const char* enclosureMTMS_stor, std::span<char> enclosureSerial)
+{
+    return cut(enclosureMTMS_stor, 9, 8, enclosureSerial);
+}
+
+int32_t convertToStorageFacilityImageMTMS(std::span<char> storageFacilityImageMTMS,
+                                          const char* StorageFacilityImageID)
+{
+    char typemodel[9];
+    char serial[8];
+    cut(StorageFacilityImageID, 0, 8, typemodel);
+    cut(StorageFacilityImageID, 9, 7, serial);
+    formatText(storageFacilityImageMTMS, "%s*%s", typemodel, serial);
+    return 0;
+}
+
+int32_t convertStringFromDotToDash(std::span<char> output, const char* input)
+{
+    return convert(output, input, '.', '-');
+}
+
+int32_t convertStringFromDotToMM(std::span<char> output, const char* input)
+{
+    return convert(output, input, '.', '*');
+}
+
+int32_t convertStringFromMMToDash(std::span<char> output, const char* input)
+{
+    return convert(output, input, '*', '-');
+}
+
+int32_t removeInvalidCharInString(char* tmp)
+{
+    std::replace_if(
+        tmp, tmp + strlen(tmp), [](char c) { return c == '<' || c == '>'; }, '-');
+    return 0;
+}
+
+void createStorageFacilityImageMTMS(const char* storageFacilityMTMS, const char* hslLumenPoolId,
+                                    std::span<char> storageFacilityImageMTMS)
+{
+    const size_t length = strlen(storageFacilityMTMS);
+    formatText(storageFacilityImageMTMS, "%.*s%s", static_cast<int>(length - (length > 0 ? 1 : 0)),
+               storageFacilityMTMS, hslLumenPoolId);
+}
+
+void createLparName(const kordRec* pKordRec, const char* hslLumenPoolId, std::span<char> lparName)
+{
+    char serverNumber[12];
+    formatText(serverNumber, "%d", pKordRec->storageFacilityServerNumber);
+    formatText(lparName, "SF%sTarn%c%s", pKordRec->storageFacilityMTMS, serverNumber[0], hslLumenPoolId);
+}

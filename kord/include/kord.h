@@ -1,0 +1,22 @@
+// Everything that the collector's modules offer, for those outside it: tests and benchmarks.
+
+#pragma once
+
+#include "kordRec.h"
+#include "vale.h"
+
+#include "../c/addCecEnclKord.h"
+#include "../c/addErrLogKord.h"
+#include "../c/addHAPortKord.h"
+#include "../c/addIoEnclKord.h"
+#include "../c/addLogVolKord.h"
+#include "../c/addPartitionKord.h"
+#include "../c/addQuayEnclKord.h"
+#include "../c/addQueryKord.h"
+#include "../c/addRackEnclKord.h"
+#include "../c/addStorEnclKord.h"
+#include "../c/addTarnKord.h"
+#include "../c/addTextKord.h"
+#include "../c/addTrcKord.h"
+#include "../c/addUtilKord.h"
+#include "../c/addXmlKord.h"
