@@ -1,0 +1,18 @@
+// The fault rules of a facility: what the schema cannot say of them, and their compilation.
+
+#pragma once
+
+#include "facility/imageWriter.h"
+#include "facility/schema.h"
+
+namespace console::facility
+{
+
+/// Checks the rules, whose fields the schema has allowed one by one.
+void checkRules(const nlohmann::json& rules, const Schema& schema, Faults& faults);
+
+/// Writes faultless rules and notes them in the header.
+void writeRules(const nlohmann::json& rules, const Schema& schema, ImageWriter& writer,
+                image::Header& header);
+
+} // namespace console::facility

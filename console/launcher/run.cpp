@@ -1,0 +1,85 @@
+// The steps of a run.
+
+#include "run.h"
+
+#include "console.h"
+#include "facilityCache.h"
+#include "failure.h"
+#include "image/image.h"
+#include "installation.h"
+#include "links.h"
+#include "namespaces.h"
+#include "process.h"
+
+#include <cstdlib>
+#include <unistd.h>
+
+namespace console::launcher
+{
+
+namespace
+{
+
+namespace fs = std::filesystem;
+
+void putFirst(const char* list, const fs::path& folder)
+{
+    const char* before = std::getenv(list);
+    const std::string rest = before == nullptr || *before == '\0' ? "" : std::string(":") + before;
+    setenv(list, (folder.string() + rest).c_str(), 1);
+}
+
+void setEnvironment(const fs::path& root, const Installation& installation,
+                    const std::optional<std::string>& user)
+{
+    putFirst("PATH", root / pathFolder);
+    putFirst("LD_LIBRARY_PATH", installation.client);
+    setenv(image::rootVariable, root.c_str(), 1);
+    if (user) {
+        setenv(image::userVariable, user->c_str(), 1);
+    } else {
+        unsetenv(image::userVariable);
+    }
+}
+
+/// A bare name means a program of the launcher's own folder, if there is one of that name.
+std::vector<std::string> findProgram(std::vector<std::string> program, const Installation& installation)
+{
+    const std::string own = (installation.bin / program[0]).string();
+    const bool bare = program[0].find('/') == std::string::npos;
+    if (bare && access(own.c_str(), X_OK) == 0) program[0] = own;
+    return program;
+}
+
+Failure noWay(const std::string& reason)
+{
+    return Failure("this machine gives no mount namespace (" + reason +
+                   "): run as root, or allow unprivileged user namespaces");
+}
+
+} // namespace
+
+int run(const RunOptions& options)
+{
+    refuseCovered(options.root);
+    const Installation installation = findInstallation();
+    const fs::path root = layOut(options.root, installation);
+    provideImage(options.facility, root, installation);
+    startAfresh(root);
+    setEnvironment(root, installation, options.user);
+
+    const std::string refusal = enterNamespace();
+    if (!refusal.empty() && geteuid() != 0) throw noWay(refusal);
+    std::optional<MachineLock> lock;
+    std::optional<Links> links;
+    if (refusal.empty()) {
+        mountConsole(root);
+    } else {
+        lock.emplace();
+    }
+    const HeldSignals signals = holdSignals();
+    if (lock) links.emplace(root);
+    return runProgram(findProgram(options.program, installation), signals);
+}
+
+} // namespace console::launcher

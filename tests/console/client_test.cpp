@@ -1,0 +1,421 @@
+// The simulated client as a collector sees it: answers, failures, what must be released, and the journal.
+
+#include "client_run.h"
+
+#include <csignal>
+
+#include <gtest/gtest.h>
+
+using namespace clientTest;
+
+namespace
+{
+
+constexpr const char* rack = "Orvik.TarnRack";
+constexpr const char* partition = "Orvik.TarnServerPartition";
+constexpr const char* array = "Orvik.TarnArray";
+
+constexpr const char* facility = R"({"resources": {
+    "Orvik.ManagedNode": [{"LParID": "1", "Status": 1}],
+    "Orvik.TarnRack": [
+        {"rackNumber": "R1", "storageFacilityMTMS": "F", "rackIdentifier": 4294967295},
+        {"storageFacilityMTMS": "G", "locationCode": "U2"},
+        {"locationCode": "U3", "storageFacilityMTMS": "F", "rackNumber": "R3"}],
+    "Orvik.TarnArray": [
+        {"rank": -7, "arraySites": [3, -1], "arraySiteConfiguration": ["S1", ""]},
+        {"arraySites": [], "arraySiteConfiguration": []}],
+    "Orvik.TarnServerPartition": [
+        {"locationCode": "L1", "runningImageLevel": [0, "5.1.0.309"]},
+        {"locationCode": "L2"}]}})";
+
+TEST(ClientQuery, GivesAResponseForEachMatchInFileOrder)
+{
+    journalOf(facility, [] {
+        const Query answer(startSession(2), rack, "storageFacilityMTMS=\"F\" ",
+                           {"locationCode", "rackNumber"});
+        ASSERT_EQ(answer.result, 0);
+        ASSERT_EQ(answer.count, 2U);
+        EXPECT_EQ(answer[0].error.number, 0U);
+        EXPECT_NE(answer[0].handle, nullptr);
+        EXPECT_EQ(brief(answer[0]), "rackNumber=\"R1\"") << "an attribute that is lacking is left out";
+        EXPECT_EQ(brief(answer[1]), "locationCode=\"U3\" rackNumber=\"R3\"") << "in the requested order";
+    });
+}
+
+TEST(ClientQuery, GivesEveryResourceWithoutASelection)
+{
+    journalOf(facility, [] {
+        const Query answer(startSession(2), rack, nullptr, {"storageFacilityMTMS"});
+        ASSERT_EQ(answer.count, 3U);
+        EXPECT_EQ(brief(answer[1]), "storageFacilityMTMS=\"G\"");
+    });
+}
+
+TEST(ClientQuery, WithoutAMatchSucceedsWithNone)
+{
+    const auto journal = journalOf(facility, [] {
+        const Query answer(startSession(2), rack, "rackNumber=\"R9\"", {"rackNumber"});
+        EXPECT_EQ(answer.result, 0);
+        EXPECT_EQ(answer.count, 0U);
+    });
+    EXPECT_EQ(journal.at(1)["count"], 0);
+    EXPECT_EQ(journal.back()["responses"], Json::array());
+}
+
+TEST(ClientQuery, GivesValuesInTheirTypes)
+{
+    journalOf(facility, [] {
+        const Query racks(startSession(2), rack, "rackNumber='R1'", {"rackIdentifier", "rackNumber"});
+        EXPECT_EQ(brief(racks[0]), "rackIdentifier=4294967295u rackNumber=\"R1\"");
+        const Query arrays(startSession(4), array, nullptr, {"rank", "arraySites", "arraySiteConfiguration"});
+        ASSERT_EQ(arrays.count, 2U);
+        EXPECT_EQ(brief(arrays[0]), "rank=-7 arraySites=[3][-1] arraySiteConfiguration=[\"S1\"][\"\"]");
+        EXPECT_EQ(brief(arrays[1]), "arraySites= arraySiteConfiguration=");
+    });
+}
+
+TEST(ClientQuery, DynamicAttributesAreReadTheSameWay)
+{
+    const auto journal = journalOf(facility, [] {
+        Answer<ValeQueryResponse> answer;
+        const char* names[] = {"Status"};
+        answer.result = vale_query_d_select(startSession(1), &answer.responses, &answer.count,
+                                            "Orvik.ManagedNode", "LParID=\"1\"", names, 1);
+        ASSERT_EQ(answer.count, 1U);
+        EXPECT_EQ(brief(answer[0]), "Status=1");
+    });
+    EXPECT_EQ(withoutNumber(journal.at(1)), Json::parse(R"({"vale": "query_d_select", "scope": 1,
+        "class": "Orvik.ManagedNode", "selection": "LParID=\"1\"", "attributes": ["Status"],
+        "result": 0, "count": 1})"));
+}
+
+TEST(ClientEnumeration, GivesOneResponseWithAllHandles)
+{
+    journalOf(facility, [] {
+        const ValeSessionHandle session = startSession(2);
+        const Enumeration two(session, rack, "storageFacilityMTMS='F'");
+        ASSERT_EQ(two.count, 1U);
+        ASSERT_EQ(two[0].handleCount, 2U);
+        EXPECT_STREQ(two[0].className, rack);
+        EXPECT_NE(two[0].handles[0], two[0].handles[1]);
+        const Enumeration none(session, rack, "storageFacilityMTMS='X'");
+        ASSERT_EQ(none.count, 1U);
+        EXPECT_EQ(none[0].handleCount, 0U);
+    });
+}
+
+TEST(ClientAction, GivesTheRunningImageLevel)
+{
+    journalOf(facility, [] {
+        const ValeSessionHandle session = startSession(4);
+        const Enumeration partitions(session, partition, nullptr);
+        ASSERT_EQ(partitions[0].handleCount, 2U);
+        const Action level(session, partitions[0].handles[0]);
+        ASSERT_EQ(level.count, 1U);
+        ASSERT_EQ(level[0].result.count, 2U);
+        EXPECT_EQ(level[0].result.elements[0].type, VALE_INTEGER);
+        EXPECT_EQ(level[0].result.elements[0].value.integer, 0);
+        EXPECT_EQ(level[0].result.elements[1].type, VALE_TEXT);
+        EXPECT_STREQ(level[0].result.elements[1].value.text, "5.1.0.309");
+        const Action none(session, partitions[0].handles[1]);
+        ASSERT_EQ(none.count, 1U);
+        EXPECT_EQ(none[0].result.count, 0U);
+    });
+}
+
+TEST(ClientAction, FailsForAnyOtherActionOrInput)
+{
+    journalOf(facility, [] {
+        const ValeSessionHandle session = startSession(4);
+        const Enumeration partitions(session, partition, nullptr);
+        const ValeResourceHandle resource = partitions[0].handles[0];
+        Action(session, resource, "queryImageLevel").expectFailure();
+        Action(session, resource, nullptr).expectFailure();
+        Action(session, resource, "queryRunningImageLevel", "s").expectFailure();
+        Action(session, resource, "queryRunningImageLevel", nullptr).expectFailure();
+        Action(session, nullptr).expectFailure();
+        Answer<ValeActionResponse> withoutInput;
+        withoutInput.result = vale_invoke_action(session, &withoutInput.responses, &withoutInput.count,
+                                                 resource, "queryRunningImageLevel", nullptr);
+        withoutInput.expectFailure();
+    });
+}
+
+TEST(ClientFailure, OfTheWrongScopeSaysWhichClass)
+{
+    const auto journal = journalOf(facility, [] {
+        const ValeSessionHandle session = startSession(4);
+        Query(session, rack, nullptr, {}).expectFailure();
+        EXPECT_NE(lastMessage().find(rack), std::string::npos);
+        Enumeration(session, "Orvik.Nothing", nullptr).expectFailure();
+        const std::string message = lastMessage();
+        EXPECT_NE(message.find("Orvik.Nothing"), std::string::npos);
+        EXPECT_EQ(message.back(), '\n') << "consumers drop the last character";
+    });
+    EXPECT_NE(journal.at(1)["result"], 0);
+    EXPECT_EQ(journal.at(1)["count"], 0);
+    EXPECT_EQ(journal.at(6)["handles"], 0);
+}
+
+TEST(ClientFailure, OfANullSessionIsJournaledWithScope0)
+{
+    const auto journal = journalOf(facility, [] {
+        Query(nullptr, rack, nullptr, {}).expectFailure();
+        EXPECT_NE(lastMessage().find("session"), std::string::npos);
+        Enumeration(nullptr, rack, nullptr).expectFailure();
+        EXPECT_NE(vale_end_session(nullptr), 0);
+    });
+    EXPECT_EQ(journal.at(0)["scope"], 0);
+    EXPECT_EQ(journal.at(5)["scope"], 0);
+    EXPECT_EQ(journal.at(6)["vale"], "end_session");
+    EXPECT_EQ(journal.at(6)["scope"], 0);
+}
+
+TEST(ClientFailure, OfAMalformedSelectionNamesTheColumn)
+{
+    journalOf(facility, [] {
+        const ValeSessionHandle session = startSession(2);
+        Query(session, rack, "rackNumber=R1", {}).expectFailure();
+        EXPECT_NE(lastMessage().find("column 12"), std::string::npos);
+        Enumeration(session, rack, "rackNumber=\"R1\" &").expectFailure();
+        EXPECT_NE(lastMessage().find("column 17"), std::string::npos);
+    });
+}
+
+TEST(ClientFailure, OfASessionScopeThatThereIsNot)
+{
+    journalOf(facility, [] {
+        ValeSessionHandle session = reinterpret_cast<ValeSessionHandle>(1);
+        EXPECT_NE(vale_start_session(nullptr, 0, 3, &session), 0);
+        EXPECT_EQ(session, nullptr);
+        EXPECT_NE(lastMessage().find('3'), std::string::npos);
+    });
+}
+
+TEST(ClientFailure, OutsideARunSaysHowToStartOne)
+{
+    ConsoleFolder folder(facility);
+    const int status = folder.play([] {
+        unsetenv(console::image::rootVariable);
+        ValeSessionHandle session = nullptr;
+        EXPECT_NE(vale_start_session(nullptr, 0, 1, &session), 0);
+        EXPECT_NE(lastMessage().find("kord-console run"), std::string::npos);
+        Query(nullptr, rack, nullptr, {}).expectFailure();
+    });
+    EXPECT_EQ(status, 0) << folder.error;
+    EXPECT_TRUE(folder.journal().empty());
+}
+
+TEST(ClientErrors, OutliveWhatTheyCameWith)
+{
+    const auto journal = journalOf(facility, [] {
+        ValeErrorHandle error = nullptr;
+        EXPECT_NE(vale_get_error(&error), 0) << "no call has failed yet";
+        EXPECT_EQ(error, nullptr);
+        Query(nullptr, rack, nullptr, {}).expectFailure();
+        ASSERT_EQ(vale_get_error(&error), 0);
+        const char* first = nullptr;
+        const char* second = nullptr;
+        ASSERT_EQ(vale_get_errmsg(error, &first), 0);
+        ASSERT_EQ(vale_get_errmsg(error, &second), 0);
+        EXPECT_EQ(vale_rel_error(error), 0);
+        EXPECT_EQ(vale_rel_errmsg(first), 0);
+        EXPECT_NE(std::string(second), "");
+        EXPECT_EQ(vale_rel_errmsg(second), 0);
+    });
+    EXPECT_EQ(journal.back()["errors"], 0);
+    EXPECT_EQ(journal.back()["messages"], 0);
+}
+
+/// What no caller may do, and what standard error says of it.
+struct Violation {
+    const char* name;
+    const char* says;
+    void (*commit)();
+};
+
+void freeTwice()
+{
+    ValeQueryResponse* responses = nullptr;
+    uint32_t count = 0;
+    vale_query_p_select(startSession(2), &responses, &count, rack, nullptr, nullptr, 0);
+    vale_free_response(responses);
+    vale_free_response(responses);
+}
+
+void freeTwiceWithAnotherAnswerBetween()
+{
+    const ValeSessionHandle session = startSession(2);
+    ValeQueryResponse* first = nullptr;
+    ValeQueryResponse* second = nullptr;
+    uint32_t count = 0;
+    vale_query_p_select(session, &first, &count, rack, nullptr, nullptr, 0);
+    vale_free_response(first);
+    vale_query_p_select(session, &second, &count, rack, nullptr, nullptr, 0);
+    vale_free_response(first);
+}
+
+void freeForeign()
+{
+    ValeQueryResponse foreign{};
+    vale_free_response(&foreign);
+}
+
+void useEndedSession()
+{
+    const ValeSessionHandle session = startSession(2);
+    vale_end_session(session);
+    startSession(2);
+    const Enumeration answer(session, rack, nullptr);
+}
+
+void endTwice()
+{
+    const ValeSessionHandle session = startSession(2);
+    vale_end_session(session);
+    vale_end_session(session);
+}
+
+ValeErrorHandle makeError()
+{
+    ValeErrorHandle error = nullptr;
+    vale_end_session(nullptr);
+    vale_get_error(&error);
+    return error;
+}
+
+void releaseErrorTwice()
+{
+    const ValeErrorHandle error = makeError();
+    vale_rel_error(error);
+    makeError();
+    vale_rel_error(error);
+}
+
+void readReleasedError()
+{
+    const ValeErrorHandle error = makeError();
+    const char* message = nullptr;
+    vale_rel_error(error);
+    vale_get_errmsg(error, &message);
+}
+
+void releaseMessageTwice()
+{
+    const char* message = nullptr;
+    vale_get_errmsg(makeError(), &message);
+    vale_rel_errmsg(message);
+    vale_rel_errmsg(message);
+}
+
+class ClientViolation : public testing::TestWithParam<Violation>
+{
+};
+
+TEST_P(ClientViolation, EndsTheProcess)
+{
+    ConsoleFolder folder(facility);
+    const int status = folder.play(GetParam().commit);
+    ASSERT_TRUE(WIFSIGNALED(status));
+    EXPECT_EQ(WTERMSIG(status), SIGABRT);
+    EXPECT_NE(folder.error.find(GetParam().says), std::string::npos) << folder.error;
+}
+
+INSTANTIATE_TEST_SUITE_P(All, ClientViolation,
+                         testing::Values(Violation{"freeTwice", "response", freeTwice},
+                                         Violation{"freeTwiceWithAnotherAnswerBetween", "response",
+                                                   freeTwiceWithAnotherAnswerBetween},
+                                         Violation{"freeForeign", "response", freeForeign},
+                                         Violation{"useEndedSession", "session", useEndedSession},
+                                         Violation{"endTwice", "session", endTwice},
+                                         Violation{"releaseErrorTwice", "error record", releaseErrorTwice},
+                                         Violation{"readReleasedError", "error record", readReleasedError},
+                                         Violation{"releaseMessageTwice", "message", releaseMessageTwice}),
+                         [](const auto& test) { return test.param.name; });
+
+TEST(ClientJournal, HasALineForEachCall)
+{
+    const auto journal = journalOf(facility, [] {
+        const ValeSessionHandle session = startSession(4);
+        {
+            const Enumeration partitions(session, partition, "locationCode=?'L%'");
+            const Action level(session, partitions[0].handles[0]);
+        }
+        const Query failed(session, rack, nullptr, {"rackNumber", "locationCode"});
+        lastMessage();
+        vale_end_session(session);
+    });
+    const auto expected = Json::parse(R"([
+        {"seq": 1, "vale": "start_session", "scope": 4, "result": 0},
+        {"seq": 2, "vale": "enumerate_resources", "scope": 4, "class": "Orvik.TarnServerPartition",
+         "selection": "locationCode=?'L%'", "result": 0, "count": 1, "handles": 2},
+        {"seq": 3, "vale": "invoke_action", "scope": 4, "class": "Orvik.TarnServerPartition",
+         "action": "queryRunningImageLevel", "input": ["S"], "result": 0, "count": 1},
+        {"seq": 4, "vale": "free_response", "of": 3},
+        {"seq": 5, "vale": "free_response", "of": 2},
+        {"seq": 6, "vale": "query_p_select", "scope": 4, "class": "Orvik.TarnRack", "selection": null,
+         "attributes": ["rackNumber", "locationCode"], "result": 1, "count": 0},
+        {"seq": 7, "vale": "get_error"},
+        {"seq": 8, "vale": "get_errmsg"},
+        {"seq": 9, "vale": "rel_errmsg"},
+        {"seq": 10, "vale": "rel_error"},
+        {"seq": 11, "vale": "end_session", "scope": 4, "result": 0},
+        {"seq": 12, "vale": "exit", "sessions": [], "responses": [], "errors": 0, "messages": 0, "unused": []}])");
+    EXPECT_EQ(Json(journal), expected);
+}
+
+TEST(ClientJournal, TellsWhatWasNeverReleased)
+{
+    const auto journal = journalOf(facility, [] {
+        startSession(4);
+        ValeEnumerateResponse* responses = nullptr;
+        uint32_t count = 0;
+        vale_enumerate_resources(startSession(2), &responses, &count, rack, nullptr);
+        vale_enumerate_resources(startSession(1), &responses, &count, "Orvik.ManagedNode", nullptr);
+        const char* message = nullptr;
+        vale_get_errmsg(makeError(), &message);
+        makeError();
+    });
+    EXPECT_EQ(withoutNumber(journal.back()), Json::parse(R"({"vale": "exit", "sessions": [4, 2, 1],
+        "responses": [3, 5], "errors": 2, "messages": 1, "unused": []})"));
+}
+
+TEST(ClientJournal, HasNoExitLineWithoutACall)
+{
+    EXPECT_TRUE(journalOf(facility, [] {}).empty());
+}
+
+TEST(ClientJournal, StaysJsonWhateverIsAsked)
+{
+    const auto journal = journalOf(facility, [] {
+        const Query answer(startSession(2), "\x01\"\\\n",
+                           "\xC3\xA4 \xC3( \xED\xA0\x80 \xF4\x90\x80\x80 \xC0\x80 \xE2\x82",
+                           {"\xF0\x9F\x98\x80", "\xFF"});
+    });
+    const std::string bad = "\xEF\xBF\xBD";
+    EXPECT_EQ(journal.at(1)["class"], "\x01\"\\\n");
+    EXPECT_EQ(journal.at(1)["selection"], "\xC3\xA4 " + bad + "( " + bad + bad + bad + ' ' + bad + bad + bad +
+                                              bad + ' ' + bad + bad + ' ' + bad + bad);
+    EXPECT_EQ(journal.at(1)["attributes"], Json::array({"\xF0\x9F\x98\x80", bad}));
+}
+
+TEST(ClientJournal, OrdersTheLinesOfSeveralProcesses)
+{
+    constexpr int calls = 200;
+    ConsoleFolder folder(facility);
+    std::vector<pid_t> players;
+    for (int i = 0; i < 4; ++i) {
+        players.push_back(folder.start([] {
+            for (int call = 0; call < calls; ++call)
+                vale_end_session(nullptr);
+        }));
+    }
+    for (const pid_t player : players)
+        EXPECT_EQ(folder.finish(player), 0);
+    const auto journal = folder.journal();
+    ASSERT_EQ(journal.size(), 4U * (calls + 1));
+    for (size_t i = 0; i < journal.size(); ++i)
+        ASSERT_EQ(journal[i]["seq"], i + 1);
+}
+
+} // namespace

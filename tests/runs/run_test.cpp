@@ -1,0 +1,39 @@
+// Every case of tests/runs/cases, run on the simulated console.
+
+#include <cstdlib>
+
+#include <gtest/gtest.h>
+
+#include "runCheck.h"
+
+namespace
+{
+
+using kordTest::RunCase;
+
+const std::filesystem::path source = KORD_SOURCE_DIR;
+const std::filesystem::path build = KORD_BUILD_DIR;
+
+class WholeRun : public testing::TestWithParam<RunCase>
+{
+};
+
+TEST_P(WholeRun, leavesWhatItShould)
+{
+    const RunCase& run = GetParam();
+    ASSERT_EQ(run.broken, "");
+    const kordTest::Places places{.console = build / "bin/kord-console",
+                                  .facilities = source / "console/facilities",
+                                  .expected = source / "tests/runs/expected",
+                                  .update = std::getenv("KORD_UPDATE") != nullptr};
+    for (const std::string& fault : checkRun(run, places)) {
+        ADD_FAILURE() << run.name << ": " << fault << "\n(" << run.why << ")";
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Cases, WholeRun,
+                         testing::ValuesIn(kordTest::loadCases(source / "tests/runs/cases",
+                                                               source / "tests/runs/fragments.json")),
+                         [](const auto& parameter) { return parameter.param.name; });
+
+} // namespace
