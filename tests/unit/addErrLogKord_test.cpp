@@ -1,0 +1,129 @@
+// Events as the console's tool receives them, and the readers of the console's identity.
+
+#include "unit.h"
+
+#include <gtest/gtest.h>
+
+namespace
+{
+
+/// The event tool's journal line that `report` adds.
+template <typename Report>
+std::string journalOf(Report report)
+{
+    const std::string journal = std::string(getenv("KORD_CONSOLE_ROOT")) + "/journal.jsonl";
+    const size_t before = unit::readFile(journal).size();
+    EXPECT_EQ(report(), -1);
+    return unit::readFile(journal).substr(before);
+}
+
+/// The tool's arguments as the journal shows them; `text` is the event's, as JSON.
+std::string argumentsOf(const std::string& code, const std::string& text)
+{
+    return R"("arguments":["-f","9999-B2C*7ABCD12","-l","Microcode-rs-quay_sff","-o","addTarnKord","-s",")" +
+           code + R"(","-n","0","-h","no","-c","no","-E","/var/tarnquay/log/kord.unit.log","-X","\")" + text +
+           R"(\""])";
+}
+
+struct Kind {
+    const char* type;
+    const char* code;
+    const char* text;
+};
+
+constexpr Kind kinds[] = {
+    {"e", "BED00000", "Expected resources were not found"},
+    {"r", "BED00001", "VALE call resulted in a non zero return value"},
+    {"u", "BED00002", "Unknown error"},
+    {"s", "BED00003", "Subsystem is degraded"},
+    {"i", "BED00004", "Invalid managed system MTMS"},
+    {"d", "BED00005", "Microcode logic error"},
+    {"m", "BED00005", "Microcode logic error"},
+    {"", "BED00005", "Microcode logic error"},
+};
+
+TEST(Events, carryTheirTypesCodeAndText)
+{
+    for (const Kind& kind : kinds) {
+        const kordRec record = unit::freshRecord();
+        const std::string expected = argumentsOf(kind.code, std::string("queryDDM : ") + kind.text);
+        EXPECT_NE(journalOf([&] { return handleErrKord(&record, "queryDDM", kind.type); }).find(expected),
+                  std::string::npos)
+            << expected;
+        EXPECT_NE(
+            journalOf([&] { return handleErrKord_new(&record, "queryDDM", kind.type, ""); }).find(expected),
+            std::string::npos)
+            << expected;
+        EXPECT_EQ(unit::traceOf(record)[0], std::string("==>:  handleErrKord queryDDM, ") + kind.type);
+    }
+}
+
+TEST(Events, carryTheManagersMessageWithoutItsLastCharacter)
+{
+    const kordRec record = unit::freshRecord();
+    const auto textOf = [&](const char* type, const std::string& message) {
+        return journalOf([&] { return handleErrKord_new(&record, "Orvik.TarnDDM", type, message.c_str()); });
+    };
+    for (const Kind& kind : kinds) {
+        const bool isLogicError = std::string(kind.code) == "BED00005";
+        const std::string text =
+            isLogicError ? "Orvik.TarnDDM : Microcode logic error" : "Orvik.TarnDDM : gone ";
+        EXPECT_NE(textOf(kind.type, "gone\n").find(argumentsOf(kind.code, text)), std::string::npos)
+            << kind.type;
+    }
+    EXPECT_NE(textOf("r", "gone").find(argumentsOf("BED00001", "Orvik.TarnDDM : gon ")), std::string::npos);
+    EXPECT_NE(textOf("r", "x").find(argumentsOf("BED00001", "Orvik.TarnDDM :  ")), std::string::npos);
+    EXPECT_NE(textOf("r", "it's \"$(id)\" `id` \\\n").find(R"(Orvik.TarnDDM : it's \"$(id)\" `id` \\ )"),
+              std::string::npos);
+}
+
+TEST(Events, cutALongMessage)
+{
+    const kordRec record = unit::freshRecord();
+    const std::string message(600, 'x');
+    const std::string expected = argumentsOf("BED00001", "C : " + std::string(499 - 4, 'x'));
+    EXPECT_NE(journalOf([&] { return handleErrKord_new(&record, "C", "r", message.c_str()); }).find(expected),
+              std::string::npos);
+}
+
+TEST(Events, goThroughTheWrapperForAnyoneButRoot)
+{
+    kordRec record = unit::freshRecord();
+    const auto file = [&] { return handleErrKord(&record, "queryDDM", "r"); };
+    EXPECT_EQ(journalOf(file).find("mmquaycmd"), std::string::npos);
+    for (const char* user : {"briskroot", "roo", "root2", ""}) {
+        copyText(record.loginUserName, user);
+        const std::string journal = journalOf(file);
+        EXPECT_LT(journal.find("/opt/tarnquay/bin/mmquaycmd"),
+                  journal.rfind("/opt/tarnquay/bin/pmProblemEventPoster"))
+            << user;
+    }
+}
+
+TEST(Console, readsItsIdentity)
+{
+    const kordRec record = unit::freshRecord();
+    char QuaySE[20] = "";
+    EXPECT_EQ(getQuaySE(&record, QuaySE), 2);
+    EXPECT_STREQ(QuaySE, "10ABCDE");
+    char small[5] = "";
+    EXPECT_EQ(getQuaySE(&record, small), 2);
+    EXPECT_STREQ(small, "10AB");
+    EXPECT_EQ(unit::traceOf(record),
+              (std::vector<std::string>{"==>:  getQuaySE", "053:  rc=0, xargc=1,  QuaySE=10ABCDE ",
+                                        "==>:  getQuaySE", "053:  rc=0, xargc=1,  QuaySE=10AB "}));
+}
+
+TEST(Console, readsTheBracketedTypeModel)
+{
+    // The bundled console's type-model has no brackets: its line comes back empty, and still counts as a
+    // line.
+    const kordRec record = unit::freshRecord();
+    char QuayTM[20] = "before";
+    EXPECT_EQ(getQuayTM(&record, QuayTM), 2);
+    EXPECT_STREQ(QuayTM, "");
+    EXPECT_EQ(unit::traceOf(record),
+              (std::vector<std::string>{"==>:  getQuayTM", "053:  rc=0, xargc=1,  QuayTM= "}));
+}
+
+} // namespace

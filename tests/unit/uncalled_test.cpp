@@ -1,0 +1,152 @@
+// The collectors that belong to the interface although no run calls them, on the simulated client.
+
+#include "unit.h"
+
+#include <gtest/gtest.h>
+
+namespace
+{
+
+using Lines = std::vector<std::string>;
+
+class Uncalled : public testing::Test
+{
+protected:
+    void SetUp() override
+    {
+        record = unit::freshRecord();
+        ASSERT_EQ(vale_start_session(nullptr, 0, 2, &record.sess_hndl_SR), 0);
+        ASSERT_EQ(vale_start_session(nullptr, 0, 4, &record.sess_hndl_DM), 0);
+    }
+    void TearDown() override
+    {
+        vale_end_session(record.sess_hndl_SR);
+        vale_end_session(record.sess_hndl_DM);
+    }
+
+    kordRec record{};
+};
+
+TEST_F(Uncalled, facilityPowerIsOff)
+{
+    EXPECT_EQ(querySFState(&record), 0);
+    EXPECT_EQ(unit::traceOf(record), (Lines{"==>:  querySFState"}));
+}
+
+TEST_F(Uncalled, facilityIsMissing)
+{
+    copyText(record.storageFacilityMTMS, "none");
+    EXPECT_EQ(querySFState(&record), -1);
+    EXPECT_EQ(unit::traceOf(record), (Lines{"==>:  querySFState", "0101:  no res  array_cnt_sf=0",
+                                            "==>:  handleErrKord querySFState, e"}));
+}
+
+TEST_F(Uncalled, facilitySessionIsMissing)
+{
+    kordRec alone = record;
+    alone.sess_hndl_SR = nullptr;
+    EXPECT_EQ(querySFState(&alone), -1);
+    const Lines lines = unit::traceOf(alone);
+    ASSERT_GE(lines.size(), 3U);
+    EXPECT_TRUE(lines[1].starts_with("0100:  SF rRc= 1, ")) << lines[1];
+    EXPECT_EQ(lines.back(), "==>:  handleErrKord querySFState, r");
+}
+
+TEST_F(Uncalled, systemRuns)
+{
+    EXPECT_EQ(querySFSystemState(&record), 0);
+    EXPECT_EQ(unit::traceOf(record),
+              (Lines{"==>:  querySFSystemState", "0103: managedSystemMTMS=\"9999-B2C*7ABCD12\""}));
+}
+
+TEST_F(Uncalled, systemIsMissing)
+{
+    copyText(record.managedSystemMTMS, "none");
+    EXPECT_EQ(querySFSystemState(&record), -1);
+    EXPECT_EQ(unit::traceOf(record),
+              (Lines{"==>:  querySFSystemState", "0103: managedSystemMTMS=\"none\"",
+                     "0104:  no res  array_cnt_sfs=0", "==>:  handleErrKord querySFSystemState, e"}));
+}
+
+TEST_F(Uncalled, rackPropertyCarriesTheFacility)
+{
+    EXPECT_EQ(unit::written(record, [](kordRec* r) { EXPECT_EQ(queryRackEnclMTMS(r, "R1"), 0); }),
+              "<Property name=\"R2\" displayName=\"Rack Number\">\nR2\n"
+              "<Value type=\"string\">9999-A01*00XY1230</Value>\n</Property>\n");
+    EXPECT_EQ(unit::traceOf(record), (Lines{"==>:  queryRackEnclMTMS", ">>:  writeRackEnclMTMS"}));
+}
+
+TEST_F(Uncalled, rackIsMissing)
+{
+    EXPECT_EQ(queryRackEnclMTMS(&record, "R9"), -1);
+    EXPECT_EQ(unit::traceOf(record), (Lines{"==>:  queryRackEnclMTMS", "0515:  no res  array_cnt_rack=0",
+                                            "==>:  handleErrKord queryRackEnclMTMS, e"}));
+}
+
+TEST_F(Uncalled, plexIsMissing)
+{
+    copyText(record.activePeerDomain_quay, "none");
+    EXPECT_EQ(queryStoragePlex(&record), -1);
+    EXPECT_EQ(unit::traceOf(record), (Lines{"==>:  queryStoragePlex", "0517:  no res array_cnt_plex=0",
+                                            "==>:  handleErrKord queryStoragePlex, e"}));
+}
+
+TEST_F(Uncalled, teskHostsAreCounted)
+{
+    int32_t count = 7;
+    EXPECT_EQ(enumerateTeskHost(&record, &count, "9999*A01*00XY121", "9999.A01.00XY121"), 0);
+    EXPECT_EQ(count, 1);
+    EXPECT_EQ(enumerateTeskHost(&record, &count, "none", "none"), -2);
+    EXPECT_EQ(count, 0);
+    EXPECT_EQ(record.Flag, 1);
+}
+
+TEST_F(Uncalled, countsStayOnFailure)
+{
+    kordRec alone = record;
+    alone.sess_hndl_DM = nullptr;
+    int32_t count = 7;
+    EXPECT_EQ(enumerateTeskHost(&alone, &count, "image", "domain"), -1);
+    EXPECT_EQ(enumerateHAPort0(&alone, &count, "image", "domain"), -1);
+    EXPECT_EQ(count, 7);
+}
+
+TEST(Descriptions, areFoldedNewestFirst)
+{
+    const kordRec record = unit::freshRecord();
+    userHostDescr* first = nullptr;
+    EXPECT_EQ(findDescrRecord(&record, &first, "red"), 0);
+    EXPECT_EQ(addDescrRecord(&record, &first, "red"), 0);
+    EXPECT_EQ(addDescrRecord(&record, &first, "blue"), 0);
+    EXPECT_EQ(findDescrRecord(&record, &first, "red"), 1);
+    EXPECT_EQ(findDescrRecord(&record, &first, "Red"), 0);
+    ASSERT_NE(first, nullptr);
+    EXPECT_STREQ(first->description, "blue");
+    EXPECT_EQ(first->nextp->count, 2);
+    EXPECT_EQ(unit::traceOf(record), (Lines{"0677:  add red, 1", "0677:  add blue, 1", "0676: find red, 2"}));
+    freeDescrRecord(&record, &first);
+    EXPECT_EQ(first, nullptr);
+}
+
+TEST(ConsoleSerial, followsTheFirstDot)
+{
+    const struct {
+        const char* input;
+        const char* output;
+        const char* trace;
+    } cases[] = {
+        {"AB12.7XY9Z01", "7XY9Z01", "getResQuaySE: input  AB12.7XY9Z01 output 7XY9Z01 i=4"},
+        {"A.B.C", "B.C", "getResQuaySE: input  A.B.C output B.C i=1"},
+        {"none", "", "getResQuaySE: input  none output  i=4"},
+        {"", "", "getResQuaySE: input   output  i=0"},
+    };
+    for (const auto& [input, output, traced] : cases) {
+        const kordRec record = unit::freshRecord();
+        char serial[20] = "left over";
+        EXPECT_EQ(getResQuaySE(input, serial, &record), 0);
+        EXPECT_STREQ(serial, output);
+        EXPECT_EQ(unit::traceOf(record), Lines{traced});
+    }
+}
+
+} // namespace
