@@ -444,7 +444,7 @@ int32_t querySystem(kordRec* pKordRec)
             return fail(pKordRec, systemQuery, systemQuery.noResources, static_cast<int32_t>(systems.size()));
         }
         readItem(pKordRec, systemQuery, systems[0], pKordRec);
-        convertStringFromDotToDash(pKordRec->kordpStorageFacilityMTMS, pKordRec->storageFacilityMTMS);
+        convertStringFromMMToDash(pKordRec->kordpStorageFacilityMTMS, pKordRec->storageFacilityMTMS);
         trace(pKordRec, "0109", "wwnn=%s, server=%d ", pKordRec->storageFacilityWWNN,
               pKordRec->storageFacilityServerNumber);
         return collected;

@@ -36,7 +36,7 @@ std::string list(const std::string& displayName, const std::string& content)
     return "<ResourceList displayName=\"" + displayName + "\">\n" + content + "</ResourceList>\n";
 }
 
-const std::string facility = property("S3", "Storage Facility MTMS", "S3", "9999-A01*00XY1230");
+const std::string facility = property("S3", "Storage Facility MTMS", "S3", "9999-A01-00XY1230");
 
 /// A document of one system with this inside.
 std::string document(const std::string& content)
@@ -148,7 +148,7 @@ TEST(Reader, findsAWrongTextLine)
     EXPECT_NE(faultsOf(drawers("<Resource displayName=\"CEC\" uniqueId=\"U1\">\nU2\n" + facility +
                                "</Resource>\n")),
               Texts{});
-    EXPECT_NE(faultsOf(document(property("S3", "Storage Facility MTMS", "S4", "9999-A01*00XY1230"))),
+    EXPECT_NE(faultsOf(document(property("S3", "Storage Facility MTMS", "S4", "9999-A01-00XY1230"))),
               Texts{});
 }
 

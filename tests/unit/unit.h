@@ -52,7 +52,7 @@ inline kordRec freshRecord()
     copyText(record.managedSystemMTMS, "9999-B2C*7ABCD12");
     copyText(record.kordpManagedSystemMTMS, "9999-B2C-7ABCD12");
     copyText(record.storageFacilityMTMS, "9999-A01*00XY1230");
-    copyText(record.kordpStorageFacilityMTMS, "9999-A01*00XY1230");
+    copyText(record.kordpStorageFacilityMTMS, "9999-A01-00XY1230");
     std::filesystem::remove(logPath(record.trcfile));
     return record;
 }
