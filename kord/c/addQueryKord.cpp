@@ -51,13 +51,6 @@ int32_t responseFailed(kordRec* pKordRec, const Query& query, const Request& req
     return settle(pKordRec, query, failure, number, message, request.subject);
 }
 
-/// The client marks the value as of one of its kinds, but of none of these two.
-bool isOfOtherKind(const ValeAttribute& attribute, ValeDataType kind, ValeDataType sameKind)
-{
-    const ValeDataType type = attribute.type;
-    return type >= VALE_TEXT && type <= VALE_TEXT_LIST && type != kind && type != sameKind;
-}
-
 /// The table's row for an attribute's name; attributes mostly arrive as requested, so its position is tried
 /// first.
 const Attribute* rowOf(const Query& query, const char* name, size_t position)
@@ -198,26 +191,26 @@ std::span<const ValeAttribute> attributesOf(const Query& query, const ValeQueryR
 
 const char* textOf(const ValeAttribute& attribute)
 {
-    return isOfOtherKind(attribute, VALE_TEXT, VALE_TEXT) ? "" : textOrEmpty(attribute.value.text);
+    return textOrEmpty(attribute.value.text);
 }
 
 int32_t integerOf(const ValeAttribute& attribute)
 {
-    return isOfOtherKind(attribute, VALE_INTEGER, VALE_UNSIGNED) ? 0 : attribute.value.integer;
+    return attribute.value.integer;
 }
 
 std::span<const int32_t> integersOf(const ValeAttribute& attribute)
 {
     const ValeIntegerList* list = attribute.value.integers;
-    if (isOfOtherKind(attribute, VALE_INTEGER_LIST, VALE_INTEGER_LIST) || list == nullptr) return {};
-    return {list->values, list->values != nullptr ? list->count : 0};
+    if (list == nullptr || list->values == nullptr) return {};
+    return {list->values, list->count};
 }
 
 std::span<const char* const> textsOf(const ValeAttribute& attribute)
 {
     const ValeTextList* list = attribute.value.texts;
-    if (isOfOtherKind(attribute, VALE_TEXT_LIST, VALE_TEXT_LIST) || list == nullptr) return {};
-    return {list->values, list->values != nullptr ? list->count : 0};
+    if (list == nullptr || list->values == nullptr) return {};
+    return {list->values, list->count};
 }
 
 void appendInterface(std::span<char> list, int32_t interface)

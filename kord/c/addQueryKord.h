@@ -298,8 +298,8 @@ void readItem(const kordRec* pKordRec, const Query& query, const ValeQueryRespon
 /// The attributes of a resource, as many as its query's walk looks at.
 std::span<const ValeAttribute> attributesOf(const Query& query, const ValeQueryResponse& resource);
 
-/// An attribute's value by the type that its name implies. A null value, or one that the client itself marks
-/// as of another kind, is an empty text, 0 or an empty list.
+/// An attribute's value, by the type that its name implies: the type member is not looked at. A null text or
+/// list is an empty one.
 const char* textOf(const ValeAttribute& attribute);
 int32_t integerOf(const ValeAttribute& attribute);
 std::span<const int32_t> integersOf(const ValeAttribute& attribute);
