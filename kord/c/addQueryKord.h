@@ -34,9 +34,10 @@ struct Field {
     int32_t* integer = nullptr;
 };
 
-/// The field behind a pointer to a member, for an item that is handed on as `void*`.
+/// The field behind a pointer to a member, for an item that is handed on as `void*`. Static, as the items are
+/// their modules' own: two that bear the same name are not to share one function.
 template <auto Member>
-Field fieldOf(void* item)
+static Field fieldOf(void* item)
 {
     return []<typename Item, typename Type>(Type Item::*member, void* at) -> Field {
         Type& field = static_cast<Item*>(at)->*member;

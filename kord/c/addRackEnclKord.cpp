@@ -44,7 +44,8 @@ struct Part {
     char partNumber[100];
     char serialNumber[100];
     char ecLevel[100];
-    char flashFirmwareLevel[200];
+    char flashFirmwareLevel[100];
+    char flashFirmwareLevel_pps[200];
     char remainingBatteryLife[100];
     char kyrosFeatureCode[100];
 };
@@ -69,7 +70,7 @@ constexpr Attribute ppsAttributes[] = {
     {.name = "partNumber", .field = fieldOf<&Part::partNumber>, .read = readCleaned},
     {.name = "serialNumber", .field = fieldOf<&Part::serialNumber>, .read = readCleaned},
     {.name = "ecLevel", .field = fieldOf<&Part::ecLevel>, .read = readCleaned},
-    {.name = "flashFirmwareLevel", .field = fieldOf<&Part::flashFirmwareLevel>, .read = readCleaned},
+    {.name = "flashFirmwareLevel", .field = fieldOf<&Part::flashFirmwareLevel_pps>, .read = readCleaned},
 };
 
 void writeEmptyPPS(const kordRec* pKordRec)
@@ -282,7 +283,7 @@ int32_t queryPPS(kordRec* pKordRec, const char* rackEnclosureMTMS, const char* r
 {
     const Request request = requestOf(ppsQuery.selection, pKordRec->storageFacilityMTMS, rackEnclosureMTMS);
     return writeParts(pKordRec, ppsQuery, request, [&](const Part& part) {
-        writePPS(pKordRec, part.locationCode, part.ecLevel, part.flashFirmwareLevel, part.partNumber,
+        writePPS(pKordRec, part.locationCode, part.ecLevel, part.flashFirmwareLevel_pps, part.partNumber,
                  part.serialNumber, rackNumber);
     });
 }

@@ -16,17 +16,20 @@ namespace
 
 constexpr size_t commandSize = 4096;
 constexpr int notRun = -1;
+constexpr size_t composedSize = 30; ///< of a composed name or MTMS
 
-/// Makes the command's output file anew: a file or link that lies in the way goes.
-void createOutputFile(const char* fileName)
+/// Makes the command's output file anew: a file or link that lies in the way goes. False when it cannot be
+/// made.
+bool createOutputFile(const char* fileName)
 {
     constexpr int flags = O_RDWR | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC;
     int fd = open(fileName, flags, 0777);
     if (fd < 0 && errno == EEXIST && unlink(fileName) == 0) fd = open(fileName, flags, 0777);
-    if (fd < 0) return;
+    if (fd < 0) return false;
     fchmod(fd, 0666);
     close(fd);
     errno = 0;
+    return true;
 }
 
 /// Whether the command redirects its standard output itself; "2>" does not.
@@ -100,6 +103,12 @@ int32_t cut(const char* text, size_t from, size_t length, std::span<char> part)
     return 0;
 }
 
+/// As much of the caller's field as a composed text takes.
+std::span<char> composedField(std::span<char> field)
+{
+    return field.first(std::min(field.size(), composedSize));
+}
+
 int32_t convert(std::span<char> output, const char* input, char from, char to)
 {
     copyText(output, input);
@@ -115,31 +124,29 @@ int32_t excuteCommand(const kordRec* pKordRec, const char* Cmd, int32_t* xargc, 
     char command[commandSize];
     char fileName[50] = "";
     const char* redirection = "";
+    const char* nowhere = "";
 
     errno = 0;
     if (wanted) {
         *xargc = 0;
         *xargv = nullptr;
         formatText(fileName, "%s/tmp.%s", commandOutputFolder, pKordRec->systemSerial);
-        createOutputFile(fileName);
+        // What lies at that name and does not go is not ours: as a folder's name it takes no output.
+        if (!createOutputFile(fileName)) nowhere = "/";
         redirection = " >";
     } else if (!redirectsOutput(Cmd)) {
         redirection = " >/dev/null";
     }
 
-    const bool fits = strlen(Cmd) + strlen(redirection) + strlen(fileName) < sizeof command;
-    formatText(command, "%s%s%s", Cmd, redirection, fileName);
+    const bool fits = strlen(Cmd) + strlen(redirection) + strlen(fileName) + strlen(nowhere) < sizeof command;
+    formatText(command, "%s%s%s%s", Cmd, redirection, fileName, nowhere);
     const int32_t rc = fits ? system(command) >> 8 : notRun;
     const int error = errno;
 
-    int32_t result = 1;
-    if (rc != 0) {
-        trace(pKordRec, "0066", "excute cmd rc=%d, errno=%d ", rc, error);
-    } else if (wanted) {
-        result = parseOutput(pKordRec, fileName, xargc, xargv);
-        if (result != 0) trace(pKordRec, "0067", "parse cmd rc=%d ", result);
-    }
+    if (rc != 0) trace(pKordRec, "0066", "excute cmd rc=%d, errno=%d ", rc, error);
+    const int32_t result = rc == 0 && wanted ? parseOutput(pKordRec, fileName, xargc, xargv) : 1;
     if (wanted) unlink(fileName);
+    if (rc == 0 && wanted && result != 0) trace(pKordRec, "0067", "parse cmd rc=%d ", result);
     return result;
 }
 
@@ -190,7 +197,7 @@ int32_t getLoginUserName(kordRec* pKordRec)
 
     copyText(pKordRec->loginUserName, known ? xargv[0] : "briskroot");
     if (known)
-        trace(pKordRec, "0068", "rc=%d, xargc=%d, User=%s ", rc, xargc, xargv[0]);
+        trace(pKordRec, "0068", "rc=%d, xargc=%d, User=%s ", rc, xargc, pKordRec->loginUserName);
     else
         trace(pKordRec, "0068", "rc=%d, xargc=%d, %s ", rc, xargc, "getLoginUserName");
     releaseOutput(xargv);
@@ -279,13 +286,14 @@ void createStorageFacilityImageMTMS(const char* storageFacilityMTMS, const char*
                                     std::span<char> storageFacilityImageMTMS)
 {
     const size_t length = strlen(storageFacilityMTMS);
-    formatText(storageFacilityImageMTMS, "%.*s%s", static_cast<int>(length - (length > 0 ? 1 : 0)),
-               storageFacilityMTMS, hslLumenPoolId);
+    formatText(composedField(storageFacilityImageMTMS), "%.*s%s",
+               static_cast<int>(length - (length > 0 ? 1 : 0)), storageFacilityMTMS, hslLumenPoolId);
 }
 
 void createLparName(const kordRec* pKordRec, const char* hslLumenPoolId, std::span<char> lparName)
 {
     char serverNumber[12];
     formatText(serverNumber, "%d", pKordRec->storageFacilityServerNumber);
-    formatText(lparName, "SF%sTarn%c%s", pKordRec->storageFacilityMTMS, serverNumber[0], hslLumenPoolId);
+    formatText(composedField(lparName), "SF%sTarn%c%s", pKordRec->storageFacilityMTMS, serverNumber[0],
+               hslLumenPoolId);
 }

@@ -126,4 +126,45 @@ TEST(Console, readsTheBracketedTypeModel)
               (std::vector<std::string>{"==>:  getQuayTM", "053:  rc=0, xargc=1,  QuayTM= "}));
 }
 
+/// The console's program, replaced by a script as long as this lives.
+class VitalProductData
+{
+public:
+    explicit VitalProductData(const std::string& script)
+    {
+        std::filesystem::rename(program_, aside_);
+        unit::writeFile(program_, "#!/bin/sh\n" + script);
+        std::filesystem::permissions(program_, std::filesystem::perms::owner_all);
+    }
+    ~VitalProductData() { std::filesystem::rename(aside_, program_); }
+    VitalProductData(const VitalProductData&) = delete;
+    VitalProductData& operator=(const VitalProductData&) = delete;
+
+private:
+    const std::string program_ = "/opt/brisk/bin/qconvpd";
+    const std::string aside_ = program_ + ".aside";
+};
+
+TEST(Console, takesTheTypeModelFromItsBrackets)
+{
+    const VitalProductData data("echo '*TM 4821-[K7Q]'");
+    const kordRec record = unit::freshRecord();
+    char QuayTM[20] = "";
+    EXPECT_EQ(getQuayTM(&record, QuayTM), 2);
+    EXPECT_STREQ(QuayTM, "K7Q");
+}
+
+TEST(Console, isUnknownWithoutData)
+{
+    const VitalProductData data("echo '*MN nothing of use'");
+    char field[20] = "before";
+    const kordRec serial = unit::freshRecord();
+    EXPECT_EQ(getQuaySE(&serial, field), 1);
+    EXPECT_EQ(unit::traceOf(serial).back(), "052: rc=1, xargc=0 ");
+    const kordRec typeModel = unit::freshRecord();
+    EXPECT_EQ(getQuayTM(&typeModel, field), 1);
+    EXPECT_EQ(unit::traceOf(typeModel).back(), "053:  rc=1, xargc=0 ");
+    EXPECT_STREQ(field, "before");
+}
+
 } // namespace

@@ -3,6 +3,9 @@
 #include "unit.h"
 
 #include <gtest/gtest.h>
+#include <linux/capability.h>
+#include <sys/syscall.h>
+#include <unistd.h>
 
 namespace
 {
@@ -124,6 +127,77 @@ TEST(CommandRunner, followsNoLink)
     std::filesystem::remove(target);
 }
 
+/// Without the right to change folders that are not writable, as long as it lives.
+class WithoutOverride
+{
+public:
+    WithoutOverride()
+    {
+        syscall(SYS_capget, &header_, before_);
+        __user_cap_data_struct data[] = {before_[0], before_[1]};
+        data[0].effective &= ~((1U << CAP_DAC_OVERRIDE) | (1U << CAP_FOWNER));
+        dropped = syscall(SYS_capset, &header_, data) == 0;
+    }
+    ~WithoutOverride() { syscall(SYS_capset, &header_, before_); }
+    WithoutOverride(const WithoutOverride&) = delete;
+    WithoutOverride& operator=(const WithoutOverride&) = delete;
+
+    bool dropped = false;
+
+private:
+    __user_cap_header_struct header_ = {.version = _LINUX_CAPABILITY_VERSION_3, .pid = 0};
+    __user_cap_data_struct before_[2] = {};
+};
+
+TEST(CommandRunner, writesToNothingThatStaysInTheWay)
+{
+    using std::filesystem::perms;
+    const std::string target = "/var/brisk/log/target";
+    unit::writeFile(target, "kept\n");
+    std::filesystem::create_symlink(target, outputFile);
+    std::filesystem::permissions(commandOutputFolder, perms::owner_read | perms::owner_exec);
+    const kordRec record = unit::freshRecord();
+    {
+        const WithoutOverride limited;
+        ASSERT_TRUE(limited.dropped);
+        int32_t count = 0;
+        char** lines = nullptr;
+        EXPECT_EQ(excuteCommand(&record, "echo text 2>/dev/null", &count, &lines), 1);
+        EXPECT_EQ(lines, nullptr);
+    }
+    std::filesystem::permissions(commandOutputFolder, perms::owner_all);
+    EXPECT_EQ(unit::readFile(target), "kept\n");
+    EXPECT_EQ(unit::traceOf(record), (Lines{"0066: excute cmd rc=2, errno=13 "})); // EACCES of the removal
+    std::filesystem::remove(outputFile);
+    std::filesystem::remove(target);
+}
+
+TEST(CommandRunner, givesNothingWithoutBothPlaces)
+{
+    const kordRec record = unit::freshRecord();
+    int32_t count = 5;
+    EXPECT_EQ(excuteCommand(&record, "echo text", &count, nullptr), 1);
+    EXPECT_EQ(count, 5);
+    char** lines = nullptr;
+    EXPECT_EQ(excuteCommand(&record, "echo text", nullptr, &lines), 1);
+    EXPECT_EQ(lines, nullptr);
+}
+
+TEST(CommandRunner, keepsALeadingRedirectionForItself)
+{
+    // Nothing stands before this ">", so it is not taken for one, and the second one takes the output.
+    const kordRec record = unit::freshRecord();
+    const std::string kept = "/var/brisk/log/kept";
+    EXPECT_EQ(excuteCommand(&record, (">" + kept + " echo text").c_str(), nullptr, nullptr), 1);
+    EXPECT_EQ(unit::readFile(kept), "");
+    std::filesystem::remove(kept);
+}
+
+TEST(CommandRunner, makesItsOutputFileReadableForAll)
+{
+    EXPECT_EQ(outputOf(unit::freshRecord(), ("stat -c %a " + outputFile).c_str()).lines, Lines{"666"});
+}
+
 TEST(CommandRunner, missingFile)
 {
     const kordRec record = unit::freshRecord();
@@ -215,6 +289,12 @@ TEST(Composers, makeNamesAndMTMS)
     copyText(record.storageFacilityMTMS, "0123456789012345678901234567");
     createLparName(&record, "1", composed);
     EXPECT_EQ(std::string(composed), "SF012345678901234567890123456");
+
+    char wide[100];
+    createLparName(&record, "1", wide);
+    EXPECT_EQ(std::string(wide), "SF012345678901234567890123456");
+    createStorageFacilityImageMTMS("1234567890123456789012345678X", "12345", wide);
+    EXPECT_STREQ(wide, "12345678901234567890123456781");
 }
 
 TEST(BoundedText, cutsAtTheField)

@@ -24,6 +24,18 @@ protected:
         vale_end_session(record.sess_hndl_DM);
     }
 
+    /// What a collector asks the client first, as the journal shows it.
+    template <typename Call>
+    std::string asked(Call call)
+    {
+        const std::string journal = std::string(getenv("KORD_CONSOLE_ROOT")) + "/journal.jsonl";
+        const size_t before = unit::readFile(journal).size();
+        call(&record);
+        const std::string added = unit::readFile(journal).substr(before);
+        const size_t begin = added.find("\"vale\":");
+        return added.substr(begin, added.find(",\"result\"") - begin);
+    }
+
     kordRec record{};
 };
 
@@ -50,6 +62,59 @@ TEST_F(Uncalled, facilitySessionIsMissing)
     ASSERT_GE(lines.size(), 3U);
     EXPECT_TRUE(lines[1].starts_with("0100:  SF rRc= 1, ")) << lines[1];
     EXPECT_EQ(lines.back(), "==>:  handleErrKord querySFState, r");
+}
+
+TEST_F(Uncalled, sharedSessionIsMissing)
+{
+    kordRec alone = record;
+    alone.sess_hndl_SR = nullptr;
+    EXPECT_EQ(querySFSystemState(&alone), -1);
+    EXPECT_EQ(queryRackEnclMTMS(&alone, "R1"), -1);
+    EXPECT_EQ(queryStoragePlex(&alone), -1);
+    Lines reports;
+    for (const std::string& line : unit::traceOf(alone)) {
+        if (line.starts_with("==>:  handleErrKord")) reports.push_back(line);
+    }
+    EXPECT_EQ(reports,
+              (Lines{"==>:  handleErrKord querySFSystemState, r", "==>:  handleErrKord queryRackEnclMTMS, r",
+                     "==>:  handleErrKord queryStoragePlex, r"}));
+}
+
+TEST_F(Uncalled, askForTheStatesThatChange)
+{
+    EXPECT_EQ(asked(querySFState),
+              R"("vale":"query_d_select","scope":2,"class":"Orvik.TarnStorageFacility",)"
+              R"("selection":"storageFacilityMTMS=\"9999-A01*00XY1230\"","attributes":["PowerState"])");
+    EXPECT_EQ(asked(querySFSystemState),
+              R"("vale":"query_d_select","scope":2,"class":"Orvik.TarnStorageFacilitySystem",)"
+              R"("selection":"managedSystemMTMS=\"9999-B2C*7ABCD12\"","attributes":["powerRunState"])");
+}
+
+TEST_F(Uncalled, askForTheConsolesProperties)
+{
+    copyText(record.activePeerDomain_quay, "9999.A01.00XY1230");
+    const auto askedInDocument = [&](auto collector) {
+        std::string line;
+        unit::written(record, [&](kordRec*) { line = asked(collector); });
+        return line;
+    };
+    const std::string rack = askedInDocument([](kordRec* run) { queryRackEnclMTMS(run, "R1"); });
+    EXPECT_EQ(rack,
+              R"json("vale":"query_p_select","scope":2,"class":"Orvik.TarnRack",)json"
+              R"json("selection":"(storageFacilityMTMS=\"9999-A01*00XY1230\") && (rackNumber=\"R1\")",)json"
+              R"json("attributes":["rackEnclosureMTMS"])json");
+    EXPECT_EQ(askedInDocument(queryStoragePlex),
+              R"("vale":"query_p_select","scope":2,"class":"Orvik.TarnStoragePlex",)"
+              R"("selection":"ActivePeerDomain=\"9999.A01.00XY1230\" ",)"
+              R"("attributes":["storagePlexAccountName"])");
+}
+
+TEST_F(Uncalled, enumerateTheTeskHosts)
+{
+    int32_t count = 0;
+    EXPECT_EQ(asked([&](kordRec* run) { enumerateTeskHost(run, &count, "image", "domain"); }),
+              R"("vale":"enumerate_resources","scope":4,"class":"Orvik.TarnTeskHost",)"
+              R"("selection":"storageFacilityImageMTMS=\"image\" && ActivePeerDomain=\"domain\"")");
 }
 
 TEST_F(Uncalled, systemRuns)
@@ -81,6 +146,15 @@ TEST_F(Uncalled, rackIsMissing)
     EXPECT_EQ(queryRackEnclMTMS(&record, "R9"), -1);
     EXPECT_EQ(unit::traceOf(record), (Lines{"==>:  queryRackEnclMTMS", "0515:  no res  array_cnt_rack=0",
                                             "==>:  handleErrKord queryRackEnclMTMS, e"}));
+}
+
+TEST_F(Uncalled, plexPropertyCarriesTheAccount)
+{
+    copyText(record.activePeerDomain_quay, "9999.A01.00XY1230");
+    EXPECT_EQ(unit::written(record, [](kordRec* r) { EXPECT_EQ(queryStoragePlex(r), 0); }),
+              "<Property name=\"AC\" displayName=\"Account Name\">\nAC\n"
+              "<Value type=\"string\">Northern Harbour Trust</Value>\n</Property>\n");
+    EXPECT_EQ(unit::traceOf(record), (Lines{"==>:  queryStoragePlex", ">>:  writeStorPlex"}));
 }
 
 TEST_F(Uncalled, plexIsMissing)
