@@ -43,4 +43,12 @@ Installation findInstallation()
     return found;
 }
 
+std::vector<std::string> findProgram(std::vector<std::string> program, const Installation& installation)
+{
+    const std::string own = (installation.bin / program[0]).string();
+    const bool bare = program[0].find('/') == std::string::npos;
+    if (bare && access(own.c_str(), X_OK) == 0) program[0] = own;
+    return program;
+}
+
 } // namespace console::launcher

@@ -3,6 +3,8 @@
 #pragma once
 
 #include <filesystem>
+#include <string>
+#include <vector>
 
 namespace console::launcher
 {
@@ -15,5 +17,9 @@ struct Installation {
 };
 
 Installation findInstallation();
+
+/// The command with its program's place: a bare name means a program of the launcher's own folder, if there is
+/// one of that name.
+std::vector<std::string> findProgram(std::vector<std::string> program, const Installation& installation);
 
 } // namespace console::launcher

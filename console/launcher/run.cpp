@@ -42,15 +42,6 @@ void setEnvironment(const fs::path& root, const Installation& installation,
     }
 }
 
-/// A bare name means a program of the launcher's own folder, if there is one of that name.
-std::vector<std::string> findProgram(std::vector<std::string> program, const Installation& installation)
-{
-    const std::string own = (installation.bin / program[0]).string();
-    const bool bare = program[0].find('/') == std::string::npos;
-    if (bare && access(own.c_str(), X_OK) == 0) program[0] = own;
-    return program;
-}
-
 Failure noWay(const std::string& reason)
 {
     return Failure("this machine gives no mount namespace (" + reason +

@@ -7,8 +7,12 @@
 #include "addUtilKord.h"
 #include "addXmlKord.h"
 
+#include <algorithm>
+#include <bit>
 #include <cstdlib>
 #include <cstring>
+#include <functional>
+#include <string_view>
 
 namespace
 {
@@ -335,23 +339,71 @@ userHostDescr* newDescrRecord(const char* description, userHostDescr* next)
     return record;
 }
 
+/// One more port carries the record's description.
+void countPort(const kordRec* pKordRec, userHostDescr* record)
+{
+    ++record->count;
+    trace(pKordRec, "0676", "find %s, %d", record->description, record->count);
+}
+
+/// Where a list's records are found by their descriptions, so that a port costs the same however many
+/// descriptions there are. Without memory for it there are no slots, and the list itself is searched.
+struct DescrIndex {
+    userHostDescr** slots;
+    size_t size; ///< a power of two, at least twice the number of ports
+
+    explicit DescrIndex(size_t ports)
+        : slots(static_cast<userHostDescr**>(malloc(std::bit_ceil(2 * ports) * sizeof *slots))),
+          size(std::bit_ceil(2 * ports))
+    {
+        if (slots != nullptr) std::fill_n(slots, size, nullptr);
+    }
+    ~DescrIndex() { free(static_cast<void*>(slots)); }
+    DescrIndex(const DescrIndex&) = delete;
+    DescrIndex& operator=(const DescrIndex&) = delete;
+
+    /// The record's slot, or the empty one where it belongs.
+    userHostDescr** slotOf(const char* description) const
+    {
+        size_t at = std::hash<std::string_view>()(description) & (size - 1);
+        while (slots[at] != nullptr && strcmp(slots[at]->description, description) != 0)
+            at = (at + 1) & (size - 1);
+        return &slots[at];
+    }
+};
+
+/// Counts a port whose description the list has: 1, or 0 when it has none such.
+int32_t findDescr(const kordRec* pKordRec, const DescrIndex& index, userHostDescr** pFirst,
+                  const char* description)
+{
+    if (index.slots == nullptr) return findDescrRecord(pKordRec, pFirst, description);
+    userHostDescr* record = *index.slotOf(description);
+    if (record == nullptr) return 0;
+    countPort(pKordRec, record);
+    return 1;
+}
+
 /// Folds the ports' descriptions into the list: 0, or -1 when out of memory.
 int32_t foldDescriptions(const kordRec* pKordRec, Resources ports, userHostDescr** pFirst)
 {
     HostPort port{};
+    const DescrIndex index(ports.size());
     for (const ValeQueryResponse& resource : ports) {
         readItem(pKordRec, hostPortQuery, resource, &port);
+        const char* description = port.userHostDescription;
         if (*pFirst == nullptr) {
-            *pFirst = newDescrRecord(port.userHostDescription, nullptr);
-            if (*pFirst != nullptr) continue;
-            handleErrKord_new(pKordRec, "Orvik.TarnScsiHostPort", "m", "out of memory");
-            printf("%s %s\n", "Orvik.TarnScsiHostPort", "Out of memory");
-            return failed;
-        }
-        if (findDescrRecord(pKordRec, pFirst, port.userHostDescription) == 1) continue;
-        if (addDescrRecord(pKordRec, pFirst, port.userHostDescription) != 0) {
+            *pFirst = newDescrRecord(description, nullptr);
+            if (*pFirst == nullptr) {
+                handleErrKord_new(pKordRec, "Orvik.TarnScsiHostPort", "m", "out of memory");
+                printf("%s %s\n", "Orvik.TarnScsiHostPort", "Out of memory");
+                return failed;
+            }
+        } else if (findDescr(pKordRec, index, pFirst, description) == 1) {
+            continue;
+        } else if (addDescrRecord(pKordRec, pFirst, description) != 0) {
             return handleErrKord_new(pKordRec, "Orvik.TarnScsiHostPort", "m", "out of memory");
         }
+        if (index.slots != nullptr) *index.slotOf(description) = *pFirst;
     }
     return collected;
 }
@@ -746,8 +798,7 @@ int32_t findDescrRecord(const kordRec* pKordRec, userHostDescr** pFirst, const c
 {
     for (userHostDescr* record = *pFirst; record != nullptr; record = record->nextp) {
         if (strcmp(record->description, description) != 0) continue;
-        ++record->count;
-        trace(pKordRec, "0676", "find %s, %d", description, record->count);
+        countPort(pKordRec, record);
         return 1;
     }
     return 0;

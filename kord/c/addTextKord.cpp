@@ -1,10 +1,10 @@
 #include "addTextKord.h"
 
 #include <algorithm>
+#include <charconv>
 #include <cstdarg>
 #include <cstdio>
 #include <cstring>
-#include <string_view>
 
 namespace
 {
@@ -37,8 +37,7 @@ std::string_view quoted(const char& character, Quotes quotes)
 
 void copyText(std::span<char> field, const char* text)
 {
-    text = textOrEmpty(text);
-    copyText(field, text, strlen(text));
+    copyText(field, text, field.size());
 }
 
 void copyText(std::span<char> field, const char* text, size_t length)
@@ -64,6 +63,22 @@ void appendText(std::span<char> field, const char* format, ...)
     va_start(arguments, format);
     formatInto(field.subspan(strnlen(field.data(), field.size())), format, arguments);
     va_end(arguments);
+}
+
+TextPieces& TextPieces::add(std::string_view piece)
+{
+    const size_t length = std::min(piece.size(), field.size() - used - 1);
+    memcpy(field.data() + used, piece.data(), length);
+    used += length;
+    field[used] = '\0';
+    return *this;
+}
+
+TextPieces& TextPieces::add(int32_t number)
+{
+    char decimal[12];
+    const char* end = std::to_chars(decimal, decimal + sizeof decimal, number).ptr;
+    return add(std::string_view(decimal, static_cast<size_t>(end - decimal)));
 }
 
 void quoteText(std::span<char> field, const char* text, Quotes quotes)

@@ -5,6 +5,7 @@
 
 #include <cstdint>
 #include <span>
+#include <string_view>
 
 inline const char* textOrEmpty(const char* text)
 {
@@ -22,6 +23,16 @@ void copyText(std::span<char> field, const char* text, size_t length);
 
 /// Formatted printing behind what the field holds.
 [[gnu::format(printf, 2, 3)]] void appendText(std::span<char> field, const char* format, ...);
+
+/// Puts a text together in a field, piece by piece, where this is done too often for formatted printing. Cuts
+/// and terminates like the others.
+struct TextPieces {
+    std::span<char> field;
+    size_t used = 0;
+
+    TextPieces& add(std::string_view piece);
+    TextPieces& add(int32_t number);
+};
 
 /// Where a value stands in a shell command.
 enum class Quotes { doubled, single };

@@ -32,7 +32,7 @@ struct Path {
 Path logPath(const char* fileName)
 {
     Path path;
-    formatText(path.text, "%s/%s", traceFolder, *fileName != '\0' ? fileName : "addTrcKord.log");
+    TextPieces{path.text}.add(traceFolder).add("/").add(*fileName != '\0' ? fileName : "addTrcKord.log");
     return path;
 }
 
@@ -78,14 +78,27 @@ struct LineBuffer {
     }
 };
 
+/// The time of a line. Most lines fall into the same second as the one before, and share its text.
+struct Stamp {
+    time_t second = -2; ///< no time yet: a clock that fails gives -1
+    char text[32] = "";
+};
+
+std::string_view stampNow()
+{
+    static thread_local Stamp last;
+    const time_t now = time(nullptr);
+    if (now != last.second) {
+        tm local{};
+        localtime_r(&now, &local);
+        strftime(last.text, sizeof last.text, "%m%d%y %H:%M:%S", &local);
+        last.second = now;
+    }
+    return last.text;
+}
+
 void writeLine(int fd, std::string_view code, std::string_view message)
 {
-    const time_t now = time(nullptr);
-    tm local{};
-    localtime_r(&now, &local);
-    char stamp[32];
-    strftime(stamp, sizeof stamp, "%m%d%y %H:%M:%S", &local);
-
     const bool wraps = code.size() + message.size() + prefixLength > lineLength - 1;
     const size_t firstRoom = code.size() < firstTextLength ? firstTextLength - code.size() : 0;
     std::string_view rest = message;
@@ -97,7 +110,7 @@ void writeLine(int fd, std::string_view code, std::string_view message)
         rest.remove_prefix(std::min(length, rest.size()));
     };
 
-    line.add(stamp);
+    line.add(stampNow());
     line.add(" ");
     line.add(code);
     line.add(": ");
@@ -148,8 +161,8 @@ void keepFrom(const Path& logFile, int log, off_t offset, off_t size)
     copyRest(log, offset, piece);
     fchmod(piece, logMode);
     const bool complete = lseek(piece, 0, SEEK_CUR) == size - offset;
-    close(piece);
-    if (!complete || rename(kept.text, logFile.text) != 0) unlink(kept.text);
+    const bool stored = close(piece) == 0; // some file systems learn only now that they are full
+    if (!complete || !stored || rename(kept.text, logFile.text) != 0) unlink(kept.text);
 }
 
 /// Drops the log's oldest 9,999 lines; a log without a line 10,000 stays as it is.
@@ -188,17 +201,21 @@ int32_t addTrcKord(const char* fileName, const char* code, const char* message)
     const int log = openLog(logFile.text);
     if (log < 0) return 0;
 
-    struct stat status {
+    // Only what is needed is asked for: a file whose times were looked at pays for exact ones at its next
+    // write.
+    struct statx status {
     };
-    if (fstat(log, &status) == 0 && S_ISREG(status.st_mode)) {
+    constexpr unsigned wanted = STATX_TYPE | STATX_MODE | STATX_SIZE;
+    if (statx(log, "", AT_EMPTY_PATH, wanted, &status) == 0 && S_ISREG(status.stx_mode)) {
         writeLine(log, textOrEmpty(code), textOrEmpty(message));
-        if ((status.st_mode & 07777) != logMode) fchmod(log, logMode);
+        if ((status.stx_mode & 07777) != logMode) fchmod(log, logMode);
     }
     close(log);
 
-    if (status.st_size > removeAbove)
+    const off_t size = static_cast<off_t>(status.stx_size);
+    if (size > removeAbove)
         removeLog(logFile);
-    else if (status.st_size > cutAbove)
+    else if (size > cutAbove)
         cutLog(logFile);
     return 0;
 }
@@ -208,7 +225,10 @@ void trace(const kordRec* pKordRec, const char* code, const char* format, ...)
     char text[traceTextSize];
     va_list arguments;
     va_start(arguments, format);
-    vsnprintf(text, sizeof text, format, arguments);
+    if (strcmp(format, "%s") == 0) // most lines are a text as it stands
+        copyText(text, va_arg(arguments, const char*));
+    else
+        vsnprintf(text, sizeof text, format, arguments);
     va_end(arguments);
     addTrcKord(pKordRec->trcfile, code, text);
 }

@@ -4,8 +4,10 @@
 #include "addTrcKord.h"
 
 #include <cstdarg>
+#include <cstring>
 #include <fcntl.h>
 #include <initializer_list>
+#include <string_view>
 #include <sys/stat.h>
 #include <sys/time.h>
 #include <unistd.h>
@@ -13,65 +15,98 @@
 namespace
 {
 
+using namespace std::string_view_literals;
+
 // --- The vocabulary. Consumers match codes and labels to the letter, misspellings included.
 
-struct Label {
-    const char* code;
-    const char* text;
+/// Text that the compiler puts together.
+struct Constant {
+    char bytes[200] = {};
+    size_t size = 0;
+
+    consteval Constant(std::initializer_list<std::string_view> pieces)
+    {
+        for (const std::string_view piece : pieces) {
+            for (const char character : piece)
+                bytes[size++] = character;
+        }
+    }
+    constexpr operator std::string_view() const { return {bytes, size}; }
 };
 
-constexpr Label facilityMTMS = {.code = "S3", .text = "Storage Facility MTMS"};
-constexpr Label imageMTMS = {.code = "S4", .text = "Storage Facility Image MTMS"};
-constexpr Label ecLevelLabel = {.code = "EC", .text = "EC Level"};
-constexpr Label changeLevel = {.code = "EC", .text = "Engineering Change Level"};
-constexpr Label firmwareLevelLabel = {.code = "LE", .text = "Firmware Level"};
-constexpr Label partNumberLabel = {.code = "PN", .text = "Part Number"};
-constexpr Label assemblyNumber = {.code = "PN", .text = "PartNumber of assembly"};
-constexpr Label serialNumberLabel = {.code = "SN", .text = "Serial Number"};
-constexpr Label cardIdentification = {.code = "CC", .text = "Customer Card Indentification Number"};
-constexpr Label adapterInterface = {.code = "IF", .text = "InterfaceID"};
-constexpr Label enclosureInterface = {.code = "IF", .text = "IntefaceID"};
-constexpr Label drawerInterface = {.code = "IF", .text = "Storage Facility MTMS - InterfaceID"};
-constexpr Label rackLocationLabel = {.code = "R1", .text = "Rack Location"};
-constexpr Label rackNumberLabel = {.code = "R2", .text = "Rack Number"};
-constexpr Label rackUniqueId = {.code = "RK", .text = "Rack Unique ID"};
-constexpr Label featureCode = {.code = "FC", .text = "Feature Code"};
-constexpr Label typeModelLabel = {.code = "TM", .text = "Machine Type-Model"};
-constexpr Label plantAndSerial = {.code = "SG", .text = "Plant of Manufature code and Serial Number"};
-constexpr Label batteryLife = {.code = "BT", .text = "Battery Remaining Life"};
-constexpr Label diskSpace = {.code = "DP", .text = "Disk Space Characteristics"};
-constexpr Label accountName = {.code = "AC", .text = "Account Name"};
-constexpr Label systemVPD = {.code = "DS", .text = "System VPD"};
-constexpr Label hardwareLocation = {.code = "YL", .text = "Hardware Location Code"};
-constexpr Label licVRMF = {.code = "LE", .text = "LIC VRMF"};
-constexpr Label operatingSystem = {.code = "OS", .text = "OS"};
-constexpr Label nodeName = {.code = "NN", .text = "WWNN"};
-constexpr Label hslPool = {.code = "H1", .text = "Partition HSL Pool"};
-constexpr Label configurationString = {.code = "U1", .text = "Logcial Configuration String"};
-constexpr Label hostInventory = {.code = "U2", .text = "Host Inventory"};
-constexpr Label arrayBelow = {.code = "A1", .text = "Array"};
-constexpr Label rankBelow = {.code = "A1", .text = "Rank"};
-constexpr Label segmentPoolBelow = {.code = "A1", .text = "Segment Pool"};
-constexpr Label partitionIdentifier = {.code = "CI", .text = "Partition identifier"};
-constexpr Label logicalSpace = {.code = "LS", .text = "Logical Space Characteristics"};
+/// A property's start, all that stands before its value.
+consteval Constant startOf(std::string_view code, std::string_view name, std::string_view displayName)
+{
+    return {"<Property name=\"",        name, "\" displayName=\"", displayName, "\">\n", code,
+            "\n<Value type=\"string\">"};
+}
+
+struct Wording {
+    std::string_view code;
+    std::string_view text;
+};
+
+/// A property's label, in both orders.
+struct Label {
+    Constant normal;
+    Constant reversed;
+};
+
+consteval Label label(Wording of)
+{
+    return {startOf(of.code, of.code, of.text), startOf(of.code, of.text, of.code)};
+}
+
+constexpr Label facilityMTMS = label({.code = "S3", .text = "Storage Facility MTMS"});
+constexpr Label imageMTMS = label({.code = "S4", .text = "Storage Facility Image MTMS"});
+constexpr Label ecLevelLabel = label({.code = "EC", .text = "EC Level"});
+constexpr Label changeLevel = label({.code = "EC", .text = "Engineering Change Level"});
+constexpr Label firmwareLevelLabel = label({.code = "LE", .text = "Firmware Level"});
+constexpr Label partNumberLabel = label({.code = "PN", .text = "Part Number"});
+constexpr Label assemblyNumber = label({.code = "PN", .text = "PartNumber of assembly"});
+constexpr Label serialNumberLabel = label({.code = "SN", .text = "Serial Number"});
+constexpr Label cardIdentification = label({.code = "CC", .text = "Customer Card Indentification Number"});
+constexpr Label adapterInterface = label({.code = "IF", .text = "InterfaceID"});
+constexpr Label enclosureInterface = label({.code = "IF", .text = "IntefaceID"});
+constexpr Label drawerInterface = label({.code = "IF", .text = "Storage Facility MTMS - InterfaceID"});
+constexpr Label rackLocationLabel = label({.code = "R1", .text = "Rack Location"});
+constexpr Label rackNumberLabel = label({.code = "R2", .text = "Rack Number"});
+constexpr Label rackUniqueId = label({.code = "RK", .text = "Rack Unique ID"});
+constexpr Label featureCode = label({.code = "FC", .text = "Feature Code"});
+constexpr Label typeModelLabel = label({.code = "TM", .text = "Machine Type-Model"});
+constexpr Label plantAndSerial = label({.code = "SG", .text = "Plant of Manufature code and Serial Number"});
+constexpr Label batteryLife = label({.code = "BT", .text = "Battery Remaining Life"});
+constexpr Label diskSpace = label({.code = "DP", .text = "Disk Space Characteristics"});
+constexpr Label accountName = label({.code = "AC", .text = "Account Name"});
+constexpr Label systemVPD = label({.code = "DS", .text = "System VPD"});
+constexpr Label hardwareLocation = label({.code = "YL", .text = "Hardware Location Code"});
+constexpr Label licVRMF = label({.code = "LE", .text = "LIC VRMF"});
+constexpr Label operatingSystem = label({.code = "OS", .text = "OS"});
+constexpr Label nodeName = label({.code = "NN", .text = "WWNN"});
+constexpr Label hslPool = label({.code = "H1", .text = "Partition HSL Pool"});
+constexpr Label configurationString = label({.code = "U1", .text = "Logcial Configuration String"});
+constexpr Label hostInventory = label({.code = "U2", .text = "Host Inventory"});
+constexpr Label arrayBelow = label({.code = "A1", .text = "Array"});
+constexpr Label rankBelow = label({.code = "A1", .text = "Rank"});
+constexpr Label segmentPoolBelow = label({.code = "A1", .text = "Segment Pool"});
+constexpr Label partitionIdentifier = label({.code = "CI", .text = "Partition identifier"});
+constexpr Label logicalSpace = label({.code = "LS", .text = "Logical Space Characteristics"});
 
 struct Property {
-    const char* code;
-    const char* name;
-    const char* displayName;
+    std::string_view start;
     const char* value;
 };
 using Properties = std::initializer_list<Property>;
 
 Property normal(const Label& label, const char* value)
 {
-    return {label.code, label.code, label.text, value};
+    return {label.normal, value};
 }
 
 /// Name and display name change places; consumers of these cards expect them so.
 Property reversed(const Label& label, const char* value)
 {
-    return {label.code, label.text, label.code, value};
+    return {label.reversed, value};
 }
 
 Property facility(const kordRec* pKordRec)
@@ -81,41 +116,78 @@ Property facility(const kordRec* pKordRec)
 
 // --- The shapes. Nothing else writes to the document.
 
-constexpr const char* endList = "</ResourceList>\n";
-constexpr const char* endResource = "</Resource>\n";
-constexpr const char* endBoth = "</Resource>\n</ResourceList>\n";
+constexpr std::string_view endList = "</ResourceList>\n";
+constexpr std::string_view endResource = "</Resource>\n";
+constexpr std::string_view endBoth = "</Resource>\n</ResourceList>\n";
 
-void put(const kordRec* pKordRec, std::initializer_list<const char*> pieces)
+/// Gathers the pieces of an element on their way to the document: a stream takes one large piece faster than
+/// many small ones.
+struct Element {
+    FILE* stream;
+    size_t used = 0;
+    char bytes[4096];
+
+    explicit Element(const kordRec* pKordRec) : stream(pKordRec->inp) {}
+    ~Element() { flush(); }
+    Element(const Element&) = delete;
+    Element& operator=(const Element&) = delete;
+
+    void add(std::string_view piece)
+    {
+        if (piece.size() > sizeof bytes - used) flush();
+        if (piece.size() > sizeof bytes) return write(piece);
+        memcpy(bytes + used, piece.data(), piece.size());
+        used += piece.size();
+    }
+    void add(const char* text) { add(std::string_view(textOrEmpty(text))); }
+    void add(const Property& property)
+    {
+        add(property.start);
+        add(property.value);
+        add("</Value>\n</Property>\n"sv);
+    }
+    void flush();
+    void write(std::string_view text) const;
+};
+
+void Element::flush()
 {
-    if (pKordRec->inp == nullptr) return;
-    for (const char* piece : pieces)
-        fputs_unlocked(textOrEmpty(piece), pKordRec->inp);
+    write({bytes, used});
+    used = 0;
 }
 
-void putList(const kordRec* pKordRec, const char* displayName)
+[[gnu::noinline]] void Element::write(std::string_view text) const
 {
-    put(pKordRec, {"<ResourceList displayName=\"", displayName, "\">\n"});
+    // What follows a piece that was lost would stand where it does not belong: the document ends there.
+    if (stream != nullptr && ferror_unlocked(stream) == 0)
+        fwrite_unlocked(text.data(), 1, text.size(), stream);
 }
 
-void putProperty(const kordRec* pKordRec, const Property& property)
+template <typename... Pieces>
+void put(const kordRec* pKordRec, const Pieces&... pieces)
 {
-    put(pKordRec, {"<Property name=\"", property.name, "\" displayName=\"", property.displayName, "\">\n",
-                   property.code, "\n<Value type=\"string\">", property.value, "</Value>\n</Property>\n"});
+    Element element(pKordRec);
+    (element.add(pieces), ...);
 }
 
-void putResource(const kordRec* pKordRec, const char* displayName, const char* uniqueId,
-                 Properties properties = {})
+void addResource(Element& element, const char* displayName, const char* uniqueId, Properties properties)
 {
-    put(pKordRec,
-        {"<Resource displayName=\"", displayName, "\" uniqueId=\"", uniqueId, "\">\n", uniqueId, "\n"});
+    const std::string_view id = textOrEmpty(uniqueId);
+    element.add("<Resource displayName=\""sv);
+    element.add(displayName);
+    element.add("\" uniqueId=\""sv);
+    element.add(id);
+    element.add("\">\n"sv);
+    element.add(id);
+    element.add("\n"sv);
     for (const Property& property : properties)
-        putProperty(pKordRec, property);
+        element.add(property);
 }
 
 int32_t openList(const kordRec* pKordRec, const char* traceText, const char* displayName)
 {
     trace(pKordRec, ">>", "%s", traceText);
-    putList(pKordRec, displayName);
+    put(pKordRec, "<ResourceList displayName=\""sv, displayName, "\">\n"sv);
     return 0;
 }
 
@@ -123,14 +195,15 @@ int32_t openResource(const kordRec* pKordRec, const char* traceText, const char*
                      const char* uniqueId, Properties properties = {})
 {
     trace(pKordRec, ">>", "%s", traceText);
-    putResource(pKordRec, displayName, uniqueId, properties);
+    Element element(pKordRec);
+    addResource(element, displayName, uniqueId, properties);
     return 0;
 }
 
-int32_t closeElement(const kordRec* pKordRec, const char* traceText, const char* endTags)
+int32_t closeElement(const kordRec* pKordRec, const char* traceText, std::string_view endTags)
 {
     trace(pKordRec, ">>", "%s", traceText);
-    put(pKordRec, {endTags});
+    put(pKordRec, endTags);
     return 0;
 }
 
@@ -138,8 +211,9 @@ int32_t closeElement(const kordRec* pKordRec, const char* traceText, const char*
 int32_t writeResource(const kordRec* pKordRec, const char* displayName, const char* uniqueId,
                       Properties properties)
 {
-    putResource(pKordRec, displayName, uniqueId, properties);
-    put(pKordRec, {endResource});
+    Element element(pKordRec);
+    addResource(element, displayName, uniqueId, properties);
+    element.add(endResource);
     return 0;
 }
 
@@ -147,7 +221,7 @@ int32_t writeResource(const kordRec* pKordRec, const char* displayName, const ch
 int32_t writeProperty(const kordRec* pKordRec, const char* traceText, const Property& property)
 {
     trace(pKordRec, ">>", "%s", traceText);
-    putProperty(pKordRec, property);
+    put(pKordRec, property);
     return 0;
 }
 
@@ -170,14 +244,18 @@ struct Composed {
 /// A partition within an enclosure or a system.
 Composed partitionOf(const char* owner, const char* lparId)
 {
-    return compose("%s-%s", owner, lparId);
+    Composed composed;
+    TextPieces{composed.text}.add(textOrEmpty(owner)).add("-").add(textOrEmpty(lparId));
+    return composed;
 }
 
 /// A numbered part of an image's storage configuration: "S" array site, "A" array, "R" rank, "P" segment
 /// pool.
 Composed partOf(const char* image, char kind, int32_t number)
 {
-    return compose("%s/%c%d", image, kind, number);
+    Composed composed;
+    TextPieces{composed.text}.add(textOrEmpty(image)).add("/").add({&kind, 1}).add(number);
+    return composed;
 }
 
 /// The R2 value: a rack text without its first character, at most three characters.
@@ -197,7 +275,8 @@ int32_t openPartitionSubList(const kordRec* pKordRec, const char* traceText, con
                              const char* uniqueId)
 {
     openList(pKordRec, traceText, "Enclosures Partitions");
-    putResource(pKordRec, displayName, uniqueId);
+    Element element(pKordRec);
+    addResource(element, displayName, uniqueId, {});
     return 0;
 }
 
@@ -268,8 +347,8 @@ int32_t startXml(kordRec* pKordRec)
         trace(pKordRec, "0700", " open xmlfile error %s \n", path);
         return 1;
     }
-    constexpr size_t largeWrites = 65536;
-    setvbuf(stream, nullptr, _IOFBF, largeWrites);
+    static char largeWrites[65536]; // a size alone would be passed over
+    setvbuf(stream, largeWrites, _IOFBF, sizeof largeWrites);
     pKordRec->inp = stream;
     return 0;
 }
@@ -282,11 +361,11 @@ int32_t openInventory(const kordRec* pKordRec)
     // Consumers read the microseconds as a plain number, without leading zeros.
     const Composed stamp = compose("%lld.%ld", static_cast<long long>(now.tv_sec), now.tv_usec);
 
-    put(pKordRec, {"<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"});
-    if (pKordRec->testFlag == 1) put(pKordRec, {"<?xml-stylesheet type=\"text/xsl\" href=\"v03.xsl\"?>\n"});
-    put(pKordRec, {"<com.orvik.inventory verion=\"", documentVersion, "\">\n"});
-    put(pKordRec, {"<ResourceSet class=\"com.orvik.inventory.Hardware\" type=\"Hardware\" version=\"",
-                   documentVersion, "\" timestamp=\"", stamp.text, "\">\n"});
+    put(pKordRec, "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n");
+    if (pKordRec->testFlag == 1) put(pKordRec, "<?xml-stylesheet type=\"text/xsl\" href=\"v03.xsl\"?>\n");
+    put(pKordRec, "<com.orvik.inventory verion=\"", documentVersion, "\">\n");
+    put(pKordRec, "<ResourceSet class=\"com.orvik.inventory.Hardware\" type=\"Hardware\" version=\"",
+        documentVersion, "\" timestamp=\"", stamp.text, "\">\n");
     trace(pKordRec, "0701", " stamp=%s", stamp.text);
     return 0;
 }
@@ -526,9 +605,25 @@ int32_t writeDDM(const kordRec* pKordRec, const char* locationCode, const char* 
                  int32_t arraySitePosition, const char* diskInterfaceType, int32_t serviceState)
 {
     char space[500];
-    formatText(space, "DI=%s,DM=%s,DC=%dMB,DR=%d,DS=%d,AS=%d,AP=%d,IT=%s,ST=%d", diskName, diskManufacturer,
-               diskCapacity, diskRPM, diskInterfaceRate, arraySite, arraySitePosition, diskInterfaceType,
-               serviceState);
+    TextPieces{space}
+        .add("DI=")
+        .add(textOrEmpty(diskName))
+        .add(",DM=")
+        .add(textOrEmpty(diskManufacturer))
+        .add(",DC=")
+        .add(diskCapacity)
+        .add("MB,DR=")
+        .add(diskRPM)
+        .add(",DS=")
+        .add(diskInterfaceRate)
+        .add(",AS=")
+        .add(arraySite)
+        .add(",AP=")
+        .add(arraySitePosition)
+        .add(",IT=")
+        .add(textOrEmpty(diskInterfaceType))
+        .add(",ST=")
+        .add(serviceState);
     return writeResource(pKordRec, ddmName, locationCode,
                          {
                              facility(pKordRec),
@@ -836,11 +931,11 @@ int32_t writeHostDescription(const kordRec* pKordRec, const userHostDescr* pFirs
 {
     trace(pKordRec, ">>", " writeHostDescription");
     // Consumers receive this one name without quotation marks.
-    put(pKordRec, {"<Property name=U2 displayName=\"Host Inventory\">\nU2\n<Value type=\"string\">"});
+    put(pKordRec, "<Property name=U2 displayName=\"Host Inventory\">\nU2\n<Value type=\"string\">");
     for (const userHostDescr* entry = pFirst; entry != nullptr; entry = entry->nextp) {
-        put(pKordRec, {entry->description, "=", compose("%d", entry->count).text, ","});
+        put(pKordRec, entry->description, "=", compose("%d", entry->count).text, ",");
     }
-    put(pKordRec, {"</Value>\n</Property>\n"});
+    put(pKordRec, "</Value>\n</Property>\n");
     return 0;
 }
 

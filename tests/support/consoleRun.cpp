@@ -17,6 +17,7 @@ Outcome runOnConsole(const Launch& launch)
 {
     Command command;
     command.folder = launch.folder;
+    command.limit = launch.limit;
     command.arguments = {launch.console, "run", "--facility", launch.facility, "--root", launch.root};
     if (launch.user) command.arguments.insert(command.arguments.end(), {"--user", *launch.user});
     command.arguments.emplace_back("--");

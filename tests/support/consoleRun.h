@@ -2,6 +2,7 @@
 
 #pragma once
 
+#include <chrono>
 #include <filesystem>
 #include <optional>
 #include <string>
@@ -21,6 +22,7 @@ struct Launch {
     std::filesystem::path folder;   ///< the program's working folder
     std::optional<std::string> user;
     std::vector<std::string> program; ///< the program on the console, then its arguments
+    std::chrono::milliseconds limit{60'000};
 };
 
 Outcome runOnConsole(const Launch& launch);

@@ -1,0 +1,85 @@
+// A document as a tree and as JSON.
+
+#include "document/json.h"
+#include "document/tree.h"
+#include "writing.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
+
+namespace
+{
+
+using namespace kordTest;
+using console::document::Lines;
+
+const std::string twoDrives = ofEnclosures(enclosure({.id = "U.AB1", .serial = "AB1", .location = "R-1"},
+                                                     drive("U.AB1", {.slot = "-D1", .serial = "A"}) +
+                                                         drive("U.AB1", {.slot = "-D10", .serial = "LONG"})) +
+                                           resource("Quay", "Q", ""));
+
+TEST(Tree, AlignsWhatStandsTogether)
+{
+    EXPECT_EQ(
+        console::document::tree(parse(twoDrives), Lines::ascii),
+        "SYSTEM-1 of storage facility FACILITY, collected 2026-11-21 13:41:03 UTC\n"
+        "1 storage enclosure, 2 drives, 1 console\n"
+        "|-- Storage Enclosure  U.AB1  S4 IMAGE-1  R1 R-1  TM 1234-5X6  SG AB1\n"
+        "|   `-- Enclosure's MTMS - Partition Id  U.AB1-1\n"
+        "|       |-- OSK Physical Disk Drive  U.AB1-D1   EC J1  SN A     DP DI=D1,DM=Maker,DC=73400MB,ST=0\n"
+        "|       `-- OSK Physical Disk Drive  U.AB1-D10  EC J1  SN LONG  DP DI=D1,DM=Maker,DC=73400MB,ST=0\n"
+        "`-- Quay  Q\n");
+}
+
+TEST(Tree, DrawsLinesWhereTheTerminalHasThem)
+{
+    EXPECT_THAT(console::document::tree(parse(twoDrives), Lines::unicode),
+                testing::HasSubstr("│       └── OSK"));
+}
+
+TEST(Tree, ShowsValuesOnOneLineAndWithoutControlCharacters)
+{
+    const std::string text = console::document::tree(
+        parse(ofPartitions(resource("a\x1b[31m\nb", "P",
+                                    property("NN", "WWNN", std::string(300, 'w')) + hosts("a=1,b=2,")))),
+        Lines::ascii);
+    EXPECT_THAT(
+        text, testing::HasSubstr("`-- a\\x1B[31m\\nb  P  NN " + std::string(97, 'w') + "...  U2 2 hosts\n"));
+}
+
+TEST(Tree, CountsAPartThatTwoPartitionsSeeOnce)
+{
+    const std::string shared = enclosure({.id = "E", .serial = "S", .location = "R-1"}, "");
+    EXPECT_THAT(console::document::tree(parse(ofEnclosures(shared + shared)), Lines::ascii),
+                testing::HasSubstr("\n1 storage enclosure\n"));
+}
+
+TEST(Json, HoldsEveryPartWithItsProperties)
+{
+    const auto json = nlohmann::json::parse(console::document::json(parse(twoDrives)));
+    EXPECT_EQ(json["timestamp"], "1795268463.5");
+    const auto& system = json["system"];
+    EXPECT_EQ(system["kind"], "system");
+    EXPECT_FALSE(system.contains("list"));
+    EXPECT_EQ(
+        system["properties"][0],
+        nlohmann::json::parse(R"({"code": "S3", "label": "Storage Facility MTMS", "value": "FACILITY"})"));
+    const auto& one = system["children"][0]["children"][0]["children"][1];
+    EXPECT_EQ(one["kind"], "drive");
+    EXPECT_EQ(one["list"], "Partition Resources");
+    EXPECT_EQ(one["name"], "OSK Physical Disk Drive");
+    EXPECT_EQ(one["id"], "U.AB1-D10");
+    EXPECT_EQ(one["properties"].size(), 7U);
+    EXPECT_EQ(one["children"], nlohmann::json::array());
+}
+
+TEST(Json, IsJsonWhateverTheValues)
+{
+    const std::string value = "\"\\\n\x01\xFF</script>";
+    const auto json =
+        nlohmann::json::parse(console::document::json(parse(ofSystem(property("PN", "L", value)))));
+    EXPECT_EQ(json["system"]["properties"][1]["value"], "\"\\\n\x01\xEF\xBF\xBD</script>");
+}
+
+} // namespace

@@ -1,0 +1,372 @@
+#include "hostileJudge.h"
+
+#include <algorithm>
+#include <regex>
+#include <set>
+
+#include "documentReader.h"
+#include "hostileValues.h"
+#include "judge.h"
+
+namespace sweep
+{
+
+static void broken(Findings& findings, const std::string& what)
+{
+    findings.push_back({Kind::broken, what});
+}
+
+// ---- canaries ----
+
+const Texts canaryWatch = {"/bin/sh", "-c",
+                           R"("$@"; status=$?
+find . /opt/brisk /opt/tarnquay /var/adm/stockmere /var/tarnquay /var/brisk -mindepth 1 \
+    \( -path './*' -o -name 'canary*' \) -exec echo 'canary:' {} \; >&2
+exit $status)",
+                           "watch"};
+
+void judgeCanary(const Result& result, Findings& findings)
+{
+    for (const std::string& line : kordTest::splitLines(result.outcome.error)) {
+        if (line.starts_with("canary: ")) broken(findings, "a value was run: " + line);
+    }
+}
+
+// ---- end ----
+
+static constexpr const char* built = "XML file was built successfully. This is the normal return.";
+static constexpr const char* failures[] = {
+    "Start VALE session fails.", "Query Partner System fails.", "Check State fails.",
+    "Query Partition fails.",    "Query VALE Id fails.",        "Query VALE Status fails. ",
+    "Query VALE Status fails.",  "Add System Kord fails.",      "Query VALE Partner Status fails.",
+};
+
+void judgePair(const Result& result, Findings& findings)
+{
+    // Failing segment pools print their error, whose message may hold anything, before the line.
+    const Texts lines = kordTest::splitLines(result.outcome.output);
+    const std::string last = lines.empty() ? "" : lines.back();
+    const bool failed = std::ranges::find(failures, last) != std::end(failures);
+    const bool fits = result.outcome.status == 3 ? last == built : failed;
+    const bool more = lines.size() > 1 && !lines.front().starts_with("Orvik.TarnSegmentPool ");
+    if (!fits || more || !result.outcome.output.ends_with('\n')) {
+        broken(findings, "status " + std::to_string(result.outcome.status) + " with \"" +
+                             result.outcome.output.substr(0, 200) + '"');
+    }
+}
+
+// ---- trace ----
+
+void judgeClosing(const Result& result, Findings& findings)
+{
+    const std::string status = result.outcome.status == 3 ? "3" : "-1";
+    const std::string closing = "0010:  exit " + status + " ------------------\n";
+    if (!result.log.ends_with(closing)) broken(findings, "the trace log does not end with " + closing);
+}
+
+/// The event tool's own output goes to the log as well, as it stands.
+static bool eventToolPrints(const Result& result)
+{
+    return std::ranges::any_of(result.facility["faults"], [](const json& rule) {
+        const std::string program = rule.value("program", "");
+        return program == "pmProblemEventPoster" || program == "mmquaycmd";
+    });
+}
+
+void judgeTraceLines(const Result& result, Findings& findings)
+{
+    constexpr size_t longest = 80;
+    if (eventToolPrints(result)) return;
+    for (const std::string& line : kordTest::splitLines(result.log)) {
+        if (line.size() <= longest) continue;
+        return broken(findings, "a trace line of " + std::to_string(line.size()) + " bytes");
+    }
+}
+
+// ---- arguments of programs ----
+
+/// As a journal shows a text: each byte that is no UTF-8 by one replacement character; of a row of them, one.
+static std::string readable(const std::string& text)
+{
+    static const std::regex row("(\ufffd)+");
+    const json shown = json::parse(json(text).dump(-1, ' ', false, json::error_handler_t::replace));
+    return std::regex_replace(shown.get<std::string>(), row, "\ufffd");
+}
+
+/// Cut to a field of that size.
+static std::string cut(const std::string& text, size_t field)
+{
+    return text.substr(0, field - 1);
+}
+
+/// The texts that an attribute of a class has, as far as a field of 30 holds them.
+static std::set<std::string> fieldsOf(const json& facility, const std::string& className,
+                                      const Texts& attributes)
+{
+    std::set<std::string> texts;
+    for (const json& resource : facility["resources"].value(className, json::array())) {
+        for (const std::string& attribute : attributes) {
+            texts.insert(readable(cut(resource.value(attribute, ""), 30)));
+        }
+    }
+    return texts;
+}
+
+/// The messages of the facility's fault rules.
+static std::set<std::string> messagesOf(const json& facility)
+{
+    std::set<std::string> messages;
+    for (const json& rule : facility["faults"]) {
+        for (const char* effect : {"error", "fails"}) {
+            if (rule.contains(effect)) messages.insert(rule[effect].value("message", ""));
+        }
+    }
+    return messages;
+}
+
+static constexpr const char* fixedTexts[] = {
+    "Expected resources were not found",
+    "VALE call resulted in a non zero return value",
+    "Unknown error",
+    "Subsystem is degraded",
+    "Invalid managed system MTMS",
+    "Microcode logic error",
+};
+
+/// The texts that an event of this name can have: a fixed one, or a message without its last byte.
+static std::set<std::string> eventTexts(const json& facility, const std::string& name)
+{
+    constexpr size_t messageField = 500;
+    std::set<std::string> texts;
+    for (const char* text : fixedTexts) {
+        texts.insert(name + " : " + text);
+    }
+    for (const std::string& message : messagesOf(facility)) {
+        if (message.empty()) continue;
+        const std::string taken = cut(message.substr(0, message.size() - 1), messageField);
+        texts.insert(readable(cut(name + " : " + taken + " ", messageField)));
+    }
+    return texts;
+}
+
+/// The event tool's text, without the quotation marks around it. Its beginning is a function, a class or a
+/// partition.
+static bool isEventText(const json& facility, const std::string& text)
+{
+    static const std::regex plain("[A-Za-z0-9._]+");
+    std::set<std::string> names = fieldsOf(facility, "Orvik.TarnStorageFacilityPartition", {"lparName"});
+    names.insert(""); // of a partition in no slot
+    std::smatch match;
+    if (const std::string name = text.substr(0, text.find(" : ")); std::regex_match(name, plain))
+        names.insert(name);
+    return std::ranges::any_of(names, [&](const std::string& name) {
+        return text.starts_with(name + " : ") && eventTexts(facility, name).contains(readable(text));
+    });
+}
+
+static std::string serialOf(const Plan& plan)
+{
+    return plan.arguments.at(1).substr(9, 7);
+}
+
+/// The managed system as the collector knows it, from the MTMS that it was given: type-model, asterisk,
+/// serial.
+static std::string systemOf(const Plan& plan)
+{
+    return plan.arguments.at(1).substr(0, 8) + "*" + serialOf(plan);
+}
+
+static void checkEvent(const Plan& plan, const Result& result, const Texts& arguments, Findings& findings)
+{
+    const std::string log = "/var/tarnquay/log/kord." + serialOf(plan) + ".log";
+    const Texts expected = {"-f", systemOf(plan),
+                            "-l", "Microcode-rs-quay_sff",
+                            "-o", "addTarnKord",
+                            "-s", "",
+                            "-n", "0",
+                            "-h", "no",
+                            "-c", "no",
+                            "-E", log,
+                            "-X", ""};
+    bool exact = arguments.size() == expected.size();
+    for (size_t i = 0; exact && i < expected.size(); ++i) {
+        exact = expected[i].empty() || arguments[i] == expected[i];
+    }
+    if (!exact) return broken(findings, "an event's arguments are " + json(arguments).dump().substr(0, 400));
+    const std::string& text = arguments.back();
+    const bool quoted = text.size() >= 2 && text.starts_with('"') && text.ends_with('"');
+    if (!quoted || !isEventText(result.facility, text.substr(1, text.size() - 2))) {
+        broken(findings, "an event's text is " + json(text).dump().substr(0, 400));
+    }
+}
+
+static void checkState(const Plan& plan, const Result& result, const Texts& arguments, Findings& findings)
+{
+    std::set<std::string> systems =
+        fieldsOf(result.facility, "Orvik.TarnStorageFacility", {"managedSystem0MTMS", "managedSystem1MTMS"});
+    systems.insert({systemOf(plan), ""});
+    const std::string system = arguments.size() > 3 ? arguments[3] : "";
+    if (arguments != Texts{"-r", "sys", "-m", system, "-F", "state"} || !systems.contains(readable(system))) {
+        broken(findings, "a state's arguments are " + json(arguments).dump().substr(0, 400));
+    }
+}
+
+static void checkProgram(const Plan& plan, const Result& result, std::string program, Texts arguments,
+                         Findings& findings)
+{
+    if (program == "/opt/tarnquay/bin/mmquaycmd" && !arguments.empty()) {
+        program = arguments.front();
+        arguments.erase(arguments.begin());
+    }
+    if (program == "/opt/tarnquay/bin/pmProblemEventPoster") {
+        checkEvent(plan, result, arguments, findings);
+    } else if (program == "/opt/brisk/bin/qmstat") {
+        checkState(plan, result, arguments, findings);
+    } else if (program == "/opt/brisk/bin/qconvpd" ? arguments != Texts{"-v"}
+                                                   : program != "whoami" || !arguments.empty()) {
+        broken(findings, program + " was run with " + json(arguments).dump().substr(0, 400));
+    }
+}
+
+void judgeArguments(const Plan& plan, const Result& result, Findings& findings)
+{
+    for (const json& line : result.journal) {
+        if (line.contains("program"))
+            checkProgram(plan, result, line["program"], line["arguments"], findings);
+    }
+}
+
+// ---- document ----
+
+/// The texts of the power parts that the collector itself rids of angle brackets.
+static bool isCleaned(const std::string& className, const std::string& attribute)
+{
+    static const std::map<std::string, std::set<std::string>> cleaned = {
+        {"Orvik.TarnPPS", {"partNumber", "serialNumber", "ecLevel", "flashFirmwareLevel"}},
+        {"Orvik.TarnBattery", {"ecLevel", "partNumber"}},
+        {"Orvik.TarnRPC", {"ecLevel", "partNumber", "serialNumber"}},
+    };
+    const auto found = cleaned.find(className);
+    return found != cleaned.end() && found->second.contains(attribute);
+}
+
+static void replaceTexts(json& value, bool isClean)
+{
+    if (value.is_array()) {
+        for (json& item : value) {
+            replaceTexts(item, isClean);
+        }
+    } else if (value.is_string()) {
+        std::string text = value;
+        if (isClean)
+            std::ranges::replace_if(
+                text, [](char c) { return c == '<' || c == '>'; }, '-');
+        value = withStandIns(text);
+    }
+}
+
+static json standInFacility(json facility)
+{
+    for (auto& [className, resources] : facility["resources"].items()) {
+        for (json& resource : resources) {
+            for (auto& [attribute, value] : resource.items()) {
+                replaceTexts(value, isCleaned(className, attribute));
+            }
+        }
+    }
+    return facility;
+}
+
+/// What was asked and what came of it, without the values.
+static Texts callsOf(const Result& result)
+{
+    Texts calls;
+    for (const json& line : result.journal) {
+        if (!line.contains("result")) continue;
+        calls.push_back(line["vale"].get<std::string>() + " " + line.value("class", "") + " " +
+                        line["result"].dump() + " " + line.value("count", json()).dump());
+    }
+    return calls;
+}
+
+/// In a selection quotation marks end a text and a percent sign stands for any: values with these ask for
+/// something else than their stand-ins do.
+static bool reachSelections(const Result& quiet)
+{
+    static const std::string marks = withStandIns("\"'%");
+    return std::ranges::any_of(quiet.journal, [](const json& line) {
+        const auto selection = line.find("selection");
+        return selection != line.end() && selection->is_string() &&
+               selection->get_ref<const std::string&>().find_first_of(marks) != std::string::npos;
+    });
+}
+
+static bool anyText(const json& value, bool (*holds)(const std::string& text))
+{
+    if (value.is_string()) return holds(value.get_ref<const std::string&>());
+    return value.is_structured() &&
+           std::ranges::any_of(value, [holds](const json& item) { return anyText(item, holds); });
+}
+
+static void judgeShape(const Result& result, Findings& findings)
+{
+    if (!result.document) return;
+    const Texts faults = kordTest::readDocument(*result.document).faults;
+    if (!faults.empty()) broken(findings, "document, " + faults.front().substr(0, 200));
+}
+
+static void compareWithTwin(const Plan& plan, const Result& result, Findings& findings)
+{
+    Plan twin = plan;
+    twin.facility = [&result] { return standInFacility(result.facility); };
+    const Result quiet = runOnce(twin);
+    judgeShape(quiet, findings);
+    if (callsOf(quiet) != callsOf(result)) {
+        if (!reachSelections(quiet)) broken(findings, "characters in values change what is asked");
+    } else if (quiet.document.has_value() != result.document.has_value()) {
+        broken(findings, "characters in values decide whether there is a document");
+    } else if (quiet.document && kordTest::withFixedTimestamp(withoutStandIns(*quiet.document)) !=
+                                     kordTest::withFixedTimestamp(*result.document)) {
+        broken(findings, "the document's values are not raw, or its elements depend on them");
+    }
+}
+
+void judgeElements(const Plan& plan, const Result& result, Findings& findings)
+{
+    const json& resources = result.facility["resources"];
+    if (!anyText(resources, hasMeaning)) {
+        judgeShape(result, findings);
+    } else if (!anyText(resources, hasStandIns)) {
+        compareWithTwin(plan, result, findings);
+    }
+}
+
+// ---- all ----
+
+void judgeHostile(const Plan& plan, const Result& result, Findings& findings)
+{
+    judgeEnd(plan, result, findings);
+    judgeReleases(plan, result, findings);
+    judgeTemporaryFiles(plan, result, findings);
+    judgeFaults(plan, result, findings);
+    judgePair(result, findings);
+    judgeClosing(result, findings);
+    judgeCanary(result, findings);
+    judgeTraceLines(result, findings);
+    judgeArguments(plan, result, findings);
+    judgeElements(plan, result, findings);
+}
+
+void judgeRefused(const Plan&, const Result& result, Findings& findings)
+{
+    judgeCanary(result, findings);
+    if (result.outcome.status != 255 || !result.outcome.output.empty()) {
+        broken(findings, "a refused MTMS ends with status " + std::to_string(result.outcome.status) +
+                             " and \"" + result.outcome.output.substr(0, 200) + '"');
+    }
+    if (!result.journal.empty() || !result.log.empty() || result.document) {
+        broken(findings, "a refused MTMS leaves something");
+    }
+}
+
+} // namespace sweep

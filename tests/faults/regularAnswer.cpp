@@ -1,0 +1,60 @@
+// The collector's queries select by conditions that must all hold: name="text", name=number, name =? 'text%'.
+
+#include "regularAnswer.h"
+
+#include <regex>
+#include <stdexcept>
+
+namespace sweep
+{
+
+struct Condition {
+    std::string name;
+    json value;
+    bool prefix = false; ///< the value is what the attribute begins with
+};
+
+static std::vector<Condition> conditionsOf(const std::string& selection)
+{
+    static const std::regex form(R"re((\w+)\s*(=\?|=)\s*(?:"([^"]*)"|'([^']*)%'|(\d+)))re");
+    std::vector<Condition> conditions;
+    for (std::sregex_iterator at(selection.begin(), selection.end(), form), end; at != end; ++at) {
+        const std::smatch& match = *at;
+        const bool isNumber = match[5].matched;
+        conditions.push_back(
+            {.name = match[1],
+             .value = isNumber ? json(std::stoi(match[5])) : json(match[3].str() + match[4].str()),
+             .prefix = match[2] == "=?"});
+    }
+    return conditions;
+}
+
+static bool holds(const Condition& condition, const json& resource)
+{
+    const auto found = resource.find(condition.name);
+    if (found == resource.end()) return false;
+    return condition.prefix ? found->get<std::string>().starts_with(condition.value.get<std::string>())
+                            : *found == condition.value;
+}
+
+json regularAnswer(const json& facility, const Call& query, const Texts& attributes)
+{
+    const std::vector<Condition> conditions = conditionsOf(query.selection);
+    json answer = json::array();
+    for (const json& resource : facility.at("resources").at(query.className)) {
+        bool selected = true;
+        for (const Condition& condition : conditions) {
+            selected = selected && holds(condition, resource);
+        }
+        if (!selected) continue;
+        json held = json::array();
+        for (const std::string& attribute : attributes) {
+            if (resource.contains(attribute)) held.push_back({attribute, resource[attribute]});
+        }
+        answer.push_back({{"attributes", held}});
+    }
+    if (answer.size() != query.count) throw std::runtime_error("cannot answer " + query.selection);
+    return answer;
+}
+
+} // namespace sweep
