@@ -743,9 +743,12 @@ int32_t querySFImageWWNN(kordRec* pKordRec, const char* storageFacilityImageMTMS
 {
     const Request request = requestOf(imageQuery.selection, storageFacilityImageMTMS, activePeerDomain);
     return runQuery(pKordRec, imageQuery, request, [&](Resources images) {
-        const auto attributes = attributesOf(imageQuery, images[0]);
-        char wwnn[100];
-        copyText(wwnn, attributes.empty() ? "" : textOf(attributes[0]));
+        char wwnn[100] = "";
+        for (const ValeAttribute& attribute : attributesOf(imageQuery, images[0])) {
+            if (!holdsText(imageQuery, attribute)) continue;
+            copyText(wwnn, textOf(attribute));
+            break;
+        }
         writeSFImageWWNN(pKordRec, wwnn);
         return collected;
     });

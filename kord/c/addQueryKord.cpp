@@ -182,6 +182,11 @@ void readItem(const kordRec* pKordRec, const Query& query, const ValeQueryRespon
         readAttribute(pKordRec, query, attributes[i], i, item);
 }
 
+bool holdsText(const Query& query, const ValeAttribute& attribute)
+{
+    return rowOf(query, textOrEmpty(attribute.name), 0) != nullptr || attribute.type == VALE_TEXT;
+}
+
 std::span<const ValeAttribute> attributesOf(const Query& query, const ValeQueryResponse& resource)
 {
     if (resource.attributes == nullptr) return {};

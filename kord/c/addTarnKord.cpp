@@ -456,6 +456,7 @@ int32_t queryPartnerSystem(kordRec* pKordRec)
     const Request request = requestOf(facilityQuery.selection, pKordRec->storageFacilityMTMS);
     return runQuery(pKordRec, facilityQuery, request, [&](Resources facilities) {
         for (const ValeAttribute& attribute : attributesOf(facilityQuery, facilities[0])) {
+            if (!holdsText(facilityQuery, attribute)) continue;
             if (strcmp(textOf(attribute), pKordRec->managedSystemMTMS) == 0) continue;
             copyText(pKordRec->partnerSystemMTMS, textOf(attribute));
             break;

@@ -64,7 +64,7 @@ static bool isEnumeration(const Call& call)
 }
 
 /// A way for a call to go wrong: the fault rule's effect, none where the call cannot go wrong in this way.
-struct Way {
+struct ClientWay {
     std::string name;
     std::function<json(const Recording&, const Recorded&)> effect;
     bool general = false; ///< the effect is the same for every call
@@ -75,13 +75,13 @@ static json failing(int code)
     return {{"fails", {{"code", code}, {"message", "the call failed with " + std::to_string(code) + "\n"}}}};
 }
 
-static Way always(const std::string& name, const json& effect)
+static ClientWay always(const std::string& name, const json& effect)
 {
     return {.name = name, .effect = [effect](const auto&, const auto&) { return effect; }, .general = true};
 }
 
 /// Only calls that have responses can be answered so.
-static Way answered(const std::string& name, const json& effect)
+static ClientWay answered(const std::string& name, const json& effect)
 {
     const auto forResponses = [effect](const Recording&, const Recorded& recorded) {
         return isSession(recorded.call) ? json() : effect;
@@ -89,7 +89,7 @@ static Way answered(const std::string& name, const json& effect)
     return {.name = name, .effect = forResponses, .general = true};
 }
 
-static Way inError(uint32_t number, const std::string& name)
+static ClientWay inError(uint32_t number, const std::string& name)
 {
     return answered("error-" + name, {{"error", {{"number", number}, {"message", "error " + name + "\n"}}}});
 }
@@ -137,7 +137,7 @@ static json oneHandleFewer(const Recording&, const Recorded& recorded)
     return answer({{{"handles", recorded.call.handles - 1}}});
 }
 
-static std::vector<Way> ways()
+static std::vector<ClientWay> ways()
 {
     constexpr size_t all = 1000;
     return {
@@ -182,7 +182,7 @@ static json onwards(size_t number, const json& effect)
 }
 
 /// For each recorded call from the number on the effect of its own.
-static json onwardsEach(const Recording& recording, size_t number, const Way& way)
+static json onwardsEach(const Recording& recording, size_t number, const ClientWay& way)
 {
     json rules = json::array();
     for (size_t i = number - 1; i < recording.calls.size(); ++i) {
@@ -212,7 +212,7 @@ static Plan planOf(const Shared& recording, const std::string& name, std::functi
 }
 
 static void addPlans(std::vector<Plan>& plans, const std::string& prefix, const Shared& recording,
-                     const Way& way)
+                     const ClientWay& way)
 {
     for (size_t number = 1; number <= recording->calls.size(); ++number) {
         const json effect = way.effect(*recording, recording->calls[number - 1]);
@@ -233,7 +233,7 @@ std::vector<Plan> planClient(const Options& options)
     std::vector<Plan> plans;
     for (const std::string facility : {"facility", "small"}) {
         const Shared recording = record(facility + ".json");
-        for (const Way& way : ways()) {
+        for (const ClientWay& way : ways()) {
             addPlans(plans, facility + ".", recording, way);
         }
     }

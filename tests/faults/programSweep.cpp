@@ -62,7 +62,7 @@ static std::vector<Scene> scenes()
 
 // ---- the ways ----
 
-struct Way {
+struct ProgramWay {
     std::string name;
     int status = 0;
     std::string output = {};
@@ -82,7 +82,7 @@ static std::string binary()
     return output + "\u00ff\u0080\U0010ffff" + output + "\n" + output + "\n";
 }
 
-static std::vector<Way> ways(const std::string& usual)
+static std::vector<ProgramWay> ways(const std::string& usual)
 {
     return {
         {.name = "fails", .status = 1},
@@ -113,7 +113,7 @@ static std::string usualOutput(const std::string& program)
 }
 
 /// The rule for the call of this number, or for all calls from it on: those before it are let pass.
-static json rulesOf(const Scene& scene, const Way& way, size_t number, bool once)
+static json rulesOf(const Scene& scene, const ProgramWay& way, size_t number, bool once)
 {
     json rules = json::array();
     json rule = {{"program", scene.program}, {"status", way.status}, {"output", way.output}};
@@ -131,7 +131,7 @@ std::vector<Plan> planProgram(const Options& options)
 {
     std::vector<Plan> plans;
     for (const Scene& scene : scenes()) {
-        for (const Way& way : ways(usualOutput(scene.program))) {
+        for (const ProgramWay& way : ways(usualOutput(scene.program))) {
             for (size_t number = 1; number <= scene.calls; ++number) {
                 for (const bool once : {true, false}) {
                     const std::string name = scene.name + scene.program + "." + way.name +

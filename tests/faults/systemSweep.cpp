@@ -25,14 +25,14 @@ namespace fs = std::filesystem;
 // ---- what fails ----
 
 /// A way in which a kind of call fails: with an error, or as the interposer's word says.
-struct Way {
+struct SystemWay {
     std::string_view call;
     int error = 0;
     const char* word = "";
     bool onward = true; ///< can last
 };
 
-constexpr Way ways[] = {
+constexpr SystemWay ways[] = {
     {.call = "malloc", .error = ENOMEM},
     {.call = "calloc", .error = ENOMEM},
     {.call = "realloc", .error = ENOMEM},
@@ -79,7 +79,7 @@ constexpr Way ways[] = {
 };
 
 /// What a way is called and what the interposer is told.
-static std::string effectOf(const Way& way)
+static std::string effectOf(const SystemWay& way)
 {
     return *way.word != '\0' ? way.word : std::to_string(way.error);
 }
@@ -214,7 +214,7 @@ struct Ground {
 struct Case {
     std::shared_ptr<kordTest::TempFolder> home; ///< of all cases
     std::shared_ptr<const Ground> ground;
-    const Way* way = nullptr;
+    const SystemWay* way = nullptr;
     unsigned long nth = 0;
     bool onward = false;
     std::string name;
@@ -562,7 +562,7 @@ static void addPlan(std::vector<Plan>& plans, const Case& run)
     plans.push_back(std::move(plan));
 }
 
-static void addWay(std::vector<Plan>& plans, Case run, const Way& way, bool isFull)
+static void addWay(std::vector<Plan>& plans, Case run, const SystemWay& way, bool isFull)
 {
     const Setup& setup = *run.ground->setup;
     const auto counted = run.ground->calls.find(std::string(way.call));
@@ -598,7 +598,7 @@ static Texts symbols(const char* option, const fs::path& file)
 }
 
 /// A call of the collector that nobody has thought of would go unswept.
-static void requireKnownCalls()
+[[maybe_unused]] static void requireKnownCalls()
 {
     const Texts interposed = symbols("--defined-only", KORD_INTERPOSER);
     for (const std::string& name : symbols("--undefined-only", collector())) {
@@ -614,13 +614,15 @@ std::vector<Plan> planSystem(const Options& options)
 {
     constexpr size_t fewRuns = 100;
     const bool isFull = options.full || !options.only.empty();
+#ifndef KORD_COVERAGE // what counts the lines makes calls of its own
     requireKnownCalls();
+#endif
     const auto home = std::make_shared<kordTest::TempFolder>();
     std::vector<Plan> plans;
     std::vector<Plan> others;
     for (const Setup& setup : setups) {
         const Case run{.home = home, .ground = groundOf(home, setup), .name = {}};
-        for (const Way& way : ways)
+        for (const SystemWay& way : ways)
             addWay(&setup == std::begin(setups) ? plans : others, run, way, isFull);
     }
     if (!isFull) others = thinned(std::move(others), fewRuns);
