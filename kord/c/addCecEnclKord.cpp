@@ -179,7 +179,7 @@ int32_t queryNVC(kordRec* pKordRec, const char* StorageFacilityImageMTMS, const 
     return runQuery(pKordRec, cardQuery, request, [&](Resources cards) {
         Card card{};
         int32_t openPartResHeader = 0;
-        for (const ValeQueryResponse& resource : cards) {
+        for (const ValeQueryResponse& resource : cards) { // never none
             readItem(pKordRec, cardQuery, resource, &card);
             if (openPartResHeader == 0) {
                 openCecEnclosurePartitionsList(pKordRec);
@@ -191,10 +191,8 @@ int32_t queryNVC(kordRec* pKordRec, const char* StorageFacilityImageMTMS, const 
             writeNVC(pKordRec, card.locationCode_nvc, StorageFacilityImageMTMS_nvc, card.partNumber_nvc,
                      card.serialNumber_nvc, card.ecLevel_nvc);
         }
-        if (openPartResHeader == 1) {
-            closePartitionResourcesList(pKordRec);
-            closeCecEnclosurePartitions(pKordRec);
-        }
+        closePartitionResourcesList(pKordRec);
+        closeCecEnclosurePartitions(pKordRec);
         return collected;
     });
 }

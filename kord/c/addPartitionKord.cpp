@@ -429,13 +429,13 @@ int32_t collectParts(kordRec* pKordRec, const Query& query, const char* storageF
 
     return runQuery(pKordRec, query, request, [&](Resources parts) {
         Item item{};
-        for (const ValeQueryResponse& resource : parts) {
+        for (const ValeQueryResponse& resource : parts) { // never none
             readItem(pKordRec, query, resource, &item);
             if (*listIsOpen == 0) openList(pKordRec);
             *listIsOpen = 1;
             write(item, kordpStorageFacilityImageMTMS);
         }
-        if (*listIsOpen == 1) closeList(pKordRec);
+        closeList(pKordRec);
         return collected;
     });
 }

@@ -119,7 +119,7 @@ Answer<ValeQueryResponse> callQuery(kordRec* pKordRec, const Query& query, const
 
 Answer<ValeEnumerateResponse> callEnumeration(kordRec* pKordRec, const Query& query, const Request& request)
 {
-    if (query.entry != nullptr) trace(pKordRec, "==>", "%s", query.entry);
+    trace(pKordRec, "==>", "%s", query.entry);
     trace(pKordRec, query.selectionTrace.code, query.selectionTrace.format, request.selection);
     Answer<ValeEnumerateResponse> answer;
     answer.rc = vale_enumerate_resources(pKordRec->*query.session, &answer.responses, &answer.count,

@@ -353,19 +353,18 @@ int32_t identifyRun(kordRec* pKordRec, const char* mtms)
     char serial[20];
     char modeltype[20];
     copyText(pKordRec->inputSystemMTMS, mtms);
-    if (get_StorageFacilitySystem_serial(pKordRec->inputSystemMTMS, serial) != 0 || !isUsable(mtms, serial)) {
-        return failure;
-    }
+    get_StorageFacilitySystem_serial(pKordRec->inputSystemMTMS, serial);
+    if (!isUsable(mtms, serial)) return failure;
     copyText(pKordRec->systemSerial, serial);
     formatText(pKordRec->trcfile, "kord.%s.log", serial);
     trace(pKordRec, "SRCV", "%s %s", buildTag, mtms);
     getLoginUserName(pKordRec);
     changeGroup(pKordRec);
 
-    if (get_StorageFacilitySystem_modeltype(pKordRec->inputSystemMTMS, modeltype) != 0 ||
-        *modeltype == '\0') {
+    get_StorageFacilitySystem_modeltype(pKordRec->inputSystemMTMS, modeltype);
+    if (*modeltype == '\0') {
         trace(pKordRec, "0002", " failed to get modeltype %s, exit %d", pKordRec->inputSystemMTMS, failure);
-        return failure;
+        return failure; // no type-model
     }
     formatText(pKordRec->managedSystemMTMS, "%s*%s", modeltype, serial);
     formatText(pKordRec->kordpManagedSystemMTMS, "%s-%s", modeltype, serial);
@@ -562,14 +561,13 @@ int32_t addSystemKord(kordRec* pKordRec)
         return reported;
     }
     openInventory(pKordRec);
-    int32_t rc = openSystem(pKordRec) != 0 ? failed : collected;
-    if (rc != failed) {
-        openEnclosures(pKordRec);
-        for (const Collector collector : enclosures) {
-            if ((rc = collector(pKordRec)) == failed) break;
-        }
-        closeEnclosures(pKordRec);
+    openSystem(pKordRec);
+    openEnclosures(pKordRec);
+    int32_t rc = collected;
+    for (const Collector collector : enclosures) {
+        if ((rc = collector(pKordRec)) == failed) break;
     }
+    closeEnclosures(pKordRec);
     if (rc != failed) {
         openPartitionList(pKordRec);
         rc = addPartitionKord(pKordRec);

@@ -69,6 +69,31 @@ TEST_F(TraceLog, wrapsThreeHundredBytes)
     EXPECT_EQ(lengths, (std::vector<size_t>{79, 80, 80, 80, 3}));
 }
 
+TEST_F(TraceLog, wrapsALineBeyondItsBuffer)
+{
+    const std::string message = messageOf(5000);
+    addTrcKord(name.c_str(), "0050", message.c_str());
+    EXPECT_EQ(unit::readFile(path).substr(unit::stampLength), expectedAfterStamp("0050", message));
+}
+
+TEST_F(TraceLog, leavesNoRoomBesideALongCode)
+{
+    const std::string code(61, 'c');
+    addTrcKord(name.c_str(), code.c_str(), "text");
+    EXPECT_EQ(unit::readFile(path).substr(unit::stampLength), code + ": \ntext\n");
+}
+
+TEST_F(TraceLog, staysWholeWhereNothingCanBeMadeBesideIt)
+{
+    std::filesystem::create_directory(path + "01");
+    std::string lines;
+    while (lines.size() <= 3'000'000)
+        lines += messageOf(199) + "\n";
+    unit::writeFile(path, lines);
+    addTrcKord(name.c_str(), "0001", "text");
+    EXPECT_EQ(unit::readFile(path).substr(0, lines.size()), lines);
+}
+
 TEST_F(TraceLog, stampsWithTheLocalTime)
 {
     addTrcKord(name.c_str(), "0100", "text");

@@ -297,6 +297,24 @@ TEST(Composers, makeNamesAndMTMS)
     EXPECT_STREQ(wide, "12345678901234567890123456781");
 }
 
+TEST(BoundedText, leavesNoFieldAlone)
+{
+    copyText({}, "text");
+    formatText({}, "%s", "text");
+    char before[] = "ab";
+    copyText(std::span(before).first(0), "text");
+    EXPECT_STREQ(before, "ab");
+}
+
+TEST(Quoting, isCutBeforeAPieceThatDoesNotFit)
+{
+    char field[5];
+    quoteText(field, "abc$d", Quotes::doubled);
+    EXPECT_STREQ(field, "abc");
+    quoteText(field, "a'bc", Quotes::single);
+    EXPECT_STREQ(field, "a");
+}
+
 TEST(BoundedText, cutsAtTheField)
 {
     char field[5];

@@ -117,6 +117,17 @@ TEST(RackIdentifiers, areUnsigned)
     EXPECT_NE(bytes.find(property("RK", "Rack Unique ID", "RK", "4294967295")), std::string::npos);
 }
 
+TEST(Values, ofAnyLengthAreWritten)
+{
+    kordRec record = unit::freshRecord();
+    for (const size_t length : {3900U, 4096U, 4097U, 100'000U}) {
+        const std::string level(length, 'v');
+        EXPECT_EQ(unit::written(record, [&](kordRec* run) { writeVRMF(run, level.c_str()); }),
+                  "<Property name=\"LE\" displayName=\"LIC VRMF\">\nLE\n<Value type=\"string\">" + level +
+                      "</Value>\n</Property>\n");
+    }
+}
+
 TEST(Identifiers, areCutAtTheirSize)
 {
     kordRec record = unit::freshRecord();
@@ -196,6 +207,13 @@ TEST_F(Document, followsNoLink)
     std::filesystem::create_symlink("/var/adm/stockmere/VPD/nowhere", path);
     EXPECT_EQ(started(), "new\n");
     EXPECT_FALSE(std::filesystem::exists("/var/adm/stockmere/VPD/nowhere"));
+}
+
+TEST_F(Document, takesThePlaceOfAPipe)
+{
+    ASSERT_EQ(mkfifo(path.c_str(), 0666), 0);
+    EXPECT_EQ(started(), "new\n");
+    EXPECT_TRUE(std::filesystem::is_regular_file(path));
 }
 
 TEST_F(Document, neverRemovesAFolder)
