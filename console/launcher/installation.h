@@ -18,8 +18,8 @@ struct Installation {
 
 Installation findInstallation();
 
-/// The command with its program's place: a bare name means a program of the launcher's own folder, if there is
-/// one of that name.
+/// The command with its program's place: a bare name means a program of the launcher's own folder, if there
+/// is one of that name.
 std::vector<std::string> findProgram(std::vector<std::string> program, const Installation& installation);
 
 } // namespace console::launcher
