@@ -16,7 +16,7 @@ struct Drawer {
 };
 
 constexpr Attribute drawerAttributes[] = {
-    {.name = "locationCode", .field = fieldOf<&Drawer::locationCode_cec>, .kept = true},
+    {.name = "locationCode", .field = fieldOf<&Drawer::locationCode_cec>},
 };
 
 // Consumers of the trace and of events know this query's failure under the I/O drawers' name.

@@ -112,6 +112,23 @@ static std::set<std::string> fieldsOf(const json& facility, const std::string& c
     return texts;
 }
 
+/// The texts that fault rules put into answers about a class, whatever the attribute: a partner is the first
+/// text that is not the managed system.
+static std::set<std::string> answeredTexts(const json& facility, const std::string& className)
+{
+    std::set<std::string> texts;
+    for (const json& rule : facility["faults"]) {
+        if (rule.value("class", "") != className || !rule.contains("answer")) continue;
+        for (const json& response : rule["answer"]) {
+            for (const json& attribute : response.value("attributes", json::array())) {
+                if (attribute[1].is_string())
+                    texts.insert(readable(cut(attribute[1].get<std::string>(), 30)));
+            }
+        }
+    }
+    return texts;
+}
+
 /// The messages of the facility's fault rules.
 static std::set<std::string> messagesOf(const json& facility)
 {
@@ -204,6 +221,7 @@ static void checkState(const Plan& plan, const Result& result, const Texts& argu
 {
     std::set<std::string> systems =
         fieldsOf(result.facility, "Orvik.TarnStorageFacility", {"managedSystem0MTMS", "managedSystem1MTMS"});
+    systems.merge(answeredTexts(result.facility, "Orvik.TarnStorageFacility"));
     systems.insert({systemOf(plan), ""});
     const std::string system = arguments.size() > 3 ? arguments[3] : "";
     if (arguments != Texts{"-r", "sys", "-m", system, "-F", "state"} || !systems.contains(readable(system))) {
