@@ -178,16 +178,12 @@ int32_t queryNVC(kordRec* pKordRec, const char* StorageFacilityImageMTMS, const 
 
     return runQuery(pKordRec, cardQuery, request, [&](Resources cards) {
         Card card{};
-        int32_t openPartResHeader = 0;
-        for (const ValeQueryResponse& resource : cards) { // never none
+        openCecEnclosurePartitionsList(pKordRec);
+        openCecEnclosurePartitions(pKordRec, locationCode_cec, LParID);
+        openPartitionResourcesList(pKordRec);
+        *openCecEnclPartListHeader = 1;
+        for (const ValeQueryResponse& resource : cards) {
             readItem(pKordRec, cardQuery, resource, &card);
-            if (openPartResHeader == 0) {
-                openCecEnclosurePartitionsList(pKordRec);
-                openCecEnclosurePartitions(pKordRec, locationCode_cec, LParID);
-                openPartitionResourcesList(pKordRec);
-                openPartResHeader = 1;
-                *openCecEnclPartListHeader = 1;
-            }
             writeNVC(pKordRec, card.locationCode_nvc, StorageFacilityImageMTMS_nvc, card.partNumber_nvc,
                      card.serialNumber_nvc, card.ecLevel_nvc);
         }

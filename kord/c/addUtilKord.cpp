@@ -144,9 +144,10 @@ int32_t excuteCommand(const kordRec* pKordRec, const char* Cmd, int32_t* xargc, 
     const int error = errno;
 
     if (rc != 0) trace(pKordRec, "0066", "excute cmd rc=%d, errno=%d ", rc, error);
-    const int32_t result = rc == 0 && wanted ? parseOutput(pKordRec, fileName, xargc, xargv) : 1;
+    const bool hasOutput = wanted && rc == 0;
+    const int32_t result = hasOutput ? parseOutput(pKordRec, fileName, xargc, xargv) : 1;
     if (wanted) unlink(fileName);
-    if (rc == 0 && wanted && result != 0) trace(pKordRec, "0067", "parse cmd rc=%d ", result);
+    if (hasOutput && result != 0) trace(pKordRec, "0067", "parse cmd rc=%d ", result);
     return result;
 }
 

@@ -173,7 +173,6 @@ static bool isEventText(const json& facility, const std::string& text)
     static const std::regex plain("[A-Za-z0-9._]+");
     std::set<std::string> names = fieldsOf(facility, "Orvik.TarnStorageFacilityPartition", {"lparName"});
     names.insert(""); // of a partition in no slot
-    std::smatch match;
     if (const std::string name = text.substr(0, text.find(" : ")); std::regex_match(name, plain))
         names.insert(name);
     return std::ranges::any_of(names, [&](const std::string& name) {
@@ -181,36 +180,13 @@ static bool isEventText(const json& facility, const std::string& text)
     });
 }
 
-static std::string serialOf(const Plan& plan)
-{
-    return plan.arguments.at(1).substr(9, 7);
-}
-
-/// The managed system as the collector knows it, from the MTMS that it was given: type-model, asterisk,
-/// serial.
-static std::string systemOf(const Plan& plan)
-{
-    return plan.arguments.at(1).substr(0, 8) + "*" + serialOf(plan);
-}
-
 static void checkEvent(const Plan& plan, const Result& result, const Texts& arguments, Findings& findings)
 {
-    const std::string log = "/var/tarnquay/log/kord." + serialOf(plan) + ".log";
-    const Texts expected = {"-f", systemOf(plan),
-                            "-l", "Microcode-rs-quay_sff",
-                            "-o", "addTarnKord",
-                            "-s", "",
-                            "-n", "0",
-                            "-h", "no",
-                            "-c", "no",
-                            "-E", log,
-                            "-X", ""};
-    bool exact = arguments.size() == expected.size();
-    for (size_t i = 0; exact && i < expected.size(); ++i) {
-        exact = expected[i].empty() || arguments[i] == expected[i];
+    const Event event = eventOf(arguments, plan.arguments.at(1));
+    if (!event.wellFormed) {
+        return broken(findings, "an event's arguments are " + json(arguments).dump().substr(0, 400));
     }
-    if (!exact) return broken(findings, "an event's arguments are " + json(arguments).dump().substr(0, 400));
-    const std::string& text = arguments.back();
+    const std::string& text = event.text;
     const bool quoted = text.size() >= 2 && text.starts_with('"') && text.ends_with('"');
     if (!quoted || !isEventText(result.facility, text.substr(1, text.size() - 2))) {
         broken(findings, "an event's text is " + json(text).dump().substr(0, 400));
@@ -222,7 +198,7 @@ static void checkState(const Plan& plan, const Result& result, const Texts& argu
     std::set<std::string> systems =
         fieldsOf(result.facility, "Orvik.TarnStorageFacility", {"managedSystem0MTMS", "managedSystem1MTMS"});
     systems.merge(answeredTexts(result.facility, "Orvik.TarnStorageFacility"));
-    systems.insert({systemOf(plan), ""});
+    systems.insert({systemOf(plan.arguments.at(1)), ""});
     const std::string system = arguments.size() > 3 ? arguments[3] : "";
     if (arguments != Texts{"-r", "sys", "-m", system, "-F", "state"} || !systems.contains(readable(system))) {
         broken(findings, "a state's arguments are " + json(arguments).dump().substr(0, 400));

@@ -186,19 +186,12 @@ static bool isEventText(const std::string& text, const std::string& code, const 
            std::find(messages.begin(), messages.end(), said) != messages.end();
 }
 
-static std::string systemOf(const std::string& mtms)
+std::string systemOf(const std::string& mtms)
 {
     return mtms.substr(0, 8) + "*" + (mtms.size() > 9 ? mtms.substr(9, 7) : "");
 }
 
-/// The event's text and code, taken out of a command that is otherwise the known one.
-struct Event {
-    std::string code;
-    std::string text;
-    bool wellFormed = false;
-};
-
-static Event eventOf(const Texts& arguments, const std::string& mtms)
+Event eventOf(const Texts& arguments, const std::string& mtms)
 {
     constexpr size_t codeAt = 7;
     constexpr size_t textAt = 17;

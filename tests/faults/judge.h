@@ -39,6 +39,20 @@ void judgeTemporaryFiles(const Plan& plan, const Result& result, Findings& findi
 /// Every fault rule that must be met was met: otherwise the run proves nothing.
 void judgeFaults(const Plan& plan, const Result& result, Findings& findings);
 
+/// The managed system as the collector knows it, from the MTMS that it was given: type-model, asterisk,
+/// serial.
+std::string systemOf(const std::string& mtms);
+
+/// An event's text and code, taken out of a command that is otherwise the known one.
+struct Event {
+    std::string code;
+    std::string text;
+    bool wellFormed = false;
+};
+
+/// The event that the event tool's arguments file in a run for this MTMS.
+Event eventOf(const Texts& arguments, const std::string& mtms);
+
 /// Two runs of one plan: the same bytes of everything, times aside.
 void judgeRepetition(const Result& first, const Result& second, Findings& findings);
 
