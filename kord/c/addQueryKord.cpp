@@ -71,7 +71,7 @@ Request requestOf(const char* selection, ...)
     Request request;
     va_list arguments;
     va_start(arguments, selection);
-    vsnprintf(request.selection, sizeof request.selection, selection, arguments);
+    formatArguments(request.selection, selection, arguments);
     va_end(arguments);
     return request;
 }

@@ -296,8 +296,8 @@ void readAttribute(const kordRec* pKordRec, const Query& query, const ValeAttrib
 /// Clears the item and reads a resource into it.
 void readItem(const kordRec* pKordRec, const Query& query, const ValeQueryResponse& resource, void* item);
 
-/// Whether the value may be read as a text where a collector takes attributes as they come: it was asked for, or
-/// the client says that it is one.
+/// Whether the value may be read as a text where a collector takes attributes as they come: it was asked for,
+/// or the client says that it is one.
 bool holdsText(const Query& query, const ValeAttribute& attribute);
 
 /// The attributes of a resource, as many as its query's walk looks at.

@@ -2,17 +2,33 @@
 
 #include <algorithm>
 #include <charconv>
-#include <cstdarg>
 #include <cstdio>
 #include <cstring>
+#include <string_view>
 
 namespace
 {
 
-[[gnu::format(printf, 2, 0)]] void formatInto(std::span<char> field, const char* format, va_list arguments)
-{
-    if (!field.empty()) vsnprintf(field.data(), field.size(), format, arguments);
-}
+/// What is left of a field that a text is put into piece by piece; one byte stays for the end.
+struct Room {
+    char* at;
+    char* last;
+
+    void add(std::string_view piece)
+    {
+        const size_t length = std::min(piece.size(), static_cast<size_t>(last - at));
+        memcpy(at, piece.data(), length);
+        at += length;
+    }
+
+    template <typename Number>
+    void addNumber(Number number)
+    {
+        char decimal[12];
+        const char* end = std::to_chars(decimal, decimal + sizeof decimal, number).ptr;
+        add({decimal, static_cast<size_t>(end - decimal)});
+    }
+};
 
 /// What the shell needs in place of one character between quotes.
 std::string_view quoted(const char& character, Quotes quotes)
@@ -37,48 +53,58 @@ std::string_view quoted(const char& character, Quotes quotes)
 
 void copyText(std::span<char> field, const char* text)
 {
-    copyText(field, text, field.size());
+    if (field.empty()) return;
+    text = textOrEmpty(text);
+    const size_t length = strnlen(text, field.size() - 1);
+    memmove(field.data(), text, length);
+    field[length] = '\0';
 }
 
 void copyText(std::span<char> field, const char* text, size_t length)
 {
-    if (field.empty()) return;
-    text = textOrEmpty(text);
-    length = std::min({length, strnlen(text, length), field.size() - 1});
-    memmove(field.data(), text, length);
-    field[length] = '\0';
+    copyText(length < field.size() ? field.first(length + 1) : field, text);
 }
 
 void formatText(std::span<char> field, const char* format, ...)
 {
     va_list arguments;
     va_start(arguments, format);
-    formatInto(field, format, arguments);
+    formatArguments(field, format, arguments);
     va_end(arguments);
+}
+
+void formatArguments(std::span<char> field, const char* format, va_list arguments)
+{
+    if (field.empty()) return;
+    // Nearly every format is made of these few; from the first other conversion on the library prints.
+    Room room{field.data(), field.data() + field.size() - 1};
+    for (const char* next; *(next = strchrnul(format, '%')) != '\0'; format = next + 2) {
+        room.add({format, next});
+        switch (next[1]) {
+        case 's':
+            room.add(textOrEmpty(va_arg(arguments, const char*)));
+            break;
+        case 'd':
+            room.addNumber(va_arg(arguments, int));
+            break;
+        case 'u':
+            room.addNumber(va_arg(arguments, unsigned));
+            break;
+        default:
+            vsnprintf(room.at, static_cast<size_t>(room.last - room.at) + 1, next, arguments);
+            return;
+        }
+    }
+    room.add(format);
+    *room.at = '\0';
 }
 
 void appendText(std::span<char> field, const char* format, ...)
 {
     va_list arguments;
     va_start(arguments, format);
-    formatInto(field.subspan(strnlen(field.data(), field.size())), format, arguments);
+    formatArguments(field.subspan(strnlen(field.data(), field.size())), format, arguments);
     va_end(arguments);
-}
-
-TextPieces& TextPieces::add(std::string_view piece)
-{
-    const size_t length = std::min(piece.size(), field.size() - used - 1);
-    memcpy(field.data() + used, piece.data(), length);
-    used += length;
-    field[used] = '\0';
-    return *this;
-}
-
-TextPieces& TextPieces::add(int32_t number)
-{
-    char decimal[12];
-    const char* end = std::to_chars(decimal, decimal + sizeof decimal, number).ptr;
-    return add(std::string_view(decimal, static_cast<size_t>(end - decimal)));
 }
 
 void quoteText(std::span<char> field, const char* text, Quotes quotes)

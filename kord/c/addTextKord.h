@@ -3,9 +3,8 @@
 
 #pragma once
 
-#include <cstdint>
+#include <cstdarg>
 #include <span>
-#include <string_view>
 
 inline const char* textOrEmpty(const char* text)
 {
@@ -21,18 +20,12 @@ void copyText(std::span<char> field, const char* text, size_t length);
 /// Formatted printing into the field. The arguments may lie outside the field only.
 [[gnu::format(printf, 2, 3)]] void formatText(std::span<char> field, const char* format, ...);
 
+/// The same with a caller's own arguments.
+[[gnu::format(printf, 2, 0)]] void formatArguments(std::span<char> field, const char* format,
+                                                   va_list arguments);
+
 /// Formatted printing behind what the field holds.
 [[gnu::format(printf, 2, 3)]] void appendText(std::span<char> field, const char* format, ...);
-
-/// Puts a text together in a field, piece by piece, where this is done too often for formatted printing. Cuts
-/// and terminates like the others.
-struct TextPieces {
-    std::span<char> field;
-    size_t used = 0;
-
-    TextPieces& add(std::string_view piece);
-    TextPieces& add(int32_t number);
-};
 
 /// Where a value stands in a shell command.
 enum class Quotes { doubled, single };

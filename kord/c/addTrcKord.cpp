@@ -32,7 +32,7 @@ struct Path {
 Path logPath(const char* fileName)
 {
     Path path;
-    TextPieces{path.text}.add(traceFolder).add("/").add(*fileName != '\0' ? fileName : "addTrcKord.log");
+    formatText(path.text, "%s/%s", traceFolder, *fileName != '\0' ? fileName : "addTrcKord.log");
     return path;
 }
 
@@ -65,7 +65,7 @@ struct LineBuffer {
         while (!text.empty()) {
             if (used == sizeof bytes) flush();
             const size_t part = std::min(text.size(), sizeof bytes - used);
-            memcpy(bytes + used, text.data(), part);
+            memmove(bytes + used, text.data(), part); // a bounded memcpy is made in place, slowly
             used += part;
             text.remove_prefix(part);
         }
@@ -86,7 +86,7 @@ struct Stamp {
 
 std::string_view stampNow()
 {
-    static thread_local Stamp last;
+    static Stamp last;
     const time_t now = time(nullptr);
     if (now != last.second) {
         tm local{};
@@ -203,16 +203,16 @@ int32_t addTrcKord(const char* fileName, const char* code, const char* message)
 
     // Only what is needed is asked for: a file whose times were looked at pays for exact ones at its next
     // write.
-    struct statx status {
-    };
+    struct statx status;
     constexpr unsigned wanted = STATX_TYPE | STATX_MODE | STATX_SIZE;
-    if (statx(log, "", AT_EMPTY_PATH, wanted, &status) == 0 && S_ISREG(status.stx_mode)) {
+    const bool known = statx(log, "", AT_EMPTY_PATH, wanted, &status) == 0;
+    if (known && S_ISREG(status.stx_mode)) {
         writeLine(log, textOrEmpty(code), textOrEmpty(message));
         if ((status.stx_mode & 07777) != logMode) fchmod(log, logMode);
     }
     close(log);
 
-    const off_t size = static_cast<off_t>(status.stx_size);
+    const off_t size = known ? static_cast<off_t>(status.stx_size) : 0;
     if (size > removeAbove)
         removeLog(logFile);
     else if (size > cutAbove)
@@ -225,10 +225,7 @@ void trace(const kordRec* pKordRec, const char* code, const char* format, ...)
     char text[traceTextSize];
     va_list arguments;
     va_start(arguments, format);
-    if (strcmp(format, "%s") == 0) // most lines are a text as it stands
-        copyText(text, va_arg(arguments, const char*));
-    else
-        vsnprintf(text, sizeof text, format, arguments);
+    formatArguments(text, format, arguments);
     va_end(arguments);
     addTrcKord(pKordRec->trcfile, code, text);
 }

@@ -94,19 +94,19 @@ constexpr Label logicalSpace = label({.code = "LS", .text = "Logical Space Chara
 
 struct Property {
     std::string_view start;
-    const char* value;
+    std::string_view value;
 };
 using Properties = std::initializer_list<Property>;
 
 Property normal(const Label& label, const char* value)
 {
-    return {label.normal, value};
+    return {label.normal, textOrEmpty(value)};
 }
 
 /// Name and display name change places; consumers of these cards expect them so.
 Property reversed(const Label& label, const char* value)
 {
-    return {label.reversed, value};
+    return {label.reversed, textOrEmpty(value)};
 }
 
 Property facility(const kordRec* pKordRec)
@@ -136,7 +136,7 @@ struct Element {
     {
         if (piece.size() > sizeof bytes - used) flush();
         if (piece.size() > sizeof bytes) return write(piece);
-        memcpy(bytes + used, piece.data(), piece.size());
+        memmove(bytes + used, piece.data(), piece.size()); // a bounded memcpy is made in place, slowly
         used += piece.size();
     }
     void add(const char* text) { add(std::string_view(textOrEmpty(text))); }
@@ -236,7 +236,7 @@ struct Composed {
     Composed composed;
     va_list arguments;
     va_start(arguments, format);
-    vsnprintf(composed.text, sizeof composed.text, format, arguments);
+    formatArguments(composed.text, format, arguments);
     va_end(arguments);
     return composed;
 }
@@ -244,18 +244,14 @@ struct Composed {
 /// A partition within an enclosure or a system.
 Composed partitionOf(const char* owner, const char* lparId)
 {
-    Composed composed;
-    TextPieces{composed.text}.add(textOrEmpty(owner)).add("-").add(textOrEmpty(lparId));
-    return composed;
+    return compose("%s-%s", owner, lparId);
 }
 
 /// A numbered part of an image's storage configuration: "S" array site, "A" array, "R" rank, "P" segment
 /// pool.
-Composed partOf(const char* image, char kind, int32_t number)
+Composed partOf(const char* image, const char* kind, int32_t number)
 {
-    Composed composed;
-    TextPieces{composed.text}.add(textOrEmpty(image)).add("/").add({&kind, 1}).add(number);
-    return composed;
+    return compose("%s/%s%d", image, kind, number);
 }
 
 /// The R2 value: a rack text without its first character, at most three characters.
@@ -605,25 +601,9 @@ int32_t writeDDM(const kordRec* pKordRec, const char* locationCode, const char* 
                  int32_t arraySitePosition, const char* diskInterfaceType, int32_t serviceState)
 {
     char space[500];
-    TextPieces{space}
-        .add("DI=")
-        .add(textOrEmpty(diskName))
-        .add(",DM=")
-        .add(textOrEmpty(diskManufacturer))
-        .add(",DC=")
-        .add(diskCapacity)
-        .add("MB,DR=")
-        .add(diskRPM)
-        .add(",DS=")
-        .add(diskInterfaceRate)
-        .add(",AS=")
-        .add(arraySite)
-        .add(",AP=")
-        .add(arraySitePosition)
-        .add(",IT=")
-        .add(textOrEmpty(diskInterfaceType))
-        .add(",ST=")
-        .add(serviceState);
+    formatText(space, "DI=%s,DM=%s,DC=%dMB,DR=%d,DS=%d,AS=%d,AP=%d,IT=%s,ST=%d", diskName, diskManufacturer,
+               diskCapacity, diskRPM, diskInterfaceRate, arraySite, arraySitePosition, diskInterfaceType,
+               serviceState);
     return writeResource(pKordRec, ddmName, locationCode,
                          {
                              facility(pKordRec),
@@ -1005,7 +985,7 @@ int32_t closeSegmentPoolResourceList(const kordRec* pKordRec)
 int32_t openArraySite(const kordRec* pKordRec, int32_t arraySite, const char* kordpStorageFacilityImageMTMS)
 {
     return openResource(pKordRec, " openArraySite resource", arraySiteName,
-                        partOf(kordpStorageFacilityImageMTMS, 'S', arraySite).text);
+                        partOf(kordpStorageFacilityImageMTMS, "S", arraySite).text);
 }
 
 int32_t closeArraySite(const kordRec* pKordRec)
@@ -1017,7 +997,7 @@ int32_t writeArraySite(const kordRec* pKordRec, int32_t arraySite, const char* k
                        int32_t array, int32_t arrayPostition, int32_t daPair, int32_t diskCapacity,
                        int32_t diskRPM, const char* lparId)
 {
-    const Composed id = partOf(kordpStorageFacilityImageMTMS, 'S', arraySite);
+    const Composed id = partOf(kordpStorageFacilityImageMTMS, "S", arraySite);
     const Composed space =
         compose("AP=%d,DP=%d,DC=%dMB,DR=%d", arrayPostition, daPair, diskCapacity, diskRPM);
     return writeResource(
@@ -1025,7 +1005,7 @@ int32_t writeArraySite(const kordRec* pKordRec, int32_t arraySite, const char* k
         {
             facility(pKordRec),
             normal(imageMTMS, kordpStorageFacilityImageMTMS),
-            normal(arrayBelow, partOf(kordpStorageFacilityImageMTMS, 'A', array).text),
+            normal(arrayBelow, partOf(kordpStorageFacilityImageMTMS, "A", array).text),
             normal(partitionIdentifier, partitionOf(pKordRec->kordpManagedSystemMTMS, lparId).text),
             normal(logicalSpace, space.text),
             normal(systemVPD, arraySiteName),
@@ -1037,7 +1017,7 @@ int32_t openArray(const kordRec* pKordRec, int32_t arraySites, const char* kordp
 {
     trace(pKordRec, "0703", " arraySites = %d, %s", arraySites, kordpStorageFacilityImageMTMS);
     return openResource(pKordRec, " openArray resource", arrayName,
-                        partOf(kordpStorageFacilityImageMTMS, 'A', arraySites).text);
+                        partOf(kordpStorageFacilityImageMTMS, "A", arraySites).text);
 }
 
 int32_t closeArray(const kordRec* pKordRec)
@@ -1059,7 +1039,7 @@ int32_t writeArray(const kordRec* pKordRec, const char* arraySites, const char* 
         {
             facility(pKordRec),
             normal(imageMTMS, kordpStorageFacilityImageMTMS),
-            normal(rankBelow, partOf(kordpStorageFacilityImageMTMS, 'R', rank).text),
+            normal(rankBelow, partOf(kordpStorageFacilityImageMTMS, "R", rank).text),
             normal(partitionIdentifier, partitionOf(pKordRec->kordpManagedSystemMTMS, lparId).text),
             normal(logicalSpace, space.text),
             normal(systemVPD, arrayName),
@@ -1070,7 +1050,7 @@ int32_t writeArray(const kordRec* pKordRec, const char* arraySites, const char* 
 int32_t openRank(const kordRec* pKordRec, int32_t rank, const char* kordpStorageFacilityImageMTMS)
 {
     return openResource(pKordRec, " openRank", rankName,
-                        partOf(kordpStorageFacilityImageMTMS, 'R', rank).text);
+                        partOf(kordpStorageFacilityImageMTMS, "R", rank).text);
 }
 
 int32_t closeRank(const kordRec* pKordRec)
@@ -1082,7 +1062,7 @@ int32_t writeRank(const kordRec* pKordRec, int32_t rank, const char* kordpStorag
                   int32_t segmentPool, const char* serialNumber, int32_t segmentType, int32_t numberSegments,
                   int32_t rankGroup, const char* lparId)
 {
-    const Composed id = partOf(kordpStorageFacilityImageMTMS, 'R', rank);
+    const Composed id = partOf(kordpStorageFacilityImageMTMS, "R", rank);
     const Composed space =
         compose("RN=%s,ET=%d,ES=%d,RG=%d", serialNumber, segmentType, numberSegments, rankGroup);
     return writeResource(
@@ -1090,7 +1070,7 @@ int32_t writeRank(const kordRec* pKordRec, int32_t rank, const char* kordpStorag
         {
             facility(pKordRec),
             normal(imageMTMS, kordpStorageFacilityImageMTMS),
-            normal(segmentPoolBelow, partOf(kordpStorageFacilityImageMTMS, 'P', segmentPool).text),
+            normal(segmentPoolBelow, partOf(kordpStorageFacilityImageMTMS, "P", segmentPool).text),
             normal(partitionIdentifier, partitionOf(pKordRec->kordpManagedSystemMTMS, lparId).text),
             normal(logicalSpace, space.text),
             normal(systemVPD, rankName),
@@ -1102,7 +1082,7 @@ int32_t openSegmentPool(const kordRec* pKordRec, int32_t segmentPool,
                         const char* kordpStorageFacilityImageMTMS)
 {
     return openResource(pKordRec, " openSegmentPool", segmentPoolName,
-                        partOf(kordpStorageFacilityImageMTMS, 'P', segmentPool).text);
+                        partOf(kordpStorageFacilityImageMTMS, "P", segmentPool).text);
 }
 
 int32_t closeSegmentPool(const kordRec* pKordRec)
@@ -1115,7 +1095,7 @@ int32_t writeSegmentPool(const kordRec* pKordRec, int32_t segmentPool,
                          int32_t numberSegments, int32_t segmentLimit, int32_t numbervirtualSegments,
                          int32_t virtualSegmentLimit, int32_t rankGroup, const char* lparId)
 {
-    const Composed id = partOf(kordpStorageFacilityImageMTMS, 'P', segmentPool);
+    const Composed id = partOf(kordpStorageFacilityImageMTMS, "P", segmentPool);
     const Composed space = compose("ET=%d,ES=%d,EL=%d,VE=%d,VL=%d,RG=%d", segmentType, numberSegments,
                                    segmentLimit, numbervirtualSegments, virtualSegmentLimit, rankGroup);
     return writeResource(

@@ -2,6 +2,8 @@
 
 #include "unit.h"
 
+#include <climits>
+#include <cstdio>
 #include <gtest/gtest.h>
 #include <linux/capability.h>
 #include <sys/syscall.h>
@@ -327,6 +329,37 @@ TEST(BoundedText, cutsAtTheField)
     formatText(field, "%s", "ab");
     appendText(field, "%s", "cdef");
     EXPECT_STREQ(field, "abcd");
+}
+
+TEST(BoundedText, formatsLikeTheLibrary)
+{
+    const auto expectSame = []<typename... Values>(const char* format, Values... values) {
+        for (const size_t size : {1, 2, 7, 16, 100}) {
+            SCOPED_TRACE(testing::Message() << format << " into " << size);
+            char own[100];
+            char library[100];
+            formatText(std::span(own).first(size), format, values...);
+            snprintf(library, size, format, values...);
+            EXPECT_STREQ(own, library);
+        }
+    };
+    expectSame("");
+    expectSame("no conversion");
+    expectSame("%s", "");
+    expectSame("%s and %s", "one", "another");
+    expectSame("%d,%d,%d,%d", 0, -1, INT_MAX, INT_MIN);
+    expectSame("%u %u", 0U, UINT_MAX);
+    expectSame("at =? '%s%%' ", "U9999.D10");
+    expectSame("%s %5.2s|%c|%03d %s", "text", "cut", 'x', 7, "after it");
+    expectSame("%lld.%ld", 1LL << 40, -1L);
+}
+
+TEST(BoundedText, takesANullTextForAnEmptyOne)
+{
+    const char* volatile none = nullptr; // the compiler is not to see it
+    char field[20];
+    formatText(field, "<%s>", none);
+    EXPECT_STREQ(field, "<>");
 }
 
 TEST(Quoting, reachesTheShellAsTheValue)
