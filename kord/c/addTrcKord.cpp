@@ -29,11 +29,14 @@ struct Path {
     char text[400];
 };
 
-Path logPath(const char* fileName)
+/// Where the log lies. Nearly every line goes to the same log as the one before, and shares its path.
+const Path& logPath(const char* fileName)
 {
-    Path path;
-    formatText(path.text, "%s/%s", traceFolder, *fileName != '\0' ? fileName : "addTrcKord.log");
-    return path;
+    static Path last;
+    constexpr size_t folderLength = std::string_view(traceFolder).size() + 1;
+    const char* name = *fileName != '\0' ? fileName : "addTrcKord.log";
+    if (strcmp(last.text + folderLength, name) != 0) formatText(last.text, "%s/%s", traceFolder, name);
+    return last;
 }
 
 /// One of the two pieces that a cut splits a log into: "00" the lines it drops, "01" those it keeps.
@@ -197,7 +200,7 @@ void removeLog(const Path& logFile)
 
 int32_t addTrcKord(const char* fileName, const char* code, const char* message)
 {
-    const Path logFile = logPath(textOrEmpty(fileName));
+    const Path& logFile = logPath(textOrEmpty(fileName));
     const int log = openLog(logFile.text);
     if (log < 0) return 0;
 
