@@ -9,7 +9,7 @@
 namespace console::recorder
 {
 
-struct Call {
+struct Call { // NOLINT(bugprone-exception-escape): moving JSON does not throw
     /// What a rule has to say to match it: call, scope, class and selection, or the program's bare name.
     nlohmann::json matcher;
     /// What a rule has to say to answer it: "answer", "fails", or "status" and "output". Empty: a call on

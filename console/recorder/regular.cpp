@@ -39,6 +39,7 @@ json queryAnswer(const image::Image& image, const std::vector<uint32_t>& found,
                  const std::vector<std::string>& names)
 {
     std::vector<image::AttributeFinder> finders;
+    finders.reserve(names.size());
     for (const std::string& name : names)
         finders.push_back({.name = name});
     json answer = json::array();

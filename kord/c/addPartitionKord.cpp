@@ -349,14 +349,12 @@ void countPort(const kordRec* pKordRec, userHostDescr* record)
 /// Where a list's records are found by their descriptions, so that a port costs the same however many
 /// descriptions there are. Without memory for it there are no slots, and the list itself is searched.
 struct DescrIndex {
-    userHostDescr** slots;
     size_t size; ///< a power of two, at least twice the number of ports
+    userHostDescr** slots;
 
     explicit DescrIndex(size_t ports)
-        : slots(static_cast<userHostDescr**>(malloc(std::bit_ceil(2 * ports) * sizeof *slots))),
-          size(std::bit_ceil(2 * ports))
+        : size(std::bit_ceil(2 * ports)), slots(static_cast<userHostDescr**>(calloc(size, sizeof(void*))))
     {
-        if (slots != nullptr) std::fill_n(slots, size, nullptr);
     }
     ~DescrIndex() { free(static_cast<void*>(slots)); }
     DescrIndex(const DescrIndex&) = delete;
