@@ -353,8 +353,9 @@ struct DescrIndex {
     userHostDescr** slots;
 
     explicit DescrIndex(size_t ports)
-        : size(std::bit_ceil(2 * ports)), slots(static_cast<userHostDescr**>(calloc(size, sizeof(void*))))
+        : size(std::bit_ceil(2 * ports)), slots(static_cast<userHostDescr**>(malloc(size * sizeof(void*))))
     {
+        if (slots != nullptr) std::fill_n(slots, size, nullptr);
     }
     ~DescrIndex() { free(static_cast<void*>(slots)); }
     DescrIndex(const DescrIndex&) = delete;
