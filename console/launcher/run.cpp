@@ -52,6 +52,7 @@ Failure noWay(const std::string& reason)
 
 int run(const RunOptions& options)
 {
+    const bool isWithinRun = std::getenv(image::rootVariable) != nullptr;
     refuseCovered(options.root);
     const Installation installation = findInstallation();
     const fs::path root = layOut(options.root, installation);
@@ -61,6 +62,8 @@ int run(const RunOptions& options)
 
     const std::string refusal = enterNamespace();
     if (!refusal.empty() && geteuid() != 0) throw noWay(refusal);
+    // It would wait for the very run that waits for it.
+    if (!refusal.empty() && isWithinRun) throw Failure("without namespaces there is no run within a run");
     std::optional<MachineLock> lock;
     std::optional<Links> links;
     if (refusal.empty()) {

@@ -352,8 +352,7 @@ protected:
 
     void SetUp() override
     {
-        if (inOwnNamespace("true").status != 0)
-            GTEST_SKIP() << "this machine gives no namespace to try it in";
+        if (!kordTest::hasNamespaces()) GTEST_SKIP() << "this machine gives no namespace to try it in";
     }
     [[nodiscard]] Outcome inOwnNamespace(const std::string& script) const
     {
@@ -414,6 +413,13 @@ TEST_F(LauncherWithoutNamespaces, RunsOneAtATime)
     const Outcome outcome =
         inOwnNamespace(runText() + program + " & p=$!; " + other + "; echo $?; wait $p; echo $?; " + listing);
     EXPECT_EQ(outcome.output, "0\n0\n") << outcome.error;
+}
+
+TEST_F(LauncherWithoutNamespaces, RefusesARunWithinARun)
+{
+    write(temporary.path() / "inner",
+          quote(console) + " run --facility " + quote(facility) + " --root inside -- true");
+    expectRefusal(inOwnNamespace("timeout 20 " + runText() + "/bin/sh ./inner"), "within a run");
 }
 
 TEST_F(Launcher, NeedsRootWhereThereAreNoNamespaces)

@@ -105,4 +105,11 @@ Outcome runProcess(const Command& command)
     return outcome;
 }
 
+bool hasNamespaces()
+{
+    if (std::getenv("KORD_CONSOLE_NO_NAMESPACES") != nullptr) return false;
+    const char* option = geteuid() == 0 ? "-m" : "-Urm";
+    return runProcess({.arguments = {"/usr/bin/unshare", option, "true"}, .folder = "/"}).status == 0;
+}
+
 } // namespace kordTest

@@ -27,4 +27,7 @@ struct Outcome {
 /// killed with all that it started.
 Outcome runProcess(const Command& command);
 
+/// Whether runs on the console get a mount namespace of their own here.
+bool hasNamespaces();
+
 } // namespace kordTest
