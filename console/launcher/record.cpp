@@ -157,6 +157,8 @@ void verify(const Workshop& workshop, const Installation& installation, const Re
     }
     const Tape before = comparable(recorded);
     const Tape after = comparable(readTape(tape));
+    if (after.empty())
+        throw Failure("the replay of " + options.output + " made no call: see kord-console run");
     const auto difference = std::ranges::mismatch(before, after);
     if (difference.in1 == before.end() && difference.in2 == after.end()) return;
     const json& line = difference.in1 == before.end() ? *difference.in2 : *difference.in1;
