@@ -238,12 +238,8 @@ std::vector<Plan> planClient(const Options& options)
         }
     }
     constexpr size_t share = 150;
-    const bool all = options.full || !options.only.empty();
-    if (!all) plans = thinned(std::move(plans), share);
-    for (size_t i = 0; i < plans.size(); ++i) {
-        plans[i].twice = all || i % 8 == 0;
-    }
-    return plans;
+    constexpr size_t repeated = 8;
+    return selected(std::move(plans), options, share, repeated);
 }
 
 } // namespace sweep

@@ -142,12 +142,8 @@ std::vector<Plan> planProgram(const Options& options)
         }
     }
     constexpr size_t share = 75;
-    const bool all = options.full || !options.only.empty();
-    if (!all) plans = thinned(std::move(plans), share);
-    for (size_t i = 0; i < plans.size(); ++i) {
-        plans[i].twice = all || i % 4 == 0;
-    }
-    return plans;
+    constexpr size_t repeated = 4;
+    return selected(std::move(plans), options, share, repeated);
 }
 
 } // namespace sweep

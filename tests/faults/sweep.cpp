@@ -190,6 +190,16 @@ std::vector<Plan> thinned(std::vector<Plan> plans, size_t count)
     return kept;
 }
 
+std::vector<Plan> selected(std::vector<Plan> plans, const Options& options, size_t share, size_t repeated)
+{
+    const bool all = options.full || !options.only.empty();
+    if (!all) plans = thinned(std::move(plans), share);
+    for (size_t i = 0; i < plans.size(); ++i) {
+        plans[i].twice = all || i % repeated == 0;
+    }
+    return plans;
+}
+
 // ---- the table ----
 
 static size_t foundIn(const Tally& tally, Kind kind)

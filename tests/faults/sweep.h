@@ -103,6 +103,9 @@ struct Tally {
 /// Keeps about `count` of the plans, spread evenly: the same ones each time.
 std::vector<Plan> thinned(std::vector<Plan> plans, size_t count);
 
+/// In full all plans, each run twice; else about `share` of them, and every `repeated`-th of those run twice.
+std::vector<Plan> selected(std::vector<Plan> plans, const Options& options, size_t share, size_t repeated);
+
 /// Runs and judges all plans; prints one line for each run with a finding.
 Tally runSweep(const Sweep& sweep, const Options& options);
 
