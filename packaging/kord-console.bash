@@ -6,19 +6,16 @@ _kord_console()
         [[ $word != -- ]] || { COMPREPLY=($(compgen -c -- "$current")); return; }
     done
     case $previous in
-        --facility | --output | --html) COMPREPLY=($(compgen -f -- "$current")); return ;;
+        --facility) COMPREPLY=($(compgen -f -- "$current")); return ;;
         --root) COMPREPLY=($(compgen -d -- "$current")); return ;;
     esac
     if ((COMP_CWORD == 1)); then
-        COMPREPLY=($(compgen -W "run check make show diff follow record --help" -- "$current"))
+        COMPREPLY=($(compgen -W "run check make --help" -- "$current"))
         return
     fi
     case ${COMP_WORDS[1]} in
         run) options="--facility --root --user --help --" ;;
         make) options="--images --cec --io --adapters --racks --enclosures --drives --volumes --hosts --seed --help" ;;
-        show) options="--json --html --help" ;;
-        diff) options="--json --help" ;;
-        record) options="--output --redact --verify --help --" ;;
         *) options="--help" ;;
     esac
     COMPREPLY=($(compgen -W "$options" -- "$current"))

@@ -2,9 +2,9 @@
 
 #include "console.h"
 
-#include "failure.h"
-#include "fileDescriptor.h"
 #include "image/image.h"
+#include "platform/failure.h"
+#include "platform/fileDescriptor.h"
 
 #include <algorithm>
 #include <fcntl.h>
@@ -34,7 +34,7 @@ void makeFolder(const fs::path& folder)
 {
     std::error_code failure;
     fs::create_directories(folder, failure);
-    if (failure) throw Failure(folder.string() + ": " + failure.message());
+    if (failure) throw platform::Failure(folder.string() + ": " + failure.message());
 }
 
 /// A link to the program, in place of whatever has its name.
@@ -43,27 +43,28 @@ void putInPlace(const fs::path& program, const fs::path& place)
     std::error_code absent;
     if (fs::read_symlink(place, absent) == program) return;
     const fs::path made = place.string() + ".new" + std::to_string(getpid());
-    if (symlink(program.c_str(), made.c_str()) != 0) throw failedOn(made.string());
+    if (symlink(program.c_str(), made.c_str()) != 0) throw platform::failedOn(made.string());
     if (rename(made.c_str(), place.c_str()) != 0) {
         const int reason = errno;
         unlink(made.c_str());
-        throw failedOn(place.string(), reason);
+        throw platform::failedOn(place.string(), reason);
     }
 }
 
-FileDescriptor create(const fs::path& path, int flags)
+platform::FileDescriptor create(const fs::path& path, int flags)
 {
     constexpr mode_t readableByAll = 0644;
-    FileDescriptor file(open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | flags, readableByAll));
-    if (!file.isOpen()) throw failedOn(path.string());
+    platform::FileDescriptor file(open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | flags, readableByAll));
+    if (!file.isOpen()) throw platform::failedOn(path.string());
     return file;
 }
 
 uint64_t ruleCount(const fs::path& imagePath)
 {
-    const FileDescriptor file(open(imagePath.c_str(), O_RDONLY | O_CLOEXEC));
+    const platform::FileDescriptor file(open(imagePath.c_str(), O_RDONLY | O_CLOEXEC));
     image::Header header{};
-    if (pread(file.get(), &header, sizeof header, 0) != sizeof header) throw failedOn(imagePath.string());
+    if (pread(file.get(), &header, sizeof header, 0) != sizeof header)
+        throw platform::failedOn(imagePath.string());
     return header.ruleCount;
 }
 
@@ -75,20 +76,21 @@ void refuseCovered(const fs::path& root)
     for (const char* folder : consoleFolders) {
         const fs::path covered = fs::path("/") / folder;
         if (std::ranges::mismatch(covered, place).in1 == covered.end()) {
-            throw Failure(place.string() + " lies in " + covered.string() +
-                          ", which a run covers: take another root");
+            throw platform::Failure(place.string() + " lies in " + covered.string() +
+                                    ", which a run covers: take another root");
         }
     }
 }
 
-fs::path layOut(const fs::path& root, const Installation& installation)
+fs::path layOut(const fs::path& root, const platform::Installation& installation)
 {
     makeFolder(root);
     for (const char* folder : consoleFolders)
         makeFolder(root / folder);
     makeFolder(root / pathFolder);
     for (const Program& program : programs)
-        putInPlace(installation.programs / program.name, root / program.folder / program.name);
+        putInPlace(installation.folderOfProgram(program.name) / program.name,
+                   root / program.folder / program.name);
     return fs::canonical(root);
 }
 
@@ -98,10 +100,10 @@ void startAfresh(const fs::path& root)
     create(root / image::journalFile, O_TRUNC);
     // A process of an earlier run may still have the old state mapped: it keeps it, and is not cut off.
     const fs::path state = root / image::stateFile;
-    if (unlink(state.c_str()) != 0 && errno != ENOENT) throw failedOn(state.string());
-    const FileDescriptor file = create(state, O_EXCL);
+    if (unlink(state.c_str()) != 0 && errno != ENOENT) throw platform::failedOn(state.string());
+    const platform::FileDescriptor file = create(state, O_EXCL);
     const auto size = static_cast<off_t>(sizeof(image::RunState) + rules * sizeof(image::RuleState));
-    if (ftruncate(file.get(), size) != 0) throw failedOn(state.string());
+    if (ftruncate(file.get(), size) != 0) throw platform::failedOn(state.string());
 }
 
 } // namespace console::launcher

@@ -2,7 +2,7 @@
 
 #pragma once
 
-#include "installation.h"
+#include "platform/installation.h"
 
 #include <array>
 #include <filesystem>
@@ -23,7 +23,7 @@ void refuseCovered(const std::filesystem::path& root);
 
 /// Lays the root out where folders are missing, puts the console's programs in place and returns the root's
 /// absolute path. Everything else that lies there stays.
-std::filesystem::path layOut(const std::filesystem::path& root, const Installation& installation);
+std::filesystem::path layOut(const std::filesystem::path& root, const platform::Installation& installation);
 
 /// An empty journal and zeroed shared state, for the image that lies under the root.
 void startAfresh(const std::filesystem::path& root);

@@ -4,9 +4,9 @@
 #include "facilityCache.h"
 
 #include "facility/compile.h"
-#include "failure.h"
-#include "fileDescriptor.h"
 #include "image/image.h"
+#include "platform/failure.h"
+#include "platform/fileDescriptor.h"
 
 #include <cstdio>
 #include <ctime>
@@ -39,7 +39,7 @@ std::string identity(const struct stat& status)
 
 /// A file changed this moment may change again without its times showing it, and what is no regular file has
 /// no lasting content: those have no key.
-std::string keyOf(const struct stat& facility, const Installation& installation)
+std::string keyOf(const struct stat& facility, const platform::Installation& installation)
 {
     constexpr int64_t settled = 1'000'000'000;
     timespec now{};
@@ -66,16 +66,16 @@ std::string readAll(int file, const fs::path& path)
             static_cast<size_t>(status.st_size) > size ? static_cast<size_t>(status.st_size) - size : 0;
         text.resize(size + left + piece);
         length = read(file, text.data() + size, text.size() - size);
-        if (length < 0) throw failedOn(path.string());
+        if (length < 0) throw platform::failedOn(path.string());
         if (length == 0) text.resize(size);
     }
     return text;
 }
 
-FileDescriptor openFacility(const fs::path& path)
+platform::FileDescriptor openFacility(const fs::path& path)
 {
-    FileDescriptor file(open(path.c_str(), O_RDONLY | O_CLOEXEC));
-    if (!file.isOpen()) throw failedOn(path.string());
+    platform::FileDescriptor file(open(path.c_str(), O_RDONLY | O_CLOEXEC));
+    if (!file.isOpen()) throw platform::failedOn(path.string());
     return file;
 }
 
@@ -84,45 +84,45 @@ void replace(const fs::path& path, const std::string& content)
 {
     const fs::path made = path.string() + ".new" + std::to_string(getpid());
     std::FILE* file = std::fopen(made.c_str(), "we");
-    if (file == nullptr) throw failedOn(made.string());
+    if (file == nullptr) throw platform::failedOn(made.string());
     const bool written = std::fwrite(content.data(), 1, content.size(), file) == content.size();
     const bool closed = std::fclose(file) == 0;
     if (written && closed && rename(made.c_str(), path.c_str()) == 0) return;
     const int reason = errno;
     unlink(made.c_str());
-    throw failedOn(path.string(), reason);
+    throw platform::failedOn(path.string(), reason);
 }
 
 bool isCurrent(const std::string& key, const fs::path& root)
 {
     if (key.empty() || access((root / image::imageFile).c_str(), R_OK) != 0) return false;
-    const FileDescriptor file(open((root / keyFile).c_str(), O_RDONLY | O_CLOEXEC));
+    const platform::FileDescriptor file(open((root / keyFile).c_str(), O_RDONLY | O_CLOEXEC));
     return file.isOpen() && readAll(file.get(), root / keyFile) == key;
 }
 
-Failure malformed(const fs::path& path, const facility::Faults& faults)
+platform::Failure malformed(const fs::path& path, const facility::Faults& faults)
 {
     std::string line = path.string() + ": " + facility::toLine(faults.front());
     if (faults.size() > 1) {
         line += " (and " + std::to_string(faults.size() - 1) + " more; see kord-console check)";
     }
-    return Failure(line);
+    return platform::Failure(line);
 }
 
 } // namespace
 
 std::string readFacility(const fs::path& path)
 {
-    const FileDescriptor file = openFacility(path);
+    const platform::FileDescriptor file = openFacility(path);
     return readAll(file.get(), path);
 }
 
-void provideImage(const fs::path& path, const fs::path& root, const Installation& installation)
+void provideImage(const fs::path& path, const fs::path& root, const platform::Installation& installation)
 {
-    const FileDescriptor file = openFacility(path);
+    const platform::FileDescriptor file = openFacility(path);
     struct stat status {
     };
-    if (fstat(file.get(), &status) != 0) throw failedOn(path.string());
+    if (fstat(file.get(), &status) != 0) throw platform::failedOn(path.string());
     const std::string key = keyOf(status, installation);
     if (isCurrent(key, root)) return;
 

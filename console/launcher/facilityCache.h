@@ -2,7 +2,7 @@
 
 #pragma once
 
-#include "installation.h"
+#include "platform/installation.h"
 
 #include <filesystem>
 
@@ -12,7 +12,7 @@ namespace console::launcher
 /// Provides the image of the facility file under the root. A malformed file is a Failure that names its first
 /// fault.
 void provideImage(const std::filesystem::path& facility, const std::filesystem::path& root,
-                  const Installation& installation);
+                  const platform::Installation& installation);
 
 /// The whole file; a Failure when it cannot be read.
 std::string readFacility(const std::filesystem::path& facility);

@@ -4,7 +4,7 @@
 #include "links.h"
 
 #include "console.h"
-#include "failure.h"
+#include "platform/failure.h"
 
 #include <fcntl.h>
 #include <sys/file.h>
@@ -18,7 +18,7 @@ namespace fs = std::filesystem;
 /// The machine's root folder is what runs lock: it is always there, and no lock file stays behind.
 MachineLock::MachineLock() : lock(open("/", O_RDONLY | O_DIRECTORY | O_CLOEXEC))
 {
-    if (!lock.isOpen() || flock(lock.get(), LOCK_EX) != 0) throw failedOn("locking /");
+    if (!lock.isOpen() || flock(lock.get(), LOCK_EX) != 0) throw platform::failedOn("locking /");
 }
 
 Links::Links(const fs::path& root)
@@ -45,16 +45,17 @@ void Links::makeLink(const fs::path& root, const char* folder)
         if (mkdir(way.c_str(), 0755) == 0) {
             made.push_back(way);
         } else if (errno != EEXIST) {
-            throw failedOn(way.string());
+            throw platform::failedOn(way.string());
         }
     }
     const fs::path link = fs::path("/") / folder;
     if (symlink((root / folder).c_str(), link.c_str()) == 0) {
         made.push_back(link);
     } else if (errno == EEXIST) {
-        throw Failure(link.string() + " is in the way: without namespaces a run needs this path free");
+        throw platform::Failure(link.string() +
+                                " is in the way: without namespaces a run needs this path free");
     } else {
-        throw failedOn(link.string());
+        throw platform::failedOn(link.string());
     }
 }
 

@@ -3,7 +3,7 @@
 
 #pragma once
 
-#include "fileDescriptor.h"
+#include "platform/fileDescriptor.h"
 
 #include <filesystem>
 #include <vector>
@@ -19,7 +19,7 @@ public:
     MachineLock();
 
 private:
-    FileDescriptor lock;
+    platform::FileDescriptor lock;
 };
 
 class Links

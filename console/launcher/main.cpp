@@ -1,12 +1,9 @@
-// kord-console: the launcher of the simulated console, the tools for its facility files, and those for what
-// collections leave.
+// kord-console: the launcher of the simulated console and the tools for its facility files.
 
-#include "documentCommands.h"
 #include "facility/compile.h"
 #include "facility/make.h"
 #include "facilityCache.h"
-#include "failure.h"
-#include "record.h"
+#include "platform/failure.h"
 #include "run.h"
 
 #include <CLI/CLI.hpp>
@@ -18,7 +15,6 @@ namespace
 {
 
 using namespace console;
-using launcher::Failure;
 
 constexpr int launcherFailed = 125;
 constexpr int malformed = 1;
@@ -33,7 +29,7 @@ int check(const std::string& file)
 
 int make(const facility::Sizes& sizes)
 {
-    if (!facility::make(sizes, stdout)) throw launcher::failedOn("standard output");
+    if (!facility::make(sizes, stdout)) throw platform::failedOn("standard output");
     return 0;
 }
 
@@ -47,24 +43,14 @@ std::string notDigits(const std::string& text)
 struct CommandLine {
     CLI::App app{"Runs programs on a simulated management console."};
     CLI::App* run = app.add_subcommand("run", "Run a program on the console");
-    CLI::App* record =
-        app.add_subcommand("record", "Run a program on a console and record it as a facility file");
     CLI::App* check = app.add_subcommand("check", "Check a facility file");
     CLI::App* make = app.add_subcommand("make", "Write a facility file of a given size to standard output");
-    CLI::App* show = app.add_subcommand("show", "Show an inventory document");
-    CLI::App* diff = app.add_subcommand("diff", "Show what differs between two inventory documents");
-    CLI::App* follow = app.add_subcommand("follow", "Show the progress of a collection from its trace log");
 
     launcher::RunOptions runOptions;
-    launcher::RecordOptions recordOptions;
     std::string checkedFile;
     facility::Sizes sizes;
-    launcher::ShowOptions showOptions;
-    launcher::DiffOptions diffOptions;
-    std::string followedLog;
 
     CommandLine();
-    void addDocumentCommands();
     void addSize(const char* name, uint32_t& size, const char* help,
                  const CLI::Range& range = CLI::Range(0, 1'000'000))
     {
@@ -83,14 +69,6 @@ CommandLine::CommandLine()
     run->add_option("--user", runOptions.user, "What whoami prints, in place of the facility's user")
         ->type_name("NAME");
 
-    record->footer(
-        "The program and its arguments follow after --: kord-console record ... -- PROGRAM [ARG...]");
-    record->add_option("--output", recordOptions.output, "The facility file to write")
-        ->required()
-        ->type_name("FILE");
-    record->add_flag("--redact", recordOptions.redact, "Put stand-ins for serials, names and descriptions");
-    record->add_flag("--verify", recordOptions.verify, "Replay the file at once and compare");
-
     check->add_option("FILE", checkedFile, "The facility file")->required()->type_name("");
 
     addSize("--images", sizes.images, "Images, and so partitions of each system", CLI::Range(1, 8));
@@ -104,38 +82,17 @@ CommandLine::CommandLine()
     addSize("--hosts", sizes.hosts, "Hosts of an image");
     make->add_option("--seed", sizes.seed, "Varies serial numbers and models")
         ->check(CLI::Validator(notDigits, ""))
-
         ->type_name("N")
         ->capture_default_str();
-    addDocumentCommands();
-}
-
-void CommandLine::addDocumentCommands()
-{
-    show->add_option("FILE", showOptions.file, "The document")->required()->type_name("");
-    show->add_flag("--json", showOptions.json, "Print it as JSON");
-    show->add_option("--html", showOptions.htmlFile, "Write it as a page")->type_name("FILE");
-
-    diff->add_option("OLD", diffOptions.before, "The older document")->required()->type_name("");
-    diff->add_option("NEW", diffOptions.after, "The newer document")->required()->type_name("");
-    diff->add_flag("--json", diffOptions.json, "Print the differences as JSON");
-
-    follow->add_option("LOG", followedLog, "The trace log, which need not exist yet")
-        ->required()
-        ->type_name("");
 }
 
 int act(CommandLine& line, std::span<char*> program)
 {
     if (line.check->parsed()) return check(line.checkedFile);
     if (line.make->parsed()) return make(line.sizes);
-    if (line.show->parsed()) return launcher::show(line.showOptions);
-    if (line.diff->parsed()) return launcher::diff(line.diffOptions);
-    if (line.follow->parsed()) return launcher::follow(line.followedLog);
-    if (program.empty()) throw Failure("there is no program to run: name it after --");
-    line.recordOptions.program.assign(program.begin(), program.end());
-    line.runOptions.program = line.recordOptions.program;
-    return line.record->parsed() ? launcher::record(line.recordOptions) : launcher::run(line.runOptions);
+    if (program.empty()) throw platform::Failure("there is no program to run: name it after --");
+    line.runOptions.program.assign(program.begin(), program.end());
+    return launcher::run(line.runOptions);
 }
 
 /// What follows the first "--" is the program's own business, whatever it looks like.
@@ -145,21 +102,12 @@ std::span<char*> programOf(std::span<char*> arguments)
     return mark == arguments.end() ? std::span<char*>{} : std::span<char*>(mark + 1, arguments.end());
 }
 
-/// The commands on documents keep 1 for what they find, as their like do, and 125 is the launcher's own.
-int troubleOf(std::span<char*> arguments)
-{
-    constexpr std::string_view commands[] = {"show", "diff", "follow"};
-    const bool document = arguments.size() > 1 &&
-                          std::ranges::find(commands, std::string_view(arguments[1])) != std::end(commands);
-    return document ? launcher::documentTrouble : launcherFailed;
-}
-
-int complain(const std::string& what, int status)
+int complain(const std::string& what)
 {
     std::string line = what;
     std::ranges::replace(line, '\n', ' ');
     std::fprintf(stderr, "kord-console: %s\n", line.c_str());
-    return status;
+    return launcherFailed;
 }
 
 } // namespace
@@ -178,6 +126,6 @@ int main(int argc, char* argv[])
         }
         return act(line, program);
     } catch (const std::exception& failure) {
-        return complain(failure.what(), troubleOf(arguments));
+        return complain(failure.what());
     }
 }

@@ -5,8 +5,8 @@
 #include "namespaces.h"
 
 #include "console.h"
-#include "failure.h"
-#include "fileDescriptor.h"
+#include "platform/failure.h"
+#include "platform/fileDescriptor.h"
 
 #include <algorithm>
 #include <cstdlib>
@@ -28,7 +28,7 @@ namespace fs = std::filesystem;
 
 bool writeText(const char* path, const std::string& text)
 {
-    const FileDescriptor file(open(path, O_WRONLY | O_CLOEXEC));
+    const platform::FileDescriptor file(open(path, O_WRONLY | O_CLOEXEC));
     return file.isOpen() && write(file.get(), text.data(), text.size()) == static_cast<ssize_t>(text.size());
 }
 
@@ -44,7 +44,7 @@ void mount(const std::string& source, const fs::path& target, unsigned long flag
            const char* options = nullptr)
 {
     if (::mount(source.c_str(), target.c_str(), type, flags, options) != 0) {
-        throw failedOn("mounting " + source + " at " + target.string());
+        throw platform::failedOn("mounting " + source + " at " + target.string());
     }
 }
 
@@ -64,19 +64,19 @@ void mountBack(const std::string& name, const fs::path& place)
     if (S_ISLNK(status.st_mode)) {
         std::error_code failure;
         fs::copy_symlink(name, place, failure);
-        if (failure) throw Failure(place.string() + ": " + failure.message());
+        if (failure) throw platform::Failure(place.string() + ": " + failure.message());
         return;
     }
     const bool made = S_ISDIR(status.st_mode) ? mkdir(place.c_str(), 0755) == 0
                                               : mknod(place.c_str(), S_IFREG | 0644, 0) == 0;
-    if (!made) throw failedOn(place.string());
+    if (!made) throw platform::failedOn(place.string());
     mount(name, place, MS_BIND | MS_REC);
 }
 
 std::vector<std::string> entriesOf(const fs::path& folder)
 {
     const std::unique_ptr<DIR, int (*)(DIR*)> open(opendir(folder.c_str()), closedir);
-    if (open == nullptr) throw failedOn(folder.string());
+    if (open == nullptr) throw platform::failedOn(folder.string());
     std::vector<std::string> names;
     while (const dirent* entry = readdir(open.get())) {
         const std::string name = entry->d_name;
@@ -91,7 +91,7 @@ Mirror mirror(const fs::path& folder)
 {
     struct stat status {
     };
-    if (chdir(folder.c_str()) != 0 || stat(".", &status) != 0) throw failedOn(folder.string());
+    if (chdir(folder.c_str()) != 0 || stat(".", &status) != 0) throw platform::failedOn(folder.string());
     const bool writable = access(".", W_OK) == 0;
     const std::vector<std::string> names = entriesOf(folder);
     mount("kord-console", folder, MS_NOSUID | MS_NODEV, "tmpfs", "mode=0755");
@@ -99,10 +99,10 @@ Mirror mirror(const fs::path& folder)
         mountBack(name, folder / name);
     struct stat mirrored {
     };
-    if (stat(folder.c_str(), &mirrored) != 0) throw failedOn(folder.string());
+    if (stat(folder.c_str(), &mirrored) != 0) throw platform::failedOn(folder.string());
     // Only root's namespace knows the owner.
     [[maybe_unused]] const int unknown = chown(folder.c_str(), status.st_uid, status.st_gid);
-    if (chmod(folder.c_str(), status.st_mode & 07777) != 0) throw failedOn(folder.string());
+    if (chmod(folder.c_str(), status.st_mode & 07777) != 0) throw platform::failedOn(folder.string());
     return {.folder = folder, .device = mirrored.st_dev, .writable = writable};
 }
 
@@ -122,7 +122,8 @@ struct Mounter {
     void makeFolder(const fs::path& holder, const fs::path& name)
     {
         if (!isInMirror(holder)) {
-            if (holder == "/") throw Failure("/" + name.string() + " is missing: make this folder first");
+            if (holder == "/")
+                throw platform::Failure("/" + name.string() + " is missing: make this folder first");
             mirrors.push_back(mirror(holder));
         }
         const fs::path folder = holder / name;
@@ -130,7 +131,7 @@ struct Mounter {
         unlink(folder.c_str());
         constexpr mode_t openToAll = 0755;
         if (mkdir(folder.c_str(), openToAll) != 0 || chmod(folder.c_str(), openToAll) != 0) {
-            throw failedOn(folder.string());
+            throw platform::failedOn(folder.string());
         }
     }
 
@@ -181,13 +182,13 @@ std::string enterNamespace()
 
 void mountConsole(const fs::path& root)
 {
-    const FileDescriptor before(open(".", O_PATH | O_DIRECTORY | O_CLOEXEC));
+    const platform::FileDescriptor before(open(".", O_PATH | O_DIRECTORY | O_CLOEXEC));
     std::error_code unknown;
     const fs::path working = fs::current_path(unknown);
     Mounter().mountAll(root);
     // The same path now leads through the mirrors; where it leads nowhere, the folder itself still does.
     if ((unknown || chdir(working.c_str()) != 0) && before.isOpen() && fchdir(before.get()) != 0) {
-        throw failedOn(working.string());
+        throw platform::failedOn(working.string());
     }
 }
 

@@ -4,12 +4,12 @@
 
 #include "console.h"
 #include "facilityCache.h"
-#include "failure.h"
 #include "image/image.h"
-#include "installation.h"
 #include "links.h"
 #include "namespaces.h"
-#include "process.h"
+#include "platform/failure.h"
+#include "platform/installation.h"
+#include "platform/process.h"
 
 #include <cstdlib>
 #include <unistd.h>
@@ -29,11 +29,11 @@ void putFirst(const char* list, const fs::path& folder)
     setenv(list, (folder.string() + rest).c_str(), 1);
 }
 
-void setEnvironment(const fs::path& root, const Installation& installation,
+void setEnvironment(const fs::path& root, const platform::Installation& installation,
                     const std::optional<std::string>& user)
 {
     putFirst("PATH", root / pathFolder);
-    putFirst("LD_LIBRARY_PATH", installation.client);
+    putFirst("LD_LIBRARY_PATH", installation.folderOfLibrary("libvale_mc.so"));
     setenv(image::rootVariable, root.c_str(), 1);
     if (user) {
         setenv(image::userVariable, user->c_str(), 1);
@@ -42,10 +42,10 @@ void setEnvironment(const fs::path& root, const Installation& installation,
     }
 }
 
-Failure noWay(const std::string& reason)
+platform::Failure noWay(const std::string& reason)
 {
-    return Failure("this machine gives no mount namespace (" + reason +
-                   "): run as root, or allow unprivileged user namespaces");
+    return platform::Failure("this machine gives no mount namespace (" + reason +
+                             "): run as root, or allow unprivileged user namespaces");
 }
 
 } // namespace
@@ -54,7 +54,7 @@ int run(const RunOptions& options)
 {
     const bool isWithinRun = std::getenv(image::rootVariable) != nullptr;
     refuseCovered(options.root);
-    const Installation installation = findInstallation();
+    const platform::Installation installation = platform::findInstallation();
     const fs::path root = layOut(options.root, installation);
     provideImage(options.facility, root, installation);
     startAfresh(root);
@@ -63,7 +63,8 @@ int run(const RunOptions& options)
     const std::string refusal = enterNamespace();
     if (!refusal.empty() && geteuid() != 0) throw noWay(refusal);
     // It would wait for the very run that waits for it.
-    if (!refusal.empty() && isWithinRun) throw Failure("without namespaces there is no run within a run");
+    if (!refusal.empty() && isWithinRun)
+        throw platform::Failure("without namespaces there is no run within a run");
     std::optional<MachineLock> lock;
     std::optional<Links> links;
     if (refusal.empty()) {
@@ -71,9 +72,9 @@ int run(const RunOptions& options)
     } else {
         lock.emplace();
     }
-    const HeldSignals signals = holdSignals();
+    const platform::HeldSignals signals = platform::holdSignals();
     if (lock) links.emplace(root);
-    return runProgram(findProgram(options.program, installation), signals);
+    return platform::runProgram(installation.find(options.program), signals);
 }
 
 } // namespace console::launcher

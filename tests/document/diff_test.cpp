@@ -13,13 +13,13 @@ namespace
 {
 
 using namespace kordTest;
-using console::document::Change;
+using document::Change;
 using Lines = std::vector<std::string>;
 
 /// The report without its last line, which counts.
 Lines changes(const std::string& before, const std::string& after)
 {
-    std::istringstream text(console::document::lines(console::document::diff(parse(before), parse(after))));
+    std::istringstream text(document::lines(document::diff(parse(before), parse(after))));
     Lines lines;
     for (std::string line; std::getline(text, line);)
         lines.push_back(line);
@@ -53,7 +53,7 @@ TEST(Diff, OfADocumentWithItselfIsNothing)
 {
     const std::string text = ofEnclosures(with({driveA, driveB}) + with({driveC}, second));
     EXPECT_EQ(changes(text, text), Lines{});
-    EXPECT_EQ(console::document::lines({}), "");
+    EXPECT_EQ(document::lines({}), "");
 }
 
 TEST(Diff, TimesAndTheStylesheetAreNone)
@@ -296,25 +296,25 @@ TEST(Diff, PropertiesThatCameAndWent)
 
 TEST(Report, CountsTheChanges)
 {
-    const auto found = console::document::diff(
-        parse(ofEnclosures(with({driveA, driveB}))),
-        parse(ofEnclosures(with({{.slot = "-P1-D1", .serial = "NEW"}, driveB, driveC}))));
-    EXPECT_THAT(console::document::lines(found), testing::EndsWith("\n2 changes: 1 added, 1 replaced\n"));
+    const auto found =
+        document::diff(parse(ofEnclosures(with({driveA, driveB}))),
+                       parse(ofEnclosures(with({{.slot = "-P1-D1", .serial = "NEW"}, driveB, driveC}))));
+    EXPECT_THAT(document::lines(found), testing::EndsWith("\n2 changes: 1 added, 1 replaced\n"));
 }
 
 TEST(Report, ShowsNoControlCharacters)
 {
-    const std::string text = console::document::lines(console::document::diff(
-        parse(ofEnclosures("")), parse(ofEnclosures(resource("Quay", "\x1b[2J\xFF", "")))));
+    const std::string text = document::lines(
+        document::diff(parse(ofEnclosures("")), parse(ofEnclosures(resource("Quay", "\x1b[2J\xFF", "")))));
     EXPECT_THAT(text, testing::StartsWith("added     console \\x1B[2J\\xFF\n"));
 }
 
 TEST(Report, IsJsonForPrograms)
 {
-    const auto found = console::document::diff(
+    const auto found = document::diff(
         parse(ofEnclosures(with({driveA, driveB}))),
         parse(ofEnclosures(with({{.slot = "-P1-D1", .serial = "N\"\x01"}, in("-P1-D8", driveB)}))));
-    const auto json = nlohmann::json::parse(console::document::json(found, "old.xml", "new.xml"));
+    const auto json = nlohmann::json::parse(document::json(found, "old.xml", "new.xml"));
     EXPECT_EQ(json["old"], "old.xml");
     EXPECT_EQ(json["new"], "new.xml");
     ASSERT_EQ(json["changes"].size(), 2U);
@@ -324,8 +324,7 @@ TEST(Report, IsJsonForPrograms)
     EXPECT_EQ(json["changes"][1]["change"], "moved");
     EXPECT_EQ(json["changes"][1]["from"], "U.AB1-P1-D2");
     EXPECT_EQ(json["changes"][1]["to"], "U.AB1-P1-D8");
-    EXPECT_EQ(nlohmann::json::parse(console::document::json({}, "a", "b"))["changes"],
-              nlohmann::json::array());
+    EXPECT_EQ(nlohmann::json::parse(document::json({}, "a", "b"))["changes"], nlohmann::json::array());
 }
 
 } // namespace

@@ -13,8 +13,8 @@ namespace
 {
 
 namespace fs = std::filesystem;
-using console::document::Log;
-using console::document::Progress;
+using document::Log;
+using document::Progress;
 
 constexpr const char* receive = "112126 13:41:03 SRCV: 155968_quay1 07-15-05  9999-B2C*7ABCD12";
 constexpr const char* closing = "112126 13:41:09 0010:  exit 3 ------------------";

@@ -32,8 +32,8 @@ size_t count(const std::string& text, const std::string& part)
 
 TEST(Page, HoldsTheDocumentAsData)
 {
-    const auto data = nlohmann::json::parse(dataOf(console::document::page(
-        parse(ofEnclosures(resource("Quay", "Q", property("PN", "Part Number", "P1")))))));
+    const auto data = nlohmann::json::parse(dataOf(
+        document::page(parse(ofEnclosures(resource("Quay", "Q", property("PN", "Part Number", "P1")))))));
     const auto text = [&](const nlohmann::json& index) { return data["texts"][index.get<size_t>()]; };
     const auto& part = data["system"][6][0];
     EXPECT_EQ(data["kinds"][part[0].get<size_t>()][0], "console");
@@ -49,10 +49,10 @@ TEST(Page, HoldsTheDocumentAsData)
 
 TEST(Page, NoValueBecomesMarkup)
 {
-    const std::string calm = console::document::page(parse(ofSystem(property("PN", "L", "x"))));
+    const std::string calm = document::page(parse(ofSystem(property("PN", "L", "x"))));
     for (const std::string value : {"</script><img src=x onerror=alert(1)>", "<!--<script>", "]]>", "&lt;",
                                     "\xFF<\xFE", "{{data}}", "@KORD_PAGE_SCRIPT@"}) {
-        const std::string page = console::document::page(
+        const std::string page = document::page(
             parse(ofSystem(property("PN", value, value) + list(value, resource(value, value, "")))));
         EXPECT_EQ(count(page, "<"), count(calm, "<")) << value;
         EXPECT_EQ(count(page, "&"), count(calm, "&")) << value;
@@ -62,7 +62,7 @@ TEST(Page, NoValueBecomesMarkup)
 
 TEST(Page, NeedsNothingFromElsewhere)
 {
-    const std::string page = console::document::page(parse(ofSystem("")));
+    const std::string page = document::page(parse(ofSystem("")));
     EXPECT_FALSE(std::regex_search(page, std::regex(R"((src|href)="(?!#))")));
     EXPECT_THAT(page, testing::Not(testing::HasSubstr("url(")));
     EXPECT_THAT(page, testing::Not(testing::HasSubstr("@import")));

@@ -16,10 +16,10 @@ namespace
 {
 
 namespace fs = std::filesystem;
-using console::document::Document;
-using console::document::Kind;
-using console::document::Malformed;
-using console::document::Part;
+using document::Document;
+using document::Kind;
+using document::Malformed;
+using document::Part;
 using namespace kordTest;
 
 TEST(Reader, ReadsTheThreeShapes)
@@ -247,8 +247,8 @@ TEST(Reader, NoDocumentThatIsCutIsTakenForAWholeOne)
 
 TEST(Reader, NamesAFileThatItCannotRead)
 {
-    EXPECT_THROW(console::document::readFile("/no/such/file"), Malformed);
-    EXPECT_THROW(console::document::readFile("/"), Malformed);
+    EXPECT_THROW(document::readFile("/no/such/file"), Malformed);
+    EXPECT_THROW(document::readFile("/"), Malformed);
 }
 
 // --- The documents of whole runs, against the tests' own reader

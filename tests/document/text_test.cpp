@@ -9,7 +9,7 @@
 namespace
 {
 
-using namespace console::document;
+using namespace document;
 
 TEST(Text, ShowsWhatATerminalMayShow)
 {

@@ -12,7 +12,7 @@ namespace
 {
 
 using namespace kordTest;
-using console::document::Lines;
+using document::Lines;
 
 const std::string twoDrives = ofEnclosures(enclosure({.id = "U.AB1", .serial = "AB1", .location = "R-1"},
                                                      drive("U.AB1", {.slot = "-D1", .serial = "A"}) +
@@ -22,7 +22,7 @@ const std::string twoDrives = ofEnclosures(enclosure({.id = "U.AB1", .serial = "
 TEST(Tree, AlignsWhatStandsTogether)
 {
     EXPECT_EQ(
-        console::document::tree(parse(twoDrives), Lines::ascii),
+        document::tree(parse(twoDrives), Lines::ascii),
         "SYSTEM-1 of storage facility FACILITY, collected 2026-11-21 13:41:03 UTC\n"
         "1 storage enclosure, 2 drives, 1 console\n"
         "|-- Storage Enclosure  U.AB1  S4 IMAGE-1  R1 R-1  TM 1234-5X6  SG AB1\n"
@@ -34,13 +34,12 @@ TEST(Tree, AlignsWhatStandsTogether)
 
 TEST(Tree, DrawsLinesWhereTheTerminalHasThem)
 {
-    EXPECT_THAT(console::document::tree(parse(twoDrives), Lines::unicode),
-                testing::HasSubstr("│       └── OSK"));
+    EXPECT_THAT(document::tree(parse(twoDrives), Lines::unicode), testing::HasSubstr("│       └── OSK"));
 }
 
 TEST(Tree, ShowsValuesOnOneLineAndWithoutControlCharacters)
 {
-    const std::string text = console::document::tree(
+    const std::string text = document::tree(
         parse(ofPartitions(resource("a\x1b[31m\nb", "P",
                                     property("NN", "WWNN", std::string(300, 'w')) + hosts("a=1,b=2,")))),
         Lines::ascii);
@@ -51,13 +50,13 @@ TEST(Tree, ShowsValuesOnOneLineAndWithoutControlCharacters)
 TEST(Tree, CountsAPartThatTwoPartitionsSeeOnce)
 {
     const std::string shared = enclosure({.id = "E", .serial = "S", .location = "R-1"}, "");
-    EXPECT_THAT(console::document::tree(parse(ofEnclosures(shared + shared)), Lines::ascii),
+    EXPECT_THAT(document::tree(parse(ofEnclosures(shared + shared)), Lines::ascii),
                 testing::HasSubstr("\n1 storage enclosure\n"));
 }
 
 TEST(Json, HoldsEveryPartWithItsProperties)
 {
-    const auto json = nlohmann::json::parse(console::document::json(parse(twoDrives)));
+    const auto json = nlohmann::json::parse(document::json(parse(twoDrives)));
     EXPECT_EQ(json["timestamp"], "1795268463.5");
     const auto& system = json["system"];
     EXPECT_EQ(system["kind"], "system");
@@ -77,8 +76,7 @@ TEST(Json, HoldsEveryPartWithItsProperties)
 TEST(Json, IsJsonWhateverTheValues)
 {
     const std::string value = "\"\\\n\x01\xFF</script>";
-    const auto json =
-        nlohmann::json::parse(console::document::json(parse(ofSystem(property("PN", "L", value)))));
+    const auto json = nlohmann::json::parse(document::json(parse(ofSystem(property("PN", "L", value)))));
     EXPECT_EQ(json["system"]["properties"][1]["value"], "\"\\\n\x01\xEF\xBF\xBD</script>");
 }
 

@@ -90,10 +90,10 @@ std::string enclosure(const Enclosure& enclosure, const std::string& content)
                                                                list("Partition Resources", content))));
 }
 
-console::document::Document parse(const std::string& text)
+document::Document parse(const std::string& text)
 {
     std::istringstream input(text);
-    return console::document::read(input, "test.xml");
+    return document::read(input, "test.xml");
 }
 
 } // namespace kordTest

@@ -47,6 +47,6 @@ struct Enclosure {
 /// A storage enclosure with what its partition sees in it.
 std::string enclosure(const Enclosure& enclosure, const std::string& content);
 
-console::document::Document parse(const std::string& text);
+document::Document parse(const std::string& text);
 
 } // namespace kordTest

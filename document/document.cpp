@@ -1,0 +1,80 @@
+#include "document/document.h"
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <ctime>
+#include <set>
+
+namespace document
+{
+
+std::string_view Part::value(std::string_view code) const
+{
+    const auto found = std::ranges::find(properties, code, &Property::code);
+    return found == properties.end() ? std::string_view{} : found->value;
+}
+
+/// Facility, image and rack number, which parts repeat from the part that they are in.
+static bool isInherited(std::string_view code)
+{
+    return code == "S3" || code == "S4" || code == "R2";
+}
+
+bool repeats(const Property& property, const Part& part, const Surroundings& around)
+{
+    if (property.code == "DS" && property.value == part.name) return true;
+    if (property.code == "YL" && property.value == part.id) return true;
+    return std::ranges::any_of(around, [&](const Part* outer) {
+        if (property.code == "CI" && property.value == outer->id) return true;
+        return isInherited(property.code) &&
+               std::ranges::find(outer->properties, property) != outer->properties.end();
+    });
+}
+
+std::string timeOf(const std::string& timestamp)
+{
+    std::time_t seconds = 0;
+    const char* const end = timestamp.data() + timestamp.find('.');
+    const auto [stop, fault] = std::from_chars(timestamp.data(), end, seconds);
+    std::tm time{};
+    if (fault != std::errc{} || stop != end || gmtime_r(&seconds, &time) == nullptr) return timestamp;
+    std::array<char, 64> text{};
+    const size_t length = std::strftime(text.data(), text.size(), "%Y-%m-%d %H:%M:%S UTC", &time);
+    return {text.data(), length};
+}
+
+namespace
+{
+
+/// A part that several partitions see is listed for each of them, and is one part all the same.
+using Seen = std::array<std::set<std::string_view>, kindCount>;
+using Counts = std::array<size_t, kindCount>;
+
+void count(const Part& part, Seen& seen, Counts& counts)
+{
+    const auto kind = static_cast<size_t>(part.kind);
+    if (part.id.empty() || seen.at(kind).insert(part.id).second) ++counts.at(kind);
+    for (const Part& child : part.children)
+        count(child, seen, counts);
+}
+
+} // namespace
+
+std::string summary(const Document& document)
+{
+    Seen seen;
+    Counts counts{};
+    count(document.system, seen, counts);
+    std::string text;
+    for (const KindRow& row : kinds) {
+        const size_t found = counts.at(static_cast<size_t>(row.kind));
+        if (found == 0 || !row.counted) continue;
+        text += text.empty() ? "" : ", ";
+        text += std::to_string(found) + ' ';
+        text += found == 1 ? row.singular : row.plural;
+    }
+    return text;
+}
+
+} // namespace document

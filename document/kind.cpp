@@ -1,0 +1,183 @@
+#include "document/kind.h"
+
+#include <algorithm>
+
+namespace document
+{
+
+// Partitions go by their list, for their display names are names that people gave them.
+constexpr std::array<KindRow, kindCount> kindTable = {{
+    {.kind = Kind::system,
+     .word = "system",
+     .singular = "managed system",
+     .plural = "managed systems",
+     .list = {},
+     .name = {},
+     .counted = false},
+    {.kind = Kind::processorComplex,
+     .word = "processorComplex",
+     .singular = "processor complex",
+     .plural = "processor complexes",
+     .list = {},
+     .name = "CEC"},
+    {.kind = Kind::controlCard,
+     .word = "controlCard",
+     .singular = "control card",
+     .plural = "control cards",
+     .list = {},
+     .name = "Orvik Non Volatile Control Card"},
+    {.kind = Kind::ioEnclosure,
+     .word = "ioEnclosure",
+     .singular = "I/O enclosure",
+     .plural = "I/O enclosures",
+     .list = {},
+     .name = "Larkspur"},
+    {.kind = Kind::deviceAdapter,
+     .word = "deviceAdapter",
+     .singular = "device adapter",
+     .plural = "device adapters",
+     .list = {},
+     .name = "OSK FC-AL Cobaltarray Adapter"},
+    {.kind = Kind::hostAdapter,
+     .word = "hostAdapter",
+     .singular = "host adapter",
+     .plural = "host adapters",
+     .list = {},
+     .name = "Orvik Sable HA - LW"},
+    {.kind = Kind::rack,
+     .word = "rack",
+     .singular = "rack",
+     .plural = "racks",
+     .list = {},
+     .name = "TARN Rack"},
+    {.kind = Kind::powerSupply,
+     .word = "powerSupply",
+     .singular = "power supply",
+     .plural = "power supplies",
+     .list = {},
+     .name = "Primary Power Supply"},
+    {.kind = Kind::battery,
+     .word = "battery",
+     .singular = "battery",
+     .plural = "batteries",
+     .list = {},
+     .name = "Rack Battery Assembly"},
+    {.kind = Kind::powerController,
+     .word = "powerController",
+     .singular = "power controller",
+     .plural = "power controllers",
+     .list = {},
+     .name = "Rack Power Control Card"},
+    {.kind = Kind::fanSenseCard,
+     .word = "fanSenseCard",
+     .singular = "fan sense card",
+     .plural = "fan sense cards",
+     .list = {},
+     .name = "Fan Sense Card"},
+    {.kind = Kind::fanTray,
+     .word = "fanTray",
+     .singular = "fan tray",
+     .plural = "fan trays",
+     .list = {},
+     .name = "Fan Tray"},
+    {.kind = Kind::storageEnclosure,
+     .word = "storageEnclosure",
+     .singular = "storage enclosure",
+     .plural = "storage enclosures",
+     .list = {},
+     .name = "Storage Enclosure"},
+    {.kind = Kind::drive,
+     .word = "drive",
+     .singular = "drive",
+     .plural = "drives",
+     .list = {},
+     .name = "OSK Physical Disk Drive"},
+    {.kind = Kind::interfaceCard,
+     .word = "interfaceCard",
+     .singular = "interface card",
+     .plural = "interface cards",
+     .list = {},
+     .name = "Fiber Channel Interface Card"},
+    {.kind = Kind::baffle,
+     .word = "baffle",
+     .singular = "baffle",
+     .plural = "baffles",
+     .list = {},
+     .name = "Storage Enclosure Slot Baffle"},
+    {.kind = Kind::enclosurePartition,
+     .word = "enclosurePartition",
+     .singular = "partition's share of an enclosure",
+     .plural = "partitions' shares of enclosures",
+     .list = "Enclosures Partitions",
+     .name = {},
+     .counted = false},
+    {.kind = Kind::console,
+     .word = "console",
+     .singular = "console",
+     .plural = "consoles",
+     .list = {},
+     .name = "Quay"},
+    {.kind = Kind::partition,
+     .word = "partition",
+     .singular = "partition",
+     .plural = "partitions",
+     .list = "Partitions",
+     .name = {}},
+    {.kind = Kind::storageConfiguration,
+     .word = "storageConfiguration",
+     .singular = "storage configuration",
+     .plural = "storage configurations",
+     .list = "Storage Configurations",
+     .name = {},
+     .counted = false},
+    {.kind = Kind::arraySite,
+     .word = "arraySite",
+     .singular = "array site",
+     .plural = "array sites",
+     .list = "Array Sites",
+     .name = {}},
+    {.kind = Kind::array,
+     .word = "array",
+     .singular = "array",
+     .plural = "arrays",
+     .list = "Arrays",
+     .name = {}},
+    {.kind = Kind::rank, .word = "rank", .singular = "rank", .plural = "ranks", .list = "Ranks", .name = {}},
+    {.kind = Kind::segmentPool,
+     .word = "segmentPool",
+     .singular = "segment pool",
+     .plural = "segment pools",
+     .list = "Segment Pool",
+     .name = {}},
+    {.kind = Kind::other,
+     .word = "other",
+     .singular = "part of another kind",
+     .plural = "parts of another kind",
+     .list = {},
+     .name = {}},
+}};
+
+static_assert(std::ranges::all_of(kindTable, [](const KindRow& row) {
+    return &row - kindTable.data() == static_cast<std::ptrdiff_t>(row.kind);
+}));
+
+const std::array<KindRow, kindCount> kinds = kindTable;
+
+const KindRow& rowOf(Kind kind)
+{
+    return kindTable.at(static_cast<size_t>(kind));
+}
+
+Kind kindOf(std::string_view list, std::string_view name)
+{
+    if (list.empty()) return Kind::system;
+    for (const KindRow& row : kindTable) {
+        if (!row.list.empty() && row.list == list) return row.kind;
+    }
+    for (const KindRow& row : kindTable) {
+        if (!row.name.empty() && row.name == name) return row.kind;
+    }
+    return Kind::other;
+}
+
+} // namespace document

@@ -1,0 +1,15 @@
+// A document as one HTML page that needs nothing else: its style, its script and the data are in it.
+
+#pragma once
+
+#include "document/document.h"
+
+#include <string>
+
+namespace document
+{
+
+/// Values reach the page as data only: no value can become markup or script.
+std::string page(const Document& document);
+
+} // namespace document

@@ -1,0 +1,115 @@
+#include "document/tree.h"
+
+#include "document/hosts.h"
+#include "document/text.h"
+
+#include <algorithm>
+#include <map>
+
+namespace document
+{
+
+namespace
+{
+
+struct Strokes {
+    std::string_view branch;
+    std::string_view last;
+    std::string_view pass;
+    std::string_view none;
+};
+
+constexpr Strokes asciiStrokes = {.branch = "|-- ", .last = "`-- ", .pass = "|   ", .none = "    "};
+constexpr Strokes unicodeStrokes = {.branch = "├── ", .last = "└── ", .pass = "│   ", .none = "    "};
+
+constexpr size_t widestValue = 100;
+
+std::string told(const Property& property)
+{
+    const auto hosts = property.code == "U2" ? parseHosts(property.value) : std::nullopt;
+    if (!hosts) return property.code + ' ' + cutTo(shown(property.value), widestValue);
+    return property.code + ' ' + std::to_string(hosts->size()) + (hosts->size() == 1 ? " host" : " hosts");
+}
+
+/// A part's line, cell by cell.
+std::vector<std::string> cellsOf(const Part& part, const Surroundings& around)
+{
+    std::vector<std::string> cells = {shown(part.name), part.id == part.name ? "" : shown(part.id)};
+    for (const Property& property : part.properties) {
+        if (!repeats(property, part, around)) cells.push_back(told(property));
+    }
+    return cells;
+}
+
+class Tree
+{
+public:
+    explicit Tree(const Strokes& withStrokes) : strokes(withStrokes) {}
+
+    std::string draw(const Part& system)
+    {
+        children(system, "");
+        return std::move(text);
+    }
+
+private:
+    using Widths = std::vector<size_t>;
+
+    void children(const Part& part, const std::string& indent)
+    {
+        around.push_back(&part);
+        std::vector<std::vector<std::string>> rows;
+        std::map<Kind, Widths> widths;
+        for (const Part& child : part.children) {
+            rows.push_back(cellsOf(child, around));
+            widen(widths[child.kind], rows.back());
+        }
+        for (size_t i = 0; i < rows.size(); ++i) {
+            const Part& child = part.children[i];
+            const bool last = i + 1 == rows.size();
+            text += indent;
+            text += last ? strokes.last : strokes.branch;
+            line(rows[i], widths[child.kind]);
+            children(child, indent + std::string(last ? strokes.none : strokes.pass));
+        }
+        around.pop_back();
+    }
+
+    static void widen(Widths& widths, const std::vector<std::string>& cells)
+    {
+        widths.resize(std::max(widths.size(), cells.size()));
+        for (size_t i = 0; i < cells.size(); ++i)
+            widths[i] = std::max(widths[i], widthOf(cells[i]));
+    }
+
+    void line(const std::vector<std::string>& cells, const Widths& widths)
+    {
+        constexpr size_t gap = 2;
+        size_t blanks = 0; // written only before a further cell
+        for (size_t i = 0; i < cells.size(); ++i) {
+            if (!cells[i].empty()) text.append(blanks, ' ').append(cells[i]);
+            if (!cells[i].empty()) blanks = 0;
+            blanks += widths[i] == 0 ? 0 : widths[i] - widthOf(cells[i]) + gap;
+        }
+        text += '\n';
+    }
+
+    const Strokes& strokes;
+    std::string text;
+    Surroundings around;
+};
+
+} // namespace
+
+std::string tree(const Document& document, Lines lines)
+{
+    const Part& system = document.system;
+    std::string text = shown(system.name);
+    if (const auto facility = system.value("S3"); !facility.empty())
+        text += " of storage facility " + shown(facility);
+    text += ", collected " + shown(timeOf(document.timestamp)) + '\n';
+    text += summary(document) + '\n';
+    return text + Tree(lines == Lines::unicode ? unicodeStrokes : asciiStrokes).draw(system);
+}
+
+} // namespace document

@@ -1,0 +1,29 @@
+// An open file that is closed where its owner ends.
+
+#pragma once
+
+#include <unistd.h>
+#include <utility>
+
+namespace platform
+{
+
+class FileDescriptor
+{
+public:
+    explicit FileDescriptor(int opened) : number(opened) {}
+    ~FileDescriptor()
+    {
+        if (number >= 0) close(number);
+    }
+    FileDescriptor(FileDescriptor&& other) noexcept : number(std::exchange(other.number, -1)) {}
+    FileDescriptor& operator=(FileDescriptor&&) = delete;
+
+    [[nodiscard]] bool isOpen() const { return number >= 0; }
+    [[nodiscard]] int get() const { return number; }
+
+private:
+    int number;
+};
+
+} // namespace platform

@@ -1,0 +1,505 @@
+// kord record: what is recorded replays to the same bytes, and redacted to a document of the same
+// structure. The console that is recorded is the simulated one, so that all there is to compare is known.
+
+#include "consoleRun.h"
+#include "documentReader.h"
+#include "process.h"
+#include "runCase.h"
+#include "tempFolder.h"
+
+#include <cstdlib>
+#include <fstream>
+#include <gtest/gtest.h>
+#include <regex>
+#include <set>
+#include <unistd.h>
+
+namespace
+{
+
+namespace fs = std::filesystem;
+using kordTest::Outcome;
+using nlohmann::json;
+using Texts = std::vector<std::string>;
+
+const fs::path buildFolder = KORD_BUILD_DIR;
+const fs::path console = buildFolder / "bin/kord-console";
+const fs::path kord = buildFolder / "bin/kord";
+const fs::path sources = KORD_SOURCE_DIR;
+const std::string system0 = "9999-B2C*7ABCD12";
+
+void write(const fs::path& file, const std::string& text)
+{
+    std::ofstream(file) << text;
+}
+
+/// A facility of the project with other fault rules.
+json facilityWith(const std::string& name, const json& faults, const json& patch = json::array())
+{
+    const std::string text = kordTest::readFile(sources / "console/facilities" / name).value();
+    json facility = json::parse(text).patch(patch);
+    if (!faults.is_null()) facility["faults"] = faults;
+    return facility;
+}
+
+/// All that a run leaves, but for what no two runs share: times, and where in memory a name lay.
+struct Left {
+    Outcome outcome;
+    std::string document;
+    Texts trace;
+    Texts journal;
+};
+
+Texts readTrace(const fs::path& file)
+{
+    static const std::regex fleeting(R"((0701:  stamp=).*|(0062: empty file )-?[0-9]+)");
+    Texts lines;
+    for (const kordTest::TraceLine& line : kordTest::readTrace(file)) {
+        lines.push_back(std::regex_replace(line.text, fleeting, "$01$02"));
+        for (const std::string& rest : line.further)
+            lines.push_back(' ' + rest);
+    }
+    return lines;
+}
+
+/// The last line's list of rules that never fired is of the facility file, not of the run.
+Texts readJournal(const fs::path& root)
+{
+    Texts lines;
+    for (json line : kordTest::readJournal(root)) {
+        line.erase("unused");
+        lines.push_back(line.dump());
+    }
+    return lines;
+}
+
+/// A folder with a facility, its recorded run, the recording and its replay.
+class Recording : public testing::Test
+{
+protected:
+    kordTest::TempFolder temporary;
+    const fs::path folder = temporary.path();
+    const fs::path recordedFile = folder / "recorded.json";
+    Texts arguments = {"-t", system0};
+    std::optional<std::string> user;
+
+    Left run(const fs::path& facility, const std::string& root, Texts program, const Texts& called)
+    {
+        const fs::path place = folder / root;
+        Left left;
+        program.push_back("addTarnKord");
+        program.insert(program.end(), called.begin(), called.end());
+        left.outcome = kordTest::runOnConsole({.console = console,
+                                               .facility = facility,
+                                               .root = place,
+                                               .folder = folder,
+                                               .user = root == "replay" ? std::nullopt : user,
+                                               .program = program});
+        const std::string mtms = called.size() > 1 ? called[1] : "";
+        left.document = kordTest::withFixedTimestamp(
+            kordTest::readFile(kordTest::documentFile(place, mtms)).value_or("(none)"));
+        left.trace = readTrace(kordTest::traceFile(place, mtms));
+        left.journal = readJournal(place);
+        return left;
+    }
+    Left record(const json& facility, const Texts& options = {})
+    {
+        write(folder / "facility.json", facility.dump());
+        Texts program = {kord, "record", "--output", recordedFile};
+        program.insert(program.end(), options.begin(), options.end());
+        program.emplace_back("--");
+        return run(folder / "facility.json", "recorded", program, arguments);
+    }
+    Left replay() { return run(recordedFile, "replay", {}, arguments); }
+    [[nodiscard]] json recording() const
+    {
+        return json::parse(kordTest::readFile(recordedFile).value_or("null"));
+    }
+};
+
+void expectSame(const Left& recorded, const Left& replayed)
+{
+    EXPECT_EQ(replayed.outcome.status, recorded.outcome.status);
+    EXPECT_EQ(replayed.outcome.output, recorded.outcome.output);
+    EXPECT_EQ(replayed.document, recorded.document);
+    EXPECT_EQ(replayed.trace, recorded.trace);
+    EXPECT_EQ(replayed.journal, recorded.journal);
+}
+
+// ---- what is recorded replays to the same bytes ----
+
+TEST_F(Recording, LeavesTheRunAsItIs)
+{
+    const json facility = facilityWith("facility.json", json::array());
+    const Left recorded = record(facility);
+    const Left plain = run(folder / "facility.json", "plain", {}, arguments);
+    EXPECT_EQ(recorded.outcome.status, 3);
+    expectSame(recorded, plain);
+}
+
+TEST_F(Recording, OfAWholeFacilityNeedsNoFaultRule)
+{
+    const Left recorded = record(facilityWith("facility.json", json::array()));
+    ASSERT_EQ(recorded.outcome.status, 3) << recorded.outcome.error;
+    EXPECT_EQ(recording()["faults"], json::array());
+    expectSame(recorded, replay());
+}
+
+TEST_F(Recording, PassesItsCheck)
+{
+    record(facilityWith("facility.json", json::array()));
+    const Outcome check =
+        kordTest::runProcess({.arguments = {console, "check", recordedFile}, .folder = folder});
+    EXPECT_EQ(check.status, 0);
+    EXPECT_EQ(check.output, "");
+}
+
+TEST_F(Recording, SaysHowToReplay)
+{
+    const Left recorded = record(facilityWith("small.json", json::array()));
+    EXPECT_EQ(recorded.outcome.error, "kord: replay with kord-console run --facility " +
+                                          recordedFile.string() + " --root DIR -- addTarnKord -t '" +
+                                          system0 + "'\n");
+}
+
+TEST_F(Recording, HasTheResourcesThatTheRunSaw)
+{
+    const json facility = facilityWith("small.json", json::array());
+    record(facility);
+    const json recorded = recording();
+    EXPECT_EQ(recorded["console"], facility["console"]);
+    EXPECT_EQ(recorded["systems"], facility["systems"]);
+    for (const char* name : {"Orvik.TarnDDM", "Orvik.TarnRank", "Orvik.TarnPPS", "Orvik.TarnServerPartition"})
+        EXPECT_EQ(recorded["resources"][name], facility["resources"][name]) << name;
+}
+
+TEST_F(Recording, OfAnotherUserKnowsWhatTheWrapperRan)
+{
+    user = "brisk";
+    const Left recorded = record(facilityWith("small.json", json::array()));
+    EXPECT_EQ(recording()["console"]["user"], "brisk");
+    EXPECT_EQ(recording()["faults"], json::array());
+    expectSame(recorded, replay());
+}
+
+TEST_F(Recording, VerifiesItself)
+{
+    if (!kordTest::hasNamespaces()) GTEST_SKIP() << "a replay within a run needs namespaces";
+    const Left recorded = record(facilityWith("facility.json", json::array()), {"--verify"});
+    EXPECT_EQ(recorded.outcome.status, 3) << recorded.outcome.error;
+}
+
+TEST_F(Recording, OfSeveralFaultsAtOnce)
+{
+    user = "brisk";
+    const json faults = json::parse(R"([
+      {"class": "Orvik.TarnRack", "nth": 2, "fails": {"code": 9, "message": "rack gone \"°\"\n"}},
+      {"class": "Orvik.TarnNVC", "error": {"number": 262152, "message": "no contact\n"}},
+      {"class": "Orvik.TarnHA", "answer": [{"attributes": [["locationCode", null], ["ecLevel", "x"]]},
+                                           {"attributes": [], "error": {"number": 7, "message": "late\n"}}]},
+      {"class": "Orvik.TarnDA", "nth": 1, "answer": []},
+      {"call": "end_session", "scope": 4, "fails": {"code": 5, "message": "will not end\n"}},
+      {"program": "qmstat", "nth": 2, "status": 3, "output": "half a line"},
+      {"program": "pmProblemEventPoster", "nth": 2, "status": 4, "output": "refused\n"},
+      {"program": "mmquaycmd", "nth": 5, "status": 1, "output": ""}
+    ])");
+    const Left recorded = record(facilityWith("facility.json", faults));
+    expectSame(recorded, replay());
+}
+
+TEST_F(Recording, OfAChangeBetweenTwoAnswers)
+{
+    const json faults = json::parse(R"([{"call": "query_d_select", "class": "Orvik.ManagedNode", "nth": 3,
+      "answer": [{"attributes": [["Status", 2]]}]}])");
+    const Left recorded = record(facilityWith("small.json", faults));
+    EXPECT_EQ(recorded.outcome.status, 255);
+    EXPECT_EQ(recording()["resources"]["Orvik.ManagedNode"][0]["Status"], 1);
+    ASSERT_EQ(recording()["faults"].size(), 1U);
+    EXPECT_EQ(recording()["faults"][0]["nth"], 2);
+    expectSame(recorded, replay());
+}
+
+// ---- what cannot be recorded ----
+
+Outcome recordAlone(const Texts& options, const Texts& program)
+{
+    Texts arguments = {kord, "record"};
+    arguments.insert(arguments.end(), options.begin(), options.end());
+    arguments.emplace_back("--");
+    arguments.insert(arguments.end(), program.begin(), program.end());
+    return kordTest::runProcess({.arguments = arguments, .folder = {}});
+}
+
+void expectRefusal(const Outcome& outcome, const std::string& error)
+{
+    EXPECT_EQ(outcome.status, 125);
+    EXPECT_EQ(outcome.error, "kord: " + error + "\n");
+}
+
+TEST_F(Recording, NeedsAProgramThatCallsTheClient)
+{
+    expectRefusal(recordAlone({"--output", recordedFile}, {"true"}),
+                  "true made no call that could be recorded");
+    expectRefusal(recordAlone({"--output", recordedFile}, {}),
+                  "there is no program to run: name it after --");
+    expectRefusal(recordAlone({"--output", recordedFile}, {"/no/such"}),
+                  "/no/such: No such file or directory");
+    EXPECT_FALSE(fs::exists(recordedFile));
+}
+
+TEST_F(Recording, IsNotVerifiedByAReplayWithoutCalls)
+{
+    if (!kordTest::hasNamespaces()) GTEST_SKIP() << "a replay within a run needs namespaces";
+    write(folder / "facility.json", facilityWith("small.json", json::array()).dump());
+    const Outcome outcome =
+        kordTest::runOnConsole({.console = console,
+                                .facility = folder / "facility.json",
+                                .root = folder / "recorded",
+                                .folder = folder,
+                                .user = std::nullopt,
+                                .program = {kord, "record", "--verify", "--output", recordedFile, "--",
+                                            "/bin/sh", "-c", "test -e once || { : > once; whoami; }"}});
+    expectRefusal(outcome, "the replay of " + recordedFile.string() + " made no call: see kord-console run");
+}
+
+TEST_F(Recording, NeedsAPlaceForItsFile)
+{
+    write(folder / "facility.json", facilityWith("small.json", json::array()).dump());
+    const fs::path nowhere = folder / "no/such/file.json";
+    const Left left =
+        run(folder / "facility.json", "recorded", {kord, "record", "--output", nowhere, "--"}, arguments);
+    expectRefusal(left.outcome, nowhere.string() + ": No such file or directory");
+    EXPECT_NE(left.document, "(none)");
+}
+
+TEST_F(Recording, LeavesOtherPreloadsInPlace)
+{
+    const Texts script = {"/bin/sh",
+                          "-c",
+                          "export LD_PRELOAD=libm.so.6; exec \"$@\"",
+                          "sh",
+                          kord,
+                          "record",
+                          "--output",
+                          recordedFile,
+                          "--",
+                          "/bin/sh",
+                          "-c",
+                          "echo ${LD_PRELOAD#*:}; exec \"$@\"",
+                          "sh",
+                          buildFolder / "bin/addTarnKord"};
+    write(folder / "facility.json", facilityWith("small.json", json::array()).dump());
+    Texts program = script;
+    program.insert(program.end(), arguments.begin(), arguments.end());
+    const Outcome outcome = kordTest::runOnConsole({.console = console,
+                                                    .facility = folder / "facility.json",
+                                                    .root = folder / "recorded",
+                                                    .folder = folder,
+                                                    .user = std::nullopt,
+                                                    .program = program});
+    EXPECT_EQ(outcome.status, 3) << outcome.error;
+    EXPECT_TRUE(outcome.output.starts_with("libm.so.6\n")) << outcome.output;
+    EXPECT_EQ(recording()["faults"], json::array());
+}
+
+// ---- redacted: the same structure, and no original anywhere ----
+
+/// A document without what its properties hold: lists by name, resources by the codes and labels of their
+/// properties.
+void addShape(Texts& shape, const kordTest::Element& element, const std::string& indent)
+{
+    std::string line = indent + (element.list ? "[" + element.displayName + "]" : "resource");
+    for (const kordTest::Property& property : element.properties)
+        line += " " + property.code + "=" + property.label;
+    shape.push_back(line);
+    for (const kordTest::Element& child : element.children)
+        addShape(shape, child, indent + "  ");
+}
+
+Texts shapeOf(const std::string& text)
+{
+    const kordTest::Document document = kordTest::readDocument(text);
+    Texts shape = document.faults;
+    shape.push_back(std::to_string(document.missingClosings) + " " + std::to_string(document.extraClosings));
+    for (const kordTest::Element& element : document.resources)
+        addShape(shape, element, "");
+    return shape;
+}
+
+/// Of a trace's stamped lines; the others begin with a blank.
+Texts codesOf(const Texts& trace)
+{
+    Texts codes;
+    for (const std::string& line : trace) {
+        if (!line.starts_with(' ')) codes.push_back(line.substr(0, line.find(':')));
+    }
+    return codes;
+}
+
+/// The part of a value that names a machine or a customer; empty: it names none.
+std::string tellingPart(const std::string& attribute, const std::string& value)
+{
+    static const std::regex names("serialNumber|HWSerialNum|lparName|Hostname|userHostDescription|ddmname|"
+                                  "storagePlexAccountName|storageFacility(Image)?WWNN");
+    static const std::regex machine(R"(U?[0-9]{4}[-.*][0-9A-Z]{3}[-.*]([0-9A-Z]+).*)");
+    if (std::regex_match(attribute, names)) return value;
+    std::smatch serial;
+    return std::regex_match(value, serial, machine) ? serial[1].str() : "";
+}
+
+std::set<std::string> tellingParts(const json& facility)
+{
+    std::set<std::string> parts;
+    for (const json& resources : facility["resources"]) {
+        for (const json& resource : resources) {
+            for (const auto& [name, value] : resource.items()) {
+                if (value.is_string()) parts.insert(tellingPart(name, value));
+            }
+        }
+    }
+    parts.erase("");
+    return parts;
+}
+
+/// The MTMS on the replay command that the recording printed.
+std::string replayedSystem(const Left& recorded)
+{
+    std::smatch found;
+    std::regex_search(recorded.outcome.error, found, std::regex("'([^']*)'\n$"));
+    return found[1];
+}
+
+void expectSameStructure(const Left& recorded, const Left& replayed)
+{
+    EXPECT_EQ(replayed.outcome.status, recorded.outcome.status);
+    EXPECT_EQ(replayed.outcome.output, recorded.outcome.output);
+    EXPECT_EQ(shapeOf(replayed.document), shapeOf(recorded.document));
+    EXPECT_EQ(codesOf(replayed.trace), codesOf(recorded.trace));
+    EXPECT_EQ(replayed.journal.size(), recorded.journal.size());
+}
+
+TEST_F(Recording, RedactedGivesADocumentOfTheSameStructure)
+{
+    const Left recorded = record(facilityWith("facility.json", json::array()), {"--redact"});
+    ASSERT_EQ(recorded.outcome.status, 3) << recorded.outcome.error;
+    arguments[1] = replayedSystem(recorded);
+    EXPECT_EQ(arguments[1].substr(0, 9), system0.substr(0, 9));
+    const Left replayed = replay();
+    EXPECT_NE(replayed.document, recorded.document);
+    EXPECT_GT(shapeOf(recorded.document).size(), 100U);
+    expectSameStructure(recorded, replayed);
+}
+
+TEST_F(Recording, RedactedHoldsNoOriginal)
+{
+    const json faults = json::parse(R"([
+      {"class": "Orvik.TarnNVC", "error": {"number": 262152, "message": "no SF00XY123Tarn01 (tarn0-image1)\n"}},
+      {"class": "Orvik.TarnFanTray", "fails": {"code": 4, "message": "9999-A01*00XY1230: tray 1234-5R0*RK000001\n"}}
+    ])");
+    json facility = facilityWith("facility.json", faults);
+    facility["console"]["user"] = "jane.doe";
+    const std::set<std::string> originals = tellingParts(facility);
+    record(facility);
+    const std::string open = kordTest::readFile(recordedFile).value();
+    fs::remove_all(folder / "recorded");
+    record(facility, {"--redact"});
+    const std::string redacted = kordTest::readFile(recordedFile).value();
+    size_t seen = 0;
+    for (const std::string& original : originals) {
+        seen += open.find(original) != std::string::npos ? 1 : 0;
+        EXPECT_EQ(redacted.find(original), std::string::npos) << original;
+    }
+    EXPECT_GT(seen, 100U);
+    for (const char* original : {"jane", "10ABCDE", "7ABCD34"})
+        EXPECT_EQ(redacted.find(original), std::string::npos) << original;
+    EXPECT_NE(redacted.find("fails"), std::string::npos);
+}
+
+TEST_F(Recording, RedactedKeepsWhatBelongsTogether)
+{
+    record(facilityWith("small.json", json::array()), {"--redact"});
+    const json resources = recording()["resources"];
+    const std::string system = resources["Orvik.TarnStorageFacilitySystem"][0]["managedSystemMTMS"];
+    const std::string serial = system.substr(9);
+    EXPECT_EQ(system.substr(0, 9), "9999-B2C*");
+    EXPECT_EQ(serial.size(), 7U);
+    EXPECT_TRUE(recording()["systems"].contains(system));
+    EXPECT_EQ(resources["Orvik.ManagedNode"][0]["HWSerialNum"], serial);
+    EXPECT_EQ(resources["Orvik.TarnCECDrawer"][0]["locationCode"], "U9999.B2C." + serial + "-P1");
+    EXPECT_EQ(resources["Orvik.TarnNVC"][0]["locationCode"], "9999-B2C*" + serial + "-P1-C3");
+    // A facility and its image share the beginning of their serials: 00XY1230 and 00XY121.
+    const std::string facility = resources["Orvik.TarnStorageFacility"][0]["storageFacilityMTMS"];
+    const std::string image = resources["Orvik.TarnStorageFacilityImage"][0]["storageFacilityImageMTMS"];
+    EXPECT_EQ(facility.substr(9, 6), image.substr(9, 6));
+    EXPECT_NE(facility.substr(15, 1), image.substr(15, 1));
+    // The console knows itself among the facility's consoles by its serial.
+    const std::string vpd = recording()["console"]["vpd"][1];
+    EXPECT_EQ(resources["Orvik.TarnQUAY"][0]["quayLocationCode"], "4821-K7Q." + vpd.substr(4));
+    // What many machines share stays.
+    EXPECT_EQ(resources["Orvik.TarnDDM"][0]["partNumber"], "DK22011");
+    EXPECT_EQ(resources["Orvik.TarnDDM"][0]["diskCapacity"], 73400);
+    EXPECT_TRUE(
+        std::regex_match(resources["Orvik.TarnScsiHostPort"][0]["userHostDescription"].get<std::string>(),
+                         std::regex("[a-z]{6}-[0-9]{2}")));
+}
+
+TEST_F(Recording, IsRedactedDifferentlyEachTime)
+{
+    const json facility = facilityWith("small.json", json::array());
+    record(facility, {"--redact"});
+    const json first = recording();
+    record(facility, {"--redact"});
+    EXPECT_NE(recording()["resources"]["Orvik.TarnDDM"], first["resources"]["Orvik.TarnDDM"]);
+}
+
+// ---- consoles of every kind of trouble ----
+
+/// The cases of whole runs: all of them with KORD_ALL_RECORDINGS=1, else a sample.
+std::vector<kordTest::RunCase> sampleOfCases(size_t first)
+{
+    const fs::path runs = sources / "tests/runs";
+    const std::vector<kordTest::RunCase> cases = kordTest::loadCases(runs / "cases", runs / "fragments.json");
+    const bool all = std::getenv("KORD_ALL_RECORDINGS") != nullptr;
+    std::vector<kordTest::RunCase> sample;
+    for (size_t i = all ? 0 : first; i < cases.size(); i += all ? 1 : 30)
+        sample.push_back(cases[i]);
+    return sample;
+}
+
+TEST_F(Recording, OfTheCasesOfWholeRuns)
+{
+    size_t recordings = 0;
+    for (const kordTest::RunCase& given : sampleOfCases(0)) {
+        SCOPED_TRACE(given.name);
+        fs::remove_all(folder / "recorded");
+        fs::remove_all(folder / "replay");
+        arguments = given.arguments;
+        user = given.user;
+        const Left recorded = record(facilityWith(given.facility, given.faults, given.patch));
+        if (recorded.journal.empty()) continue; // no console was needed
+        expectSame(recorded, replay());
+        ++recordings;
+    }
+    EXPECT_GT(recordings, 20U);
+}
+
+TEST_F(Recording, RedactedOfTheCasesOfWholeRuns)
+{
+    if (!kordTest::hasNamespaces()) GTEST_SKIP() << "a replay within a run needs namespaces";
+    size_t recordings = 0;
+    for (const kordTest::RunCase& given : sampleOfCases(15)) {
+        SCOPED_TRACE(given.name);
+        fs::remove_all(folder / "recorded");
+        arguments = given.arguments;
+        user = given.user;
+        const json facility = facilityWith(given.facility, given.faults, given.patch);
+        const Left recorded = record(facility, {"--redact", "--verify"});
+        if (recorded.journal.empty()) continue;
+        EXPECT_EQ(recorded.outcome.error.find("differs"), std::string::npos) << recorded.outcome.error;
+        EXPECT_NE(recorded.outcome.status, 125);
+        ++recordings;
+    }
+    EXPECT_GT(recordings, 20U);
+}
+
+} // namespace

@@ -1,0 +1,240 @@
+// kord show, diff and follow, on what real runs of the collector leave.
+
+#include "consoleRun.h"
+#include "process.h"
+#include "tempFolder.h"
+
+#include <atomic>
+#include <filesystem>
+#include <fstream>
+#include <functional>
+#include <future>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
+#include <thread>
+
+namespace
+{
+
+namespace fs = std::filesystem;
+using kordTest::Outcome;
+using nlohmann::json;
+
+const std::string console = fs::path(KORD_BUILD_DIR) / "bin/kord-console";
+const std::string kord = fs::path(KORD_BUILD_DIR) / "bin/kord";
+const fs::path expected = fs::path(KORD_SOURCE_DIR) / "tests/runs/expected";
+const std::string facilityFile = fs::path(KORD_SOURCE_DIR) / "console/facilities/facility.json";
+const std::string mtms = "9999-B2C*7ABCD12";
+
+Outcome run(std::vector<std::string> arguments)
+{
+    arguments.insert(arguments.begin(), kord);
+    return kordTest::runProcess({.arguments = arguments, .folder = {}});
+}
+
+class Commands : public testing::Test
+{
+protected:
+    /// The document of a run on the bundled facility, changed before.
+    fs::path collect(
+        const std::string& name, const std::function<void(json& facility)>& change = [](json&) {})
+    {
+        json facility = json::parse(kordTest::readFile(facilityFile).value());
+        change(facility);
+        const fs::path file = folder.path() / (name + ".json");
+        std::ofstream(file) << facility;
+        const fs::path root = folder.path() / name;
+        fs::create_directory(root);
+        const Outcome outcome = kordTest::runOnConsole({.console = console,
+                                                        .facility = file,
+                                                        .root = root,
+                                                        .folder = folder.path(),
+                                                        .user = {},
+                                                        .program = {"addTarnKord", "x", mtms}});
+        EXPECT_EQ(outcome.status, 3) << outcome.output << outcome.error;
+        return kordTest::documentFile(root, mtms);
+    }
+
+    [[nodiscard]] fs::path write(const std::string& name, const std::string& text) const
+    {
+        std::ofstream(folder.path() / name) << text;
+        return folder.path() / name;
+    }
+
+    kordTest::TempFolder folder;
+};
+
+std::vector<std::string> diffLines(const fs::path& before, const fs::path& after)
+{
+    const Outcome outcome = run({"diff", before, after});
+    EXPECT_EQ(outcome.error, "");
+    EXPECT_EQ(outcome.status, outcome.output.empty() ? 0 : 1);
+    return kordTest::splitLines(outcome.output);
+}
+
+void replaceDrive(json& facility)
+{
+    facility["resources"]["Orvik.TarnDDM"][20]["serialNumber"] = "WKREPLACED";
+}
+
+void raiseLevel(json& facility)
+{
+    for (json& partition : facility["resources"]["Orvik.TarnServerPartition"]) {
+        if (!partition.contains("runningImageLevel")) continue;
+        partition["runningImageLevel"] = json::array({0, "9.9.9.999"});
+        return;
+    }
+    FAIL() << "no partition has a level";
+}
+
+/// One host more: its volume group and its ports.
+void addHost(json& facility)
+{
+    json& ports = facility["resources"]["Orvik.TarnScsiHostPort"];
+    json& groups = facility["resources"]["Orvik.TarnVolumeGroup"];
+    json port = ports[0];
+    port["userHostDescription"] = "newcomer";
+    ports.push_back(port);
+    ports.push_back(port);
+    groups.push_back(groups[0]);
+}
+
+void renameHost(json& facility)
+{
+    for (json& port : facility["resources"]["Orvik.TarnScsiHostPort"]) {
+        if (port["userHostDescription"] == "web-06") port["userHostDescription"] = "web-07";
+    }
+}
+
+TEST_F(Commands, TwoRunsOnOneFacilityDoNotDiffer)
+{
+    EXPECT_EQ(diffLines(collect("old"), collect("new")), std::vector<std::string>{});
+}
+
+TEST_F(Commands, ADriveALevelAndAHostAreExactlyThreeChanges)
+{
+    const auto lines = diffLines(collect("old"), collect("new", [](json& facility) {
+                                     replaceDrive(facility);
+                                     raiseLevel(facility);
+                                     addHost(facility);
+                                 }));
+    ASSERT_EQ(lines.size(), 4U) << testing::PrintToString(lines);
+    EXPECT_THAT(lines[0], testing::StartsWith("replaced  drive U1234.5X6.AB1"));
+    EXPECT_THAT(lines[0], testing::EndsWith("-> WKREPLACED"));
+    EXPECT_THAT(lines[1],
+                testing::StartsWith("changed   partition SF00XY123Tarn01: LIC VRMF 5.1.0.309 -> 9.9.9.999"));
+    EXPECT_THAT(
+        lines[2],
+        testing::StartsWith("added     host newcomer of SF00XY123Tarn01: Host Inventory ports (none) -> 2"));
+    EXPECT_EQ(lines[3], "3 changes: 1 added, 1 replaced, 1 changed");
+}
+
+TEST_F(Commands, ARenamedHostIsOneChange)
+{
+    const auto lines = diffLines(collect("old"), collect("new", renameHost));
+    // The bundled facility's two images have a host of that name each.
+    ASSERT_EQ(lines.size(), 3U) << testing::PrintToString(lines);
+    EXPECT_EQ(lines[0], "changed   host web-06 of SF00XY123Tarn01: Host Inventory web-06=3 -> web-07=3");
+    EXPECT_EQ(lines[1], "changed   host web-06 of SF00XY123Tarn02: Host Inventory web-06=3 -> web-07=3");
+}
+
+TEST_F(Commands, DiffPrintsJson)
+{
+    const Outcome outcome = run({"diff", "--json", collect("old"), collect("new", replaceDrive)});
+    EXPECT_EQ(outcome.status, 1);
+    const json report = json::parse(outcome.output);
+    ASSERT_EQ(report["changes"].size(), 1U);
+    EXPECT_EQ(report["changes"][0]["change"], "replaced");
+    EXPECT_EQ(report["changes"][0]["values"][0]["new"], "WKREPLACED");
+}
+
+TEST_F(Commands, ShowPrintsATreeOrJson)
+{
+    const std::string document = expected / "small.xml";
+    const Outcome tree = run({"show", document});
+    EXPECT_EQ(tree.status, 0) << tree.error;
+    EXPECT_THAT(tree.output, testing::HasSubstr("OSK Physical Disk Drive  U1234.5X6.AB100001-P1-D1"));
+    const Outcome data = run({"show", "--json", document});
+    EXPECT_EQ(data.status, 0) << data.error;
+    EXPECT_EQ(json::parse(data.output)["system"]["id"], "9999-B2C-7ABCD12");
+}
+
+TEST_F(Commands, ShowWritesAPage)
+{
+    const std::string page = folder.path() / "page.html";
+    const Outcome outcome = run({"show", expected / "facility.xml", "--html", page});
+    EXPECT_EQ(outcome.status, 0) << outcome.error;
+    EXPECT_EQ(outcome.output, "");
+    EXPECT_THAT(kordTest::readFile(page).value_or(""), testing::EndsWith("</html>\n"));
+}
+
+TEST_F(Commands, TroubleIsOneLineAndStatus2)
+{
+    const std::string bad = write("bad.xml", "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\nno\n");
+    const std::string good = expected / "small.xml";
+    struct Case {
+        std::vector<std::string> arguments;
+        std::string says;
+    };
+    const std::vector<Case> cases = {
+        {{"show", bad}, bad + ":2: "},
+        {{"show", "/no/such"}, "/no/such: No such file or directory"},
+        {{"show", "/"}, "/: "},
+        {{"show"}, "FILE is required"},
+        {{"show", good, "--html", "/no/such/page"}, "/no/such/page: No such file or directory"},
+        {{"show", good, "--html", "/dev/full"}, "/dev/full: No space left on device"},
+        {{"diff", good, bad}, bad + ":2: "},
+        {{"diff", bad, good}, bad + ":2: "},
+        {{"diff", good}, "NEW is required"},
+        {{"follow"}, "TRACE is required"},
+        {{"follow", "/"}, "/: "},
+    };
+    for (const Case& one : cases) {
+        const Outcome outcome = run(one.arguments);
+        EXPECT_EQ(outcome.status, 2) << one.says;
+        EXPECT_THAT(outcome.error, testing::StartsWith("kord: " + one.says));
+        EXPECT_EQ(kordTest::splitLines(outcome.error).size(), 1U) << outcome.error;
+        EXPECT_EQ(outcome.output, "");
+    }
+}
+
+TEST_F(Commands, AFullDiskBehindStandardOutputIsTrouble)
+{
+    const Outcome outcome = kordTest::runProcess(
+        {.arguments = {"/bin/sh", "-c", "\"$0\" show \"$1\" >/dev/full", kord, expected / "small.xml"},
+         .folder = {}});
+    EXPECT_EQ(outcome.status, 2);
+    EXPECT_THAT(outcome.error, testing::StartsWith("kord: standard output: "));
+}
+
+TEST_F(Commands, FollowTellsHowARunEnded)
+{
+    const fs::path document = collect("run");
+    const Outcome outcome = run({"follow", kordTest::traceFile(folder.path() / "run", mtms)});
+    EXPECT_EQ(outcome.status, 0) << outcome.error;
+    EXPECT_THAT(outcome.output,
+                testing::MatchesRegex("9999-B2C.7ABCD12: done, [0-9]+ s: 128 drives, 8 storage enclosures, 2 "
+                                      "racks, 2 partitions, 4 I/O enclosures, 2 processor complexes\n"));
+}
+
+TEST_F(Commands, FollowWaitsForTheLogAndForTheEnd)
+{
+    const fs::path log = folder.path() / "kord.log";
+    auto outcome = std::async(std::launch::async, [&] { return run({"follow", log}); });
+    const auto pause = [] { std::this_thread::sleep_for(std::chrono::milliseconds(400)); };
+    pause();
+    std::ofstream file(log);
+    file << "112126 13:41:03 SRCV: 155968_quay1 07-15-05  M*S" << std::endl;
+    pause();
+    file << "112126 13:41:04 ==>:  addIoEnclKord\n112126 13:41:04 >>:  openIOEncl resource" << std::endl;
+    pause();
+    file << "112126 13:41:05 0010:  exit -1 ------------------" << std::endl;
+    const Outcome done = outcome.get();
+    EXPECT_EQ(done.status, 1);
+    EXPECT_EQ(done.output, "waiting for a collection in " + log.string() +
+                               "\nM*S: start, 0 s\nM*S: I/O enclosures, 1 s: 1 I/O enclosure\n"
+                               "M*S: failed (I/O enclosures), 2 s: 1 I/O enclosure\n");
+}
+
+} // namespace
