@@ -3,8 +3,8 @@
 #include "runCheck.h"
 
 #include <algorithm>
-#include <cstdlib>
 #include <chrono>
+#include <cstdlib>
 #include <ctime>
 #include <fstream>
 #include <stdexcept>
