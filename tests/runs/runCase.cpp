@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <fstream>
-#include <regex>
 #include <set>
 #include <stdexcept>
 
@@ -83,53 +82,213 @@ private:
     std::set<std::string> left_;
 };
 
-/// "{x*500}" becomes 500 times x.
-static std::string withRepetitions(const std::string& text)
+/// Spreads one case out into plain ones: rows of tables, variants, and whatever its texts refer to by name.
+class Expansion
 {
-    static const std::regex repetition(R"(\{(.)\*([0-9]+)\})");
-    std::string result;
-    std::string rest = text;
-    for (std::smatch match; std::regex_search(rest, match, repetition); rest = match.suffix()) {
-        result += match.prefix().str() + std::string(std::stoul(match[2]), match[1].str()[0]);
-    }
-    return result + rest;
-}
+public:
+    explicit Expansion(const json& known) : fragments(known) {}
 
-static json expanded(const json& value, const json& fragments);
-
-static void appendExpanded(json& list, const json& item, const json& fragments)
-{
-    const bool named = item.is_string() && item.get_ref<const std::string&>().starts_with("@");
-    if (!named) {
-        list.push_back(expanded(item, fragments));
-        return;
-    }
-    const std::string name = item.get<std::string>().substr(1);
-    if (!fragments.contains(name)) throw std::runtime_error("no fragment \"" + name + "\"");
-    for (const json& part : fragments[name]) {
-        appendExpanded(list, part, fragments);
-    }
-}
-
-/// Puts fragments into lists and repetitions into texts, at any depth.
-static json expanded(const json& value, const json& fragments)
-{
-    if (value.is_string()) return withRepetitions(value.get<std::string>());
-    if (value.is_array()) {
-        json list = json::array();
-        for (const json& item : value) {
-            appendExpanded(list, item, fragments);
+    std::vector<json> cases(const json& object)
+    {
+        spread(object, json::object());
+        for (const std::string& name : givenBy(object)) {
+            if (!used.contains(name))
+                throw std::runtime_error("the parameter \"" + name + "\" is never used");
         }
-        return list;
+        return plain;
     }
-    json result = value;
-    if (value.is_object()) {
-        for (auto& [key, item] : result.items()) {
-            item = expanded(item, fragments);
+
+private:
+    /// Values are what the parameters stand for here: an inner one takes the place of an outer one.
+    void spread(json object, json values)
+    {
+        give(values, taken(object, "with"));
+        if (const json table = taken(object, "each"); !table.is_null()) {
+            for (const json& row : rowsOf(table)) {
+                json inner = values;
+                give(inner, row);
+                spread(object, inner);
+            }
+        } else if (const json variants = taken(object, "variants"); !variants.is_null()) {
+            for (const json& variant : variants) {
+                spread(varied(object, variant), values);
+            }
+        } else if (const json shape = taken(object, "like"); !shape.is_null()) {
+            json merged = fragment(textOf(filled(shape, values)));
+            json inner = merged.value("with", json::object());
+            inner.update(values);
+            merged.update(object);
+            merged.erase("with");
+            spread(merged, inner);
+        } else {
+            plain.push_back(filled(object, values));
         }
     }
-    return result;
-}
+
+    static json taken(json& object, const char* key)
+    {
+        const json value = object.value(key, json());
+        object.erase(key);
+        return value;
+    }
+
+    /// A table's rows as objects; its first row holds the names.
+    static std::vector<json> rowsOf(const json& table)
+    {
+        if (table.empty() || !table.is_array()) throw std::runtime_error("no table: " + table.dump());
+        std::vector<json> rows;
+        for (size_t row = 1; row < table.size(); ++row) {
+            if (table[row].size() != table[0].size())
+                throw std::runtime_error("the row " + table[row].dump() + " does not fit its heading");
+            rows.push_back(json::object());
+            for (size_t i = 0; i < table[row].size(); ++i) {
+                rows.back()[table[0][i].get<std::string>()] = table[row][i];
+            }
+        }
+        return rows;
+    }
+
+    /// The case with the variant's keys in place of its own, named after both.
+    static json varied(const json& object, const json& variant)
+    {
+        json merged = object;
+        merged.update(variant);
+        if (object.contains("name") && variant.contains("name"))
+            merged["name"] = object["name"].get<std::string>() + "_" + variant["name"].get<std::string>();
+        return merged;
+    }
+
+    static void give(json& values, const json& more)
+    {
+        for (const auto& [name, value] : more.items()) {
+            if (!isParameter(name)) throw std::runtime_error("\"" + name + "\" cannot be a parameter's name");
+            values[name] = value;
+        }
+    }
+
+    /// The parameters that a case itself gives, at any depth: not those of the shapes that it is like.
+    static std::set<std::string> givenBy(const json& value)
+    {
+        std::set<std::string> names;
+        if (!value.is_structured()) return names;
+        for (const auto& [key, item] : value.items()) {
+            const bool gives = value.is_object() && (key == "with" || key == "each" || key.starts_with("@"));
+            if (gives && item.is_array()) names.insert(item.at(0).begin(), item.at(0).end());
+            if (gives && item.is_object()) {
+                for (const auto& [name, inner] : item.items()) {
+                    names.insert(name);
+                }
+            }
+            names.merge(givenBy(item));
+        }
+        return names;
+    }
+
+    static bool isParameter(const std::string& name)
+    {
+        return !name.empty() && name[0] >= 'a' && name[0] <= 'z' && name != "any" && name != "root" &&
+               std::all_of(name.begin(), name.end(), [](unsigned char c) { return std::isalnum(c); });
+    }
+
+    /// What a name stands for: a parameter, else a fragment.
+    const json& named(const std::string& name, const json& values)
+    {
+        if (values.contains(name)) {
+            used.insert(name);
+            return values.at(name);
+        }
+        return fragment(name);
+    }
+
+    const json& fragment(const std::string& name) const
+    {
+        if (!fragments.contains(name)) throw std::runtime_error("nothing is named \"" + name + "\"");
+        return fragments.at(name);
+    }
+
+    json valueOf(const std::string& name, const json& values)
+    {
+        if (!within.insert(name).second) throw std::runtime_error("\"" + name + "\" stands within itself");
+        const json value = filled(named(name, values), values);
+        within.erase(name);
+        return value;
+    }
+
+    /// What stands in braces: a parameter's value, a repetition, or what is left for the run ({any}, {root}).
+    json braced(const std::string& inner, const json& values)
+    {
+        if (isParameter(inner)) return valueOf(inner, values);
+        const bool repeats = inner.size() > 2 && inner[1] == '*' &&
+                             inner.find_first_not_of("0123456789", 2) == std::string::npos;
+        return repeats ? std::string(std::stoul(inner.substr(2)), inner[0]) : "{" + inner + "}";
+    }
+
+    static std::string textOf(const json& value)
+    {
+        if (value.is_structured() || value.is_null())
+            throw std::runtime_error("within a text stands " + value.dump());
+        return value.is_string() ? value.get<std::string>() : value.dump();
+    }
+
+    json filledText(const std::string& text, const json& values)
+    {
+        std::string result;
+        size_t at = 0;
+        for (size_t open = 0; (open = text.find('{', at)) != std::string::npos;) {
+            const size_t close = text.find('}', open);
+            if (close == std::string::npos) break;
+            const json value = braced(text.substr(open + 1, close - open - 1), values);
+            if (open == 0 && close + 1 == text.size()) return value;
+            result += text.substr(at, open - at) + textOf(value);
+            at = close + 1;
+        }
+        return result + text.substr(at);
+    }
+
+    json filled(const json& value, const json& values)
+    {
+        if (value.is_string()) return filledText(value.get_ref<const std::string&>(), values);
+        if (!value.is_structured()) return value;
+        json result = value.is_array() ? json::array() : json::object();
+        for (const auto& [key, item] : value.items()) {
+            if (value.is_array()) {
+                append(result, item, values);
+            } else if (const json field = filled(item, values); item.is_null() || !field.is_null()) {
+                result[key] = field; // a parameter that is null leaves its key out
+            }
+        }
+        return result;
+    }
+
+    /// "@name" stands for the items of what is named, {"@name": {...}} for the same with parameters of its
+    /// own, {"@name": [...]} for the same once for each row of a table.
+    void append(json& list, const json& item, const json& values)
+    {
+        const bool call = item.is_object() && item.size() == 1 && item.begin().key().starts_with("@");
+        const std::string text = call ? item.begin().key() : item.is_string() ? item.get<std::string>() : "";
+        if (!text.starts_with("@")) {
+            list.push_back(filled(item, values));
+            return;
+        }
+        const std::string name = textOf(filledText(text.substr(1), values));
+        const json items = named(name, values);
+        if (!within.insert("@" + name).second) throw std::runtime_error("@" + name + " stands within itself");
+        const json given = call ? item.begin().value() : json::object();
+        for (const json& row : given.is_array() ? rowsOf(given) : std::vector<json>{given}) {
+            json inner = values;
+            give(inner, filled(row, values));
+            for (const json& part : items) {
+                append(list, part, inner);
+            }
+        }
+        within.erase("@" + name);
+    }
+
+    const json& fragments;
+    std::set<std::string> used;
+    std::set<std::string> within; ///< the names whose values are being filled in
+    std::vector<json> plain;
+};
 
 static FileState readFileState(const json& object, const std::string& place)
 {
@@ -262,43 +421,41 @@ static RunCase readCase(const json& object, const std::string& prefix)
     return run;
 }
 
-/// A case's variants: the case with some of its keys replaced, named after both.
-static std::vector<json> spread(const json& object)
-{
-    if (!object.contains("variants")) return {object};
-    std::vector<json> all;
-    for (const json& variant : object["variants"]) {
-        json merged = object;
-        merged.erase("variants");
-        merged.update(variant);
-        merged["name"] = object.at("name").get<std::string>() + "_" + variant.at("name").get<std::string>();
-        all.push_back(merged);
-    }
-    return all;
-}
-
 std::ostream& operator<<(std::ostream& stream, const RunCase& run)
 {
     return stream << run.name;
 }
 
-std::vector<RunCase> readCases(const json& file, const json& fragments, const std::string& prefix)
+std::vector<json> expandedCases(const json& file, const json& fragments, const std::string& prefix)
 {
     std::string about;
     Fields fields(file, prefix);
     fields.require("about", about);
+    json known = fragments;
+    if (const json* own = fields.find("fragments")) known.update(*own);
     const json* cases = fields.find("cases");
     fields.finish();
     if (cases == nullptr || !cases->is_array()) throw std::runtime_error(prefix + ": no \"cases\"");
 
+    std::vector<json> all;
+    for (const json& object : *cases) {
+        try {
+            const std::vector<json> plain = Expansion(known).cases(object);
+            all.insert(all.end(), plain.begin(), plain.end());
+        } catch (const std::exception& fault) {
+            throw std::runtime_error(object.value("name", object.dump().substr(0, 60)) + ": " + fault.what());
+        }
+    }
+    return all;
+}
+
+std::vector<RunCase> readCases(const json& file, const json& fragments, const std::string& prefix)
+{
     std::vector<RunCase> runs;
     std::set<std::string> names;
-    for (const json& object : *cases) {
-        for (const json& single : spread(object)) {
-            runs.push_back(readCase(expanded(single, fragments), prefix));
-            if (!names.insert(runs.back().name).second)
-                throw std::runtime_error(runs.back().name + ": twice");
-        }
+    for (const json& object : expandedCases(file, fragments, prefix)) {
+        runs.push_back(readCase(object, prefix));
+        if (!names.insert(runs.back().name).second) throw std::runtime_error(runs.back().name + ": twice");
     }
     return runs;
 }
@@ -309,16 +466,30 @@ static json parseFile(const fs::path& file)
     return json::parse(stream);
 }
 
-std::vector<RunCase> loadCases(const fs::path& folder, const fs::path& fragments)
+static std::vector<fs::path> caseFiles(const fs::path& folder)
 {
     std::vector<fs::path> files;
     for (const auto& entry : fs::directory_iterator(folder)) {
         if (entry.path().extension() == ".json") files.push_back(entry.path());
     }
     std::sort(files.begin(), files.end());
+    return files;
+}
 
+std::string expandedFolder(const fs::path& folder, const fs::path& fragments, const std::string& only)
+{
+    json all = json::object();
+    for (const fs::path& file : caseFiles(folder)) {
+        if (only.empty() || file.stem() == only)
+            all[file.stem()] = expandedCases(parseFile(file), parseFile(fragments), file.stem());
+    }
+    return all.dump(1);
+}
+
+std::vector<RunCase> loadCases(const fs::path& folder, const fs::path& fragments)
+{
     std::vector<RunCase> all;
-    for (const fs::path& file : files) {
+    for (const fs::path& file : caseFiles(folder)) {
         try {
             const auto runs = readCases(parseFile(file), parseFile(fragments), file.stem());
             all.insert(all.end(), runs.begin(), runs.end());

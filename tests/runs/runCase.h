@@ -91,10 +91,19 @@ struct RunCase {
 /// For test failures: the case's name.
 std::ostream& operator<<(std::ostream& stream, const RunCase& run);
 
-/// The cases of one file's JSON, variants spread out, fragments ("@name") and repetitions ("{x*500}") put in.
-/// Throws a text that names the place when the form is not kept: an unknown key is an error.
+/// The cases of one file's JSON as plain ones: tables and variants spread out, parameters, fragments
+/// ("@name") and repetitions ("{x*500}") put in. Throws a text that names the place when the form is not
+/// kept: a name without a value and a value that nothing refers to are errors.
+std::vector<nlohmann::json> expandedCases(const nlohmann::json& file, const nlohmann::json& fragments,
+                                          const std::string& prefix);
+
+/// The same, read. An unknown key is an error.
 std::vector<RunCase> readCases(const nlohmann::json& file, const nlohmann::json& fragments,
                                const std::string& prefix);
+
+/// The plain cases of a folder's files, or of the one of that name, as JSON text.
+std::string expandedFolder(const std::filesystem::path& folder, const std::filesystem::path& fragments,
+                           const std::string& only);
 
 /// The cases of all files of a folder. A file that cannot be read gives one case that says why.
 std::vector<RunCase> loadCases(const std::filesystem::path& folder, const std::filesystem::path& fragments);

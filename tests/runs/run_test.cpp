@@ -1,6 +1,7 @@
 // Every case of tests/runs/cases, run on the simulated console.
 
 #include <cstdlib>
+#include <iostream>
 
 #include <gtest/gtest.h>
 
@@ -31,9 +32,20 @@ TEST_P(WholeRun, leavesWhatItShould)
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(Cases, WholeRun,
-                         testing::ValuesIn(kordTest::loadCases(source / "tests/runs/cases",
-                                                               source / "tests/runs/fragments.json")),
+const std::filesystem::path cases = source / "tests/runs/cases";
+const std::filesystem::path fragments = source / "tests/runs/fragments.json";
+
+INSTANTIATE_TEST_SUITE_P(Cases, WholeRun, testing::ValuesIn(kordTest::loadCases(cases, fragments)),
                          [](const auto& parameter) { return parameter.param.name; });
 
 } // namespace
+
+int main(int count, char* arguments[])
+{
+    if (count > 1 && std::string_view(arguments[1]) == "--list-expanded") {
+        std::cout << kordTest::expandedFolder(cases, fragments, count > 2 ? arguments[2] : "") << "\n";
+        return 0;
+    }
+    testing::InitGoogleTest(&count, arguments);
+    return RUN_ALL_TESTS();
+}
