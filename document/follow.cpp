@@ -1,5 +1,6 @@
 #include "document/follow.h"
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <system_error>
@@ -13,6 +14,8 @@ namespace document
 
 namespace
 {
+
+constexpr size_t blockSize = 65536;
 
 class OpenFile
 {
@@ -38,7 +41,7 @@ std::system_error failed(const std::string& file)
 
 } // namespace
 
-bool Log::read(const std::function<void(std::string_view line)>& take)
+bool Log::read(const std::function<void(std::string_view bytes)>& take)
 {
     const OpenFile log(file);
     if (log.descriptor < 0 && errno == ENOENT) return false;
@@ -46,38 +49,40 @@ bool Log::read(const std::function<void(std::string_view line)>& take)
     if (log.descriptor < 0 || fstat(log.descriptor, &status) != 0) throw failed(file);
 
     // A log that grew too long loses its oldest lines, or is started anew.
-    const bool other = status.st_ino != inode || status.st_size < offset;
-    if (other) {
+    if (status.st_ino != inode || status.st_size < offset) {
         inode = status.st_ino;
-        offset = 0;
-        pending.clear();
+        offset = startIn(log.descriptor);
     }
-    std::array<char, 65536> bytes; // NOLINT(cppcoreguidelines-pro-type-member-init): filled by the read
+    std::array<char, blockSize> bytes; // NOLINT(cppcoreguidelines-pro-type-member-init): filled by the read
     for (ssize_t got = 0; (got = pread(log.descriptor, bytes.data(), bytes.size(), offset)) != 0;) {
         if (got < 0) throw failed(file);
         offset += got;
-        pending.append(bytes.data(), static_cast<size_t>(got));
+        note({bytes.data(), static_cast<size_t>(got)});
+        take({bytes.data(), static_cast<size_t>(got)});
     }
-    if (other) skipKnown();
-
-    const size_t end = pending.rfind('\n') + 1; // 0: there is no whole line
-    for (size_t at = 0; at < end;) {
-        const size_t lineEnd = pending.find('\n', at);
-        take(std::string_view(pending).substr(at, lineEnd - at));
-        at = lineEnd + 1;
-    }
-    constexpr size_t enough = 4096;
-    known.append(pending, 0, end);
-    if (known.size() > enough) known.erase(0, known.size() - enough);
-    pending.erase(0, end);
     return true;
 }
 
-/// What stays of a log that was cut is not handed over again.
-void Log::skipKnown()
+off_t Log::startIn(int descriptor) const
 {
-    const size_t at = known.empty() ? std::string::npos : pending.rfind(known);
-    if (at != std::string::npos) pending.erase(0, at + known.size());
+    constexpr size_t longest = 16U << 20U; // a log of the collector is cut long before
+    std::string all;
+    std::array<char, blockSize> bytes; // NOLINT(cppcoreguidelines-pro-type-member-init): filled by the read
+    while (!known.empty() && all.size() < longest) {
+        const ssize_t got = pread(descriptor, bytes.data(), bytes.size(), static_cast<off_t>(all.size()));
+        if (got < 0) throw failed(file);
+        if (got == 0) break;
+        all.append(bytes.data(), static_cast<size_t>(got));
+    }
+    const size_t at = known.empty() ? std::string::npos : all.rfind(known);
+    return at == std::string::npos ? 0 : static_cast<off_t>(at + known.size());
+}
+
+void Log::note(std::string_view bytes)
+{
+    constexpr size_t enough = 4096;
+    known += bytes.substr(bytes.size() - std::min(bytes.size(), enough));
+    if (known.size() > enough) known.erase(0, known.size() - enough);
 }
 
 } // namespace document

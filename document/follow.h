@@ -16,19 +16,20 @@ class Log
 public:
     explicit Log(std::string inFile) : file(std::move(inFile)) {}
 
-    /// Hands over the whole lines that were added since the last call; the first call, those there are.
+    /// Hands over the bytes that were added since the last call; the first call, those there are.
     /// \return whether the log exists
     /// \throws std::system_error when it cannot be read
-    bool read(const std::function<void(std::string_view line)>& take);
+    bool read(const std::function<void(std::string_view bytes)>& take);
 
 private:
-    void skipKnown();
+    /// Where the bytes of another file at the log's name go on after those that are known.
+    [[nodiscard]] off_t startIn(int descriptor) const;
+    void note(std::string_view bytes);
 
     std::string file;
     ino_t inode = 0;
-    off_t offset = 0;    ///< what was read of the file
-    std::string pending; ///< read, and not yet handed over
-    std::string known;   ///< the last lines that were handed over
+    off_t offset = 0;  ///< what was read of the file
+    std::string known; ///< the last bytes that were handed over
 };
 
 } // namespace document

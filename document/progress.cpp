@@ -5,7 +5,6 @@
 #include <algorithm>
 #include <array>
 #include <charconv>
-#include <ctime>
 
 namespace document
 {
@@ -16,21 +15,36 @@ namespace
 /// What a run does from a trace line on.
 struct Phase {
     std::string_view code;
-    std::string_view text;
+    std::string_view text; ///< what the line's text begins with
     std::string_view doing;
+    bool collects = false; ///< the checks before the collection are over
 };
 
 // The collector of the racks traces the name of that of the storage enclosures; its first query tells it.
+// Ends of lists tell nothing: a collector that fails closes them, too.
 constexpr Phase phases[] = {
+    {.code = "0004", .text = "start ", .doing = "sessions"},
+    {.code = "0107", .text = "", .doing = "system checks"},
+    {.code = "0108", .text = "", .doing = "system checks"},
+    {.code = "0109", .text = "", .doing = "system checks"},
+    {.code = "0017", .text = "", .doing = "state checks"},
     {.code = "==>", .text = "queryPartition", .doing = "partition checks"},
-    {.code = "==>", .text = "addCecEnclKord", .doing = "processor complexes"},
-    {.code = "==>", .text = "addIoEnclKord", .doing = "I/O enclosures"},
-    {.code = "==>", .text = "addStorEnclKord", .doing = "storage enclosures"},
-    {.code = ">>", .text = "openRackEncl  resource", .doing = "racks"},
-    {.code = "==>", .text = "addQuayEnclKord", .doing = "consoles"},
-    {.code = "==>", .text = "addPartitionKord", .doing = "partitions"},
-    {.code = ">>", .text = "closeInventory", .doing = "final checks"},
+    {.code = "0005", .text = "", .doing = "domain session", .collects = true},
+    {.code = "==>", .text = "addCecEnclKord", .doing = "processor complexes", .collects = true},
+    {.code = "==>", .text = "addIoEnclKord", .doing = "I/O enclosures", .collects = true},
+    {.code = "==>", .text = "addStorEnclKord", .doing = "storage enclosures", .collects = true},
+    {.code = "0400", .text = "", .doing = "racks", .collects = true},
+    {.code = "==>", .text = "queryDA", .doing = "I/O enclosures", .collects = true},
+    {.code = "==>", .text = "queryDDM", .doing = "storage enclosures", .collects = true},
+    {.code = ">>", .text = "openRackEncl ", .doing = "racks", .collects = true},
+    {.code = "==>", .text = "addQuayEnclKord", .doing = "consoles", .collects = true},
+    {.code = "==>", .text = "addPartitionKord", .doing = "partitions", .collects = true},
+    {.code = ">>", .text = "openPartitionResource ", .doing = "partitions", .collects = true},
 };
+
+/// The states of both systems are asked for before the collection and after it.
+constexpr std::string_view stateCode = "0017";
+constexpr std::string_view afterCollection = "final checks";
 
 struct Counted {
     std::string_view code;
@@ -53,74 +67,56 @@ constexpr Counted countedParts[] = {
 };
 
 constexpr int success = 3;
-
-std::string_view trimmed(std::string_view text)
-{
-    const size_t first = text.find_first_not_of(' ');
-    if (first == std::string_view::npos) return {};
-    return text.substr(first, text.find_last_not_of(' ') - first + 1);
-}
-
-/// Month, day, year, time: "112126 13:04:59".
-constexpr std::string_view stampForm = "###### ##:##:##";
-
-bool isStamp(std::string_view text)
-{
-    return text.size() == stampForm.size() &&
-           std::ranges::equal(text, stampForm, [](char character, char form) {
-               return form == '#' ? character >= '0' && character <= '9' : character == form;
-           });
-}
-
-std::time_t timeOfStamp(const std::string& stamp)
-{
-    std::tm time{};
-    return strptime(stamp.c_str(), "%m%d%y %H:%M:%S", &time) == nullptr ? 0 : timegm(&time);
-}
+constexpr int failure = -1;
 
 int64_t numberIn(std::string_view text, int64_t otherwise)
 {
     const std::string_view digits = trimmed(text);
-    int64_t number = otherwise;
-    std::from_chars(digits.data(), digits.data() + digits.size(), number);
-    return number;
+    int32_t number = 0; // as the collector has it
+    const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), number);
+    return error == std::errc() ? number : otherwise;
 }
 
 } // namespace
 
-void Progress::read(std::string_view line)
+void Progress::read(const TraceLine& line)
 {
-    const size_t length = stampForm.size();
-    if (line.size() <= length || !isStamp(line.substr(0, length))) return; // the rest of a wrapped line
-    const size_t colon = line.find(": ", length);
-    if (colon == std::string_view::npos) return;
-    const std::string_view code = trimmed(line.substr(length, colon - length));
-    const std::string_view text = trimmed(line.substr(colon + 2));
-    lastStamp = line.substr(0, length);
-    if (code == "SRCV") return start(text);
-    constexpr std::string_view closing = "exit ";
-    if (code == "0010" && text.starts_with(closing) && text.ends_with("---"))
-        exit = static_cast<int>(numberIn(text.substr(closing.size()), 0));
-    if (code == "0019") minorErrors = true;
-    count(code, text);
+    if (const std::string_view startedSystem = systemStarted(line); !startedSystem.empty()) {
+        start(startedSystem);
+    } else if (exit) {
+        start({}); // the line that starts the next run was lost
+    }
+    lastStamp = line.stamp;
+    if (firstStamp.empty()) firstStamp = line.stamp;
+    exit = endsWithoutClosing(line) ? failure : closingStatus(line);
+    if (line.code == "0019") minorErrors = true;
+    enter(line);
+    count(line);
 }
 
-void Progress::start(std::string_view text)
+void Progress::start(std::string_view startedSystem)
 {
-    const std::string stamp = lastStamp;
     *this = Progress{};
-    firstStamp = lastStamp = stamp;
-    system = text.substr(text.rfind(' ') + 1);
-    doing = "start";
+    system = startedSystem;
 }
 
-void Progress::count(std::string_view code, std::string_view text)
+void Progress::enter(const TraceLine& line)
 {
-    const auto* const phase =
-        std::ranges::find_if(phases, [&](const Phase& row) { return row.code == code && row.text == text; });
-    if (phase != std::end(phases) && doing != "final checks") doing = phase->doing;
+    if (collects && line.code == stateCode) doing = afterCollection;
+    if (doing == afterCollection) return;
+    const std::string_view text = trimmed(line.text);
+    const auto* const phase = std::ranges::find_if(
+        phases, [&](const Phase& row) { return row.code == line.code && text.starts_with(row.text); });
+    if (phase == std::end(phases)) return;
+    doing = phase->doing;
+    collects = collects || phase->collects;
+}
+
+void Progress::count(const TraceLine& line)
+{
+    const std::string_view text = trimmed(line.text);
     for (const Counted& row : countedParts) {
-        if (row.code != code || !text.starts_with(row.text)) continue;
+        if (row.code != line.code || !text.starts_with(row.text)) continue;
         counted[static_cast<size_t>(&row - countedParts)] += numberIn(text.substr(row.text.size()), 1);
     }
 }
@@ -142,10 +138,16 @@ std::string Progress::outcome() const
     return minorErrors ? "done, with minor errors" : "done";
 }
 
+std::string Progress::time() const
+{
+    const std::string seconds = std::to_string(secondsBetween(firstStamp, lastStamp)) + " s";
+    return system.empty() ? "the last " + seconds : seconds;
+}
+
 std::string Progress::line() const
 {
-    const auto seconds = timeOfStamp(lastStamp) - timeOfStamp(firstStamp);
-    return shown(system) + ": " + outcome() + ", " + std::to_string(seconds) + " s" + counts();
+    const std::string name = system.empty() ? "a run whose start the log has lost" : shown(system);
+    return name + ": " + outcome() + ", " + time() + counts();
 }
 
 } // namespace document

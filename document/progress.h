@@ -2,6 +2,8 @@
 
 #pragma once
 
+#include "document/trace.h"
+
 #include <cstdint>
 #include <map>
 #include <optional>
@@ -15,12 +17,11 @@ namespace document
 class Progress
 {
 public:
-    /// \param line a line of the log without its line feed
-    void read(std::string_view line);
+    void read(const TraceLine& line);
 
-    /// Whether the log has shown the start of a run.
-    [[nodiscard]] bool started() const { return !system.empty(); }
-    /// The exit status that the run's closing line tells; none while it runs.
+    /// Whether the log has shown something of a run. The line that starts one may have been cut off the log.
+    [[nodiscard]] bool started() const { return !firstStamp.empty(); }
+    /// The exit status that the run's last line tells; none while it runs.
     [[nodiscard]] std::optional<int> status() const { return exit; }
     /// What the run does at present.
     [[nodiscard]] std::string_view phase() const { return doing; }
@@ -28,16 +29,18 @@ public:
     [[nodiscard]] std::string line() const;
 
 private:
-    void start(std::string_view text);
-    void enter(std::string_view function);
-    void count(std::string_view code, std::string_view text);
+    void start(std::string_view startedSystem);
+    void enter(const TraceLine& line);
+    void count(const TraceLine& line);
     [[nodiscard]] std::string counts() const;
     [[nodiscard]] std::string outcome() const;
+    [[nodiscard]] std::string time() const;
 
-    std::string system;
-    std::string_view doing;
+    std::string system; ///< empty when the log no longer tells
+    std::string_view doing = "start";
     std::map<size_t, int64_t> counted; ///< by row of the table of what is counted
     std::optional<int> exit;
+    bool collects = false; ///< the checks before the collection are over
     bool minorErrors = false;
     std::string firstStamp;
     std::string lastStamp;

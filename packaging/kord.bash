@@ -6,6 +6,7 @@ _kord()
         [[ $word != -- ]] || { COMPREPLY=($(compgen -c -- "$current")); return; }
     done
     case $previous in
+        --quiet-after) return ;;
         -o | --output | --html) COMPREPLY=($(compgen -f -- "$current")); return ;;
     esac
     if ((COMP_CWORD == 1)); then
@@ -15,6 +16,7 @@ _kord()
     case ${COMP_WORDS[1]} in
         show) options="--json --html --help" ;;
         diff) options="--json --help" ;;
+        follow) options="--quiet-after --help" ;;
         record) options="--output --redact --verify --help --" ;;
         *) options="--help" ;;
     esac

@@ -1,26 +1,19 @@
 #include "commands.h"
 
 #include "document/diff.h"
-#include "document/follow.h"
 #include "document/json.h"
 #include "document/page.h"
-#include "document/progress.h"
 #include "document/reader.h"
 #include "document/report.h"
-#include "document/text.h"
 #include "document/tree.h"
 #include "platform/failure.h"
 
-#include <chrono>
 #include <clocale>
 #include <cstdio>
 #include <memory>
 #include <string_view>
-#include <thread>
 
 #include <langinfo.h>
-#include <sys/ioctl.h>
-#include <unistd.h>
 
 namespace tool
 {
@@ -29,8 +22,6 @@ namespace
 {
 
 constexpr int differences = 1;
-constexpr int unsuccessful = 1;
-constexpr int collected = 3; // the collector's own status
 
 void print(const std::string& text)
 {
@@ -54,31 +45,6 @@ document::Lines drawableLines()
                                                              : document::Lines::ascii;
 }
 
-/// A line that is written over as long as it is a terminal's, else one line after the other.
-class ProgressLine
-{
-public:
-    void show(const std::string& line)
-    {
-        if (line == last) return;
-        last = line;
-        print(terminal ? "\r" + document::cutTo(line, columns()) + "\x1b[K" : line + '\n');
-    }
-    void end(const std::string& line) { print(terminal ? "\r" + line + "\x1b[K\n" : line + '\n'); }
-    const bool terminal = isatty(STDOUT_FILENO) != 0;
-
-private:
-    static size_t columns()
-    {
-        constexpr size_t usual = 80;
-        winsize size = {};
-        const bool known = ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 10;
-        return (known ? size.ws_col : usual) - 1;
-    }
-
-    std::string last;
-};
-
 } // namespace
 
 int show(const ShowOptions& options)
@@ -98,27 +64,6 @@ int diff(const DiffOptions& options)
         document::diff(document::readFile(options.before), document::readFile(options.after));
     print(options.json ? document::json(changes, options.before, options.after) : document::lines(changes));
     return changes.empty() ? 0 : differences;
-}
-
-int follow(const std::string& log)
-{
-    using namespace std::chrono_literals;
-    document::Log lines(log);
-    document::Progress progress;
-    ProgressLine output;
-    std::string_view phase;
-    for (;; std::this_thread::sleep_for(100ms)) {
-        lines.read([&](std::string_view line) { progress.read(line); });
-        if (progress.started() && progress.status()) break;
-        if (!progress.started()) {
-            output.show("waiting for a collection in " + document::shown(log));
-        } else if (output.terminal || progress.phase() != phase) {
-            phase = progress.phase();
-            output.show(progress.line());
-        }
-    }
-    output.end(progress.line());
-    return progress.status() == collected ? 0 : unsuccessful;
 }
 
 } // namespace tool

@@ -28,7 +28,12 @@ struct DiffOptions {
 /// Prints what differs. \return 0 when nothing does, else 1
 int diff(const DiffOptions& options);
 
+struct FollowOptions {
+    std::string log;
+    unsigned quietAfter = 60; ///< seconds without a new line that are told
+};
+
 /// Shows how far a collection has come until it ends. \return 0 when it was successful, else 1
-int follow(const std::string& log);
+int follow(const FollowOptions& options);
 
 } // namespace tool

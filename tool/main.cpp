@@ -23,7 +23,7 @@ struct CommandLine {
 
     tool::ShowOptions showOptions;
     tool::DiffOptions diffOptions;
-    std::string followedLog;
+    tool::FollowOptions followOptions;
     recorder::Options recordOptions;
 
     CommandLine();
@@ -42,9 +42,12 @@ CommandLine::CommandLine()
     diff->add_option("NEW", diffOptions.after, "The newer document")->required()->type_name("");
     diff->add_flag("--json", diffOptions.json, "Print the differences as JSON");
 
-    follow->add_option("TRACE", followedLog, "The trace log, which need not exist yet")
+    follow->add_option("TRACE", followOptions.log, "The trace log, which need not exist yet")
         ->required()
         ->type_name("");
+    follow->add_option("--quiet-after", followOptions.quietAfter, "Say when nothing was written for so long")
+        ->type_name("SECONDS")
+        ->capture_default_str();
 
     record->footer("The program and its arguments follow after --: kord record ... -- PROGRAM [ARG...]");
     record->add_option("-o,--output", recordOptions.output, "The facility file to write")
@@ -58,7 +61,7 @@ int act(CommandLine& line, std::span<char*> program)
 {
     if (line.show->parsed()) return tool::show(line.showOptions);
     if (line.diff->parsed()) return tool::diff(line.diffOptions);
-    if (line.follow->parsed()) return tool::follow(line.followedLog);
+    if (line.follow->parsed()) return tool::follow(line.followOptions);
     if (program.empty()) throw platform::Failure("there is no program to run: name it after --");
     line.recordOptions.program.assign(program.begin(), program.end());
     return recorder::record(line.recordOptions);

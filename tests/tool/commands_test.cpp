@@ -218,6 +218,28 @@ TEST_F(Commands, FollowTellsHowARunEnded)
                                       "racks, 2 partitions, 4 I/O enclosures, 2 processor complexes\n"));
 }
 
+TEST_F(Commands, FollowEndsOnALogThatLostItsStart)
+{
+    const fs::path log = folder.path() / "kord.log";
+    std::ofstream(log) << "resourcelist\n112126 13:41:04 >>:  openRackEncl  resource\n"
+                          "112126 13:41:05 0010:  exit 3 ------------------\n";
+    const Outcome outcome = run({"follow", log});
+    EXPECT_EQ(outcome.status, 0) << outcome.error;
+    EXPECT_EQ(outcome.output, "a run whose start the log has lost: done, the last 1 s: 1 rack\n");
+}
+
+TEST_F(Commands, FollowSaysWhenNothingComes)
+{
+    const fs::path log = folder.path() / "kord.log";
+    std::ofstream file(log);
+    file << "112126 13:41:03 SRCV: 155968_quay1 07-15-05  M*S" << std::endl;
+    auto outcome = std::async(std::launch::async, [&] { return run({"follow", "--quiet-after", "1", log}); });
+    std::this_thread::sleep_for(std::chrono::milliseconds(1500));
+    file << "112126 13:41:05 0010:  exit 3 ------------------" << std::endl;
+    EXPECT_EQ(outcome.get().output,
+              "M*S: start, 0 s\nM*S: start, 0 s; nothing new for 1 s\nM*S: done, 2 s\n");
+}
+
 TEST_F(Commands, FollowWaitsForTheLogAndForTheEnd)
 {
     const fs::path log = folder.path() / "kord.log";
