@@ -17,7 +17,11 @@ public:
         if (number >= 0) close(number);
     }
     FileDescriptor(FileDescriptor&& other) noexcept : number(std::exchange(other.number, -1)) {}
-    FileDescriptor& operator=(FileDescriptor&&) = delete;
+    FileDescriptor& operator=(FileDescriptor&& other) noexcept
+    {
+        std::swap(number, other.number);
+        return *this;
+    }
 
     [[nodiscard]] bool isOpen() const { return number >= 0; }
     [[nodiscard]] int get() const { return number; }

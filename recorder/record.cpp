@@ -6,6 +6,7 @@
 #include "platform/failure.h"
 #include "platform/installation.h"
 #include "platform/process.h"
+#include "platform/wholeFile.h"
 #include "recorder/builder.h"
 #include "recorder/redactor.h"
 #include "recorder/tape.h"
@@ -97,12 +98,6 @@ Tape readTape(const fs::path& path)
     return tape;
 }
 
-void write(const fs::path& path, const std::string& text)
-{
-    std::ofstream file(path, std::ios::binary);
-    if (!(file << text).flush()) throw platform::failedOn(path.string());
-}
-
 void checkFacility(const std::string& text)
 {
     const facility::Faults faults = facility::compile(text).faults;
@@ -140,11 +135,13 @@ Tape comparable(Tape tape)
     return tape;
 }
 
-void verify(const Workshop& workshop, const platform::Installation& installation, const Options& options,
+void verify(const Workshop& workshop, const platform::Installation& installation, const std::string& facility,
             const Tape& recorded, const std::vector<std::string>& program,
             const platform::HeldSignals& signals)
 {
     const fs::path tape = workshop.file("replay.jsonl");
+    const fs::path file = workshop.file("facility.json");
+    platform::writeWhole(file, facility, platform::WholeFile::Safety::inMemory);
     std::vector<std::string> replay = {"/bin/sh",
                                        "-c",
                                        "exec \"$@\" >/dev/null 2>&1",
@@ -152,7 +149,7 @@ void verify(const Workshop& workshop, const platform::Installation& installation
                                        installation.find({launcher})[0],
                                        "run",
                                        "--facility",
-                                       options.output,
+                                       file,
                                        "--root",
                                        workshop.file("root"),
                                        "--"};
@@ -164,11 +161,11 @@ void verify(const Workshop& workshop, const platform::Installation& installation
     const Tape before = comparable(recorded);
     const Tape after = comparable(readTape(tape));
     if (after.empty())
-        throw platform::Failure("the replay of " + options.output + " made no call: see kord-console run");
+        throw platform::Failure("the replay of the recording made no call: see kord-console run");
     const auto difference = std::ranges::mismatch(before, after);
     if (difference.in1 == before.end() && difference.in2 == after.end()) return;
     const json& line = difference.in1 == before.end() ? *difference.in2 : *difference.in1;
-    throw platform::Failure("the replay of " + options.output + " differs at line " +
+    throw platform::Failure("the replay of the recording differs at line " +
                             std::to_string(difference.in1 - before.begin() + 1) + " of " +
                             std::to_string(before.size()) + ": " +
                             line.dump(-1, ' ', false, json::error_handler_t::replace).substr(0, 1000));
@@ -198,9 +195,9 @@ int record(const Options& options)
             word = redactor.argument(word);
     }
     const std::string facility = toText(buildFacility(readCalls(tape)));
-    write(options.output, facility);
     checkFacility(facility);
-    if (options.verify) verify(workshop, installation, options, tape, program, signals);
+    if (options.verify) verify(workshop, installation, facility, tape, program, signals);
+    platform::writeWhole(options.output, facility);
     tellHowToReplay(options, program);
     return status;
 }

@@ -7,8 +7,8 @@
 #include "image/image.h"
 #include "platform/failure.h"
 #include "platform/fileDescriptor.h"
+#include "platform/wholeFile.h"
 
-#include <cstdio>
 #include <ctime>
 #include <fcntl.h>
 #include <sstream>
@@ -79,20 +79,6 @@ platform::FileDescriptor openFacility(const fs::path& path)
     return file;
 }
 
-/// The file appears whole or not at all, so that an interrupted run leaves nothing half made.
-void replace(const fs::path& path, const std::string& content)
-{
-    const fs::path made = path.string() + ".new" + std::to_string(getpid());
-    std::FILE* file = std::fopen(made.c_str(), "we");
-    if (file == nullptr) throw platform::failedOn(made.string());
-    const bool written = std::fwrite(content.data(), 1, content.size(), file) == content.size();
-    const bool closed = std::fclose(file) == 0;
-    if (written && closed && rename(made.c_str(), path.c_str()) == 0) return;
-    const int reason = errno;
-    unlink(made.c_str());
-    throw platform::failedOn(path.string(), reason);
-}
-
 bool isCurrent(const std::string& key, const fs::path& root)
 {
     if (key.empty() || access((root / image::imageFile).c_str(), R_OK) != 0) return false;
@@ -129,8 +115,9 @@ void provideImage(const fs::path& path, const fs::path& root, const platform::In
     const facility::Compilation compilation = facility::compile(readAll(file.get(), path));
     if (!compilation.faults.empty()) throw malformed(path, compilation.faults);
     unlink((root / keyFile).c_str()); // a key never stands beside an image that is not its own
-    replace(root / image::imageFile, compilation.image);
-    if (!key.empty()) replace(root / keyFile, key);
+    using platform::WholeFile;
+    platform::writeWhole(root / image::imageFile, compilation.image, WholeFile::Safety::inMemory);
+    if (!key.empty()) platform::writeWhole(root / keyFile, key, WholeFile::Safety::inMemory);
 }
 
 } // namespace console::launcher
