@@ -26,11 +26,10 @@ constexpr Query drawerQuery = {
     .className = "Orvik.TarnCECDrawer",
     .attributes = drawerAttributes,
     .selection = "managedSystemMTMS=\"%s\"",
-    .callFailed = {.trace = {"0114", "IODrawer %d, %s"}, .report = report("addIoEnclKord", "r")},
-    .noResources = {.trace = {"0115", " no res count_iod=%d"}, .report = report("addCecEnclKord", "e")},
+    .callFailed = {.trace = {"0114", "IODrawer %d, %s"}, .report = {.name = "addIoEnclKord"}},
+    .noResources = {.trace = {"0115", " no res count_iod=%d"}},
     .responseTrace = {"0116", " response  %d, %s"},
-    .otherError = {.report = reportMessage("Orvik.TarnCECDrawer", "r")},
-    .emptyFirst = {.trace = {"0117", " no res found %d"}, .report = report("addCecEnclKord", "r")},
+    .emptyFirst = {.trace = {"0117", " no res found %d"}, .report = {.type = valeCallFailed}},
     .success = {"0117", " array_cnt_cec=%d"},
 };
 
@@ -60,8 +59,8 @@ constexpr Attribute cardAttributes[] = {
 };
 
 constexpr ErrorCase cardErrors[] = {
-    {.number = valeError40008, .failure = minorFailure},
-    {.number = valeError4000d, .failure = {.report = report("queryNVC", "r")}},
+    {.number = valeError40008, .failure = minorFailure()},
+    {.number = valeError4000d, .failure = {.report = underFunction}},
 };
 
 constexpr Query cardQuery = {
@@ -71,11 +70,10 @@ constexpr Query cardQuery = {
     .attributes = cardAttributes,
     .selection = "storageFacilityImageMTMS=\"%s\" && server=%d ",
     .selectionTrace = {"0120", " %s "},
-    .callFailed = {.trace = {"0120", " handle_bp %d, %s"}, .report = report("queryNVC", "r")},
-    .noResources = {.trace = {"0120", " no res  array_cnt_nvc=%d"}, .report = report("queryNVC", "e")},
+    .callFailed = {.trace = {"0120", " handle_bp %d, %s"}},
+    .noResources = {.trace = {"0120", " no res  array_cnt_nvc=%d"}},
     .responseTrace = {"0121", "response %d, %s"},
     .errors = cardErrors,
-    .otherError = {.report = reportMessage("Orvik.TarnNVC", "r")},
     .success = {"0121", " nvc array_cnt_nvc=%d "},
     .progress = " writeNVC open/close resource",
 };
@@ -88,17 +86,16 @@ constexpr Query facilityQuery = {
     .entry = " querySFState",
     .session = &kordRec::sess_hndl_SR,
     .className = "Orvik.TarnStorageFacility",
-    .dynamic = true,
+    .call = Call::dynamicQuery,
     .attributes = facilityAttributes,
     .selection = "storageFacilityMTMS=\"%s\"",
-    .callFailed = {.trace = {"0100", " SF rRc= %d, %s"}, .report = report("querySFState", "r")},
-    .noResources = {.trace = {"0101", " no res  array_cnt_sf=%d"}, .report = report("querySFState", "e")},
+    .callFailed = {.trace = {"0100", " SF rRc= %d, %s"}},
+    .noResources = {.trace = {"0101", " no res  array_cnt_sf=%d"}},
     .responseTrace = {"0101", " response %d, %s"},
-    .otherError = {.report = report("querySFState", "r")},
-    .emptyFirst = {.trace = {"0101", " no res  array_cnt_sf=%d"}, .report = report("querySFState", "e")},
+    .otherError = {.report = underFunction},
+    .emptyFirst = {.trace = {"0101", " no res  array_cnt_sf=%d"}},
 };
-constexpr Failure badFacilityState = {.trace = {"0102", " power state =%d"},
-                                      .report = report("querySFState", "e")};
+constexpr Failure badFacilityState = {.trace = {"0102", " power state =%d"}};
 
 constexpr Attribute systemAttributes[] = {{.name = "powerRunState"}};
 
@@ -106,20 +103,17 @@ constexpr Query systemQuery = {
     .entry = " querySFSystemState",
     .session = &kordRec::sess_hndl_SR,
     .className = "Orvik.TarnStorageFacilitySystem",
-    .dynamic = true,
+    .call = Call::dynamicQuery,
     .attributes = systemAttributes,
     .selection = "managedSystemMTMS=\"%s\"",
     .selectionTrace = {"0103", "%s"},
-    .callFailed = {.trace = {"0103", " SF returned %d, %s"}, .report = report("querySFSystemState", "r")},
-    .noResources = {.trace = {"0104", " no res  array_cnt_sfs=%d"},
-                    .report = report("querySFSystemState", "e")},
+    .callFailed = {.trace = {"0103", " SF returned %d, %s"}},
+    .noResources = {.trace = {"0104", " no res  array_cnt_sfs=%d"}},
     .responseTrace = {"0104", " response error %d, %s"},
-    .otherError = {.report = report("querySFSystemState", "r")},
-    .emptyFirst = {.trace = {"0104", " no res  array_cnt_sfs=%d"},
-                   .report = report("querySFSystemState", "e")},
+    .otherError = {.report = underFunction},
+    .emptyFirst = {.trace = {"0104", " no res  array_cnt_sfs=%d"}},
 };
-constexpr Failure badSystemState = {.trace = {"0105", " power run state =%d"},
-                                    .report = report("querySFSystemState", "e")};
+constexpr Failure badSystemState = {.trace = {"0105", " power run state =%d"}};
 
 /// The one attribute of the first response must have the expected value.
 int32_t checkPower(kordRec* pKordRec, const Query& query, const char* mtms, int32_t expected,

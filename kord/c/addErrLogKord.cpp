@@ -10,18 +10,16 @@
 namespace
 {
 
-struct EventKind {
-    const char* errortype;
-    const char* systemRefCode;
-    const char* text;
-};
-
 constexpr EventKind eventKinds[] = {
-    {.errortype = "e", .systemRefCode = "BED00000", .text = "Expected resources were not found"},
-    {.errortype = "r", .systemRefCode = "BED00001", .text = "VALE call resulted in a non zero return value"},
-    {.errortype = "u", .systemRefCode = "BED00002", .text = "Unknown error"},
-    {.errortype = "s", .systemRefCode = "BED00003", .text = "Subsystem is degraded"},
-    {.errortype = "i", .systemRefCode = "BED00004", .text = "Invalid managed system MTMS"},
+    {.errortype = resourcesNotFound,
+     .systemRefCode = "BED00000",
+     .text = "Expected resources were not found"},
+    {.errortype = valeCallFailed,
+     .systemRefCode = "BED00001",
+     .text = "VALE call resulted in a non zero return value"},
+    {.errortype = unknownError, .systemRefCode = "BED00002", .text = "Unknown error"},
+    {.errortype = subsystemDegraded, .systemRefCode = "BED00003", .text = "Subsystem is degraded"},
+    {.errortype = invalidMTMS, .systemRefCode = "BED00004", .text = "Invalid managed system MTMS"},
 };
 constexpr EventKind logicError = {
     .errortype = nullptr, .systemRefCode = "BED00005", .text = "Microcode logic error"};

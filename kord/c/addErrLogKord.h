@@ -6,10 +6,23 @@
 
 #include <span>
 
-// Error types, each selecting an event's reference code and text: "r" a call or response of the resource
-// manager failed, "e" expected resources are missing, "s" a system or partition is not in its working state,
-// "u" unknown, "i" an invalid MTMS. Any other ("d" the document, "m" memory) files as a microcode logic
-// error.
+// --- Error types, each selecting an event's reference code and text. A type of no event's own files as a
+// microcode logic error.
+
+constexpr const char* resourcesNotFound = "e";
+constexpr const char* valeCallFailed = "r";
+constexpr const char* unknownError = "u";
+constexpr const char* subsystemDegraded = "s"; ///< a system or partition is not in its working state
+constexpr const char* invalidMTMS = "i";
+constexpr const char* documentFailed = "d"; ///< no event's own
+constexpr const char* outOfMemory = "m";    ///< no event's own
+
+/// What one error type becomes on the console.
+struct EventKind {
+    const char* errortype; ///< null: every other
+    const char* systemRefCode;
+    const char* text;
+};
 
 /// Files an event with the type's own text, under the name of the function or class that failed. Traces the
 /// call, and "050" with the command when the event tool fails. Always -1.

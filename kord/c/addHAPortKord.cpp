@@ -5,22 +5,17 @@
 namespace
 {
 
-constexpr const char* portClass = "Orvik.TarnHAPort";
-
-constexpr Report portReport(const char* type)
-{
-    return report("enumerateHAPort", type);
-}
-
 constexpr ErrorCase minorErrors[] = {
-    {.number = valeError40008, .failure = minorFailure},
+    {.number = valeError40008, .failure = minorFailure()},
 };
 
 /// The ports report under a common name that is no function's.
 constexpr CounterFamily ports = {
+    .className = "Orvik.TarnHAPort",
+    .selectionTrace = " %s",
     .emptyEnumeration = " no enum response enumCount_hap=%d",
-    .emptyReport = portReport("e"),
-    .responseReport = portReport("r"),
+    .emptyReport = {.name = "enumerateHAPort"},
+    .responseReport = {.kind = Report::Kind::plain, .name = "enumerateHAPort"},
     .minorErrors = minorErrors,
 };
 
@@ -39,43 +34,34 @@ constexpr Counter firstPort(const CounterRow& row)
 {
     Counter counter = port(row);
     counter.query.errors = firstPortErrors;
-    counter.query.otherError = {.report = portReport("r"), .result = minorError, .flag = true};
+    counter.query.otherError.result = minorError;
+    counter.query.otherError.flag = true;
     counter.zeroWhenEmpty = true;
     return counter;
 }
 
 constexpr Counter portCounters[] = {
     firstPort({.entry = " enumerateHAPort0",
-               .className = portClass,
                .codes = {"0900", "0901", "0902", "0903", "904"},
-               .selectionTrace = " %s",
                .selection = "(storageFacilityImageMTMS=\"%s\") && (ActivePeerDomain=\"%s\")",
                .callFailed = " HAPort %d, %s"}),
     port({.entry = " enumerateHAPort1",
-          .className = portClass,
           .codes = {"0905", "0906", "0907", "0908", "0909"},
-          .selectionTrace = " %s",
           .selection = "(storageFacilityImageMTMS=\"%s\") && (ActivePeerDomain=\"%s\")"
                        " && (portType=20 || portType=21)",
           .callFailed = " HAPort %d, %s"}),
     port({.entry = " enumerateHAPort2",
-          .className = portClass,
           .codes = {"0910", "0911", "0912", "0913", "0914"},
-          .selectionTrace = " %s",
           .selection = "(storageFacilityImageMTMS=\"%s\") && (ActivePeerDomain=\"%s\")"
                        " && (topologyULP=1)",
           .callFailed = " HAPort %d, %s"}),
     port({.entry = " enumerateHAPort3",
-          .className = portClass,
           .codes = {"0915", "0916", "0917", "0918", "0919"},
-          .selectionTrace = " %s",
           .selection = "(storageFacilityImageMTMS=\"%s\") && (ActivePeerDomain=\"%s\")"
                        " && (topologyULP=0)",
           .callFailed = " HAPort %d, %s"}),
     port({.entry = " enumerateHAPort4",
-          .className = portClass,
           .codes = {"0920", "0921", "0922", "0923", "0924"},
-          .selectionTrace = " %s",
           .selection = "(storageFacilityImageMTMS=\"%s\") && (ActivePeerDomain=\"%s\")"
                        " && (topologyULP=2)",
           .callFailed = " HAPort %d, %s"}),

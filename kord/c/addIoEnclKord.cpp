@@ -31,11 +31,10 @@ constexpr Query drawerQuery = {
     .attributes = drawerAttributes,
     .selection = "managedSystemMTMS=\"%s\"",
     .selectionTrace = {"0200", " %s"},
-    .callFailed = {.trace = {"0201", "  IODrawer %d, %s"}, .report = report("addIoEnclKord", "r")},
-    .noResources = {.trace = {"0202", " no res count_iod=%d"}, .report = report("addIoEnclKord", "e")},
+    .callFailed = {.trace = {"0201", "  IODrawer %d, %s"}},
+    .noResources = {.trace = {"0202", " no res count_iod=%d"}},
     .responseTrace = {"0203", " response  %d, %s"},
-    .otherError = {.report = reportMessage("Orvik.TarnIODrawer", "r")},
-    .emptyFirst = {.trace = {"0204", " no res found %d"}, .report = report("addIoEnclKord", "r")},
+    .emptyFirst = {.trace = {"0204", " no res found %d"}, .report = {.type = valeCallFailed}},
 };
 
 // --- Adapters
@@ -91,43 +90,42 @@ constexpr Attribute hostAdapterAttributes[] = {
 constexpr const char* adapterSelection = "storageFacilityImageMTMS=\"%s\" && locationCode =? '%s%%'  ";
 
 constexpr ErrorCase deviceAdapterErrors[] = {
-    {.number = valeError40008, .failure = minorFailure},
-    {.number = valeError4000d, .failure = {.report = reportMessage("addIoEnclKord", "u")}},
+    {.number = valeError40008, .failure = minorFailure()},
+    {.number = valeError4000d, .failure = {.report = {.name = "addIoEnclKord", .type = unknownError}}},
 };
 
 constexpr Query deviceAdapterQuery = {
     .entry = " queryDA",
+    .function = "addIoEnclKord",
     .session = &kordRec::sess_hndl_DM,
     .className = "Orvik.TarnDA",
     .attributes = deviceAdapterAttributes,
     .selection = adapterSelection,
     .selectionTrace = {"0206", " %s"},
-    .callFailed = {.trace = {"0207", " vale_query_p_select TarnDA %d, %s"},
-                   .report = report("addIoEnclKord", "r")},
-    .noResources = {.trace = {"0208", " no res  array_cnt_da=%d"}, .report = report("addIoEnclKord", "e")},
+    .callFailed = {.trace = {"0207", " vale_query_p_select TarnDA %d, %s"}},
+    .noResources = {.trace = {"0208", " no res  array_cnt_da=%d"}},
     .responseTrace = {"0209", " resp %d, %s"},
     .errors = deviceAdapterErrors,
-    .otherError = {.report = reportMessage("Orvik.TarnDA", "r")},
     .success = {"0210", " array_cnt_da=%d"},
     .progress = " writeDA open/close resource",
 };
 
 constexpr ErrorCase hostAdapterErrors[] = {
-    {.number = valeError40008, .failure = minorFailure},
+    {.number = valeError40008, .failure = minorFailure()},
 };
 
 constexpr Query hostAdapterQuery = {
     .entry = " queryHA",
+    .function = "addIoEnclKord",
     .session = &kordRec::sess_hndl_DM,
     .className = "Orvik.TarnHA",
     .attributes = hostAdapterAttributes,
     .selection = adapterSelection,
     .selectionTrace = {"0213", " %s "},
-    .callFailed = {.trace = {"0214", " TarnHA %d, %s"}, .report = report("addIoEnclKord", "r")},
-    .noResources = {.trace = {"0215", " no res  array_cnt_ha=%d"}, .report = report("addIoEnclKord", "e")},
+    .callFailed = {.trace = {"0214", " TarnHA %d, %s"}},
+    .noResources = {.trace = {"0215", " no res  array_cnt_ha=%d"}},
     .responseTrace = {"0216", " TarnHA %d, %s"},
     .errors = hostAdapterErrors,
-    .otherError = {.report = reportMessage("Orvik.TarnHA", "r")},
     .success = {"0216", " array_cnt_ha=%d"},
     .progress = " writeHA open/close resource",
     .walksRequested = true,

@@ -5,18 +5,18 @@
 namespace
 {
 
-constexpr const char* volumeClass = "Orvik.TarnLogicalVolume";
-
 constexpr ErrorCase minorErrors[] = {
-    {.number = valeError40008, .failure = minorFailure},
+    {.number = valeError40008, .failure = minorFailure()},
 };
 
 /// The volumes report under common names: an empty enumeration under one that is no function's, a response in
 /// error under the first counter's.
 constexpr CounterFamily volumes = {
+    .className = "Orvik.TarnLogicalVolume",
+    .selectionTrace = " %s",
     .emptyEnumeration = " no enum response enumCount_vol=%d",
-    .emptyReport = report("enumerateLogicalVolume", "e"),
-    .responseReport = report("enumerateLogicalVolume0", "r"),
+    .emptyReport = {.name = "enumerateLogicalVolume"},
+    .responseReport = {.kind = Report::Kind::plain, .name = "enumerateLogicalVolume0"},
     .minorErrors = minorErrors,
 };
 
@@ -27,59 +27,43 @@ constexpr Counter volume(const CounterRow& row)
 
 constexpr Counter volumeCounters[] = {
     volume({.entry = " enumerateLogicalVolume0",
-            .className = volumeClass,
             .codes = {"0800", "0801", "0802", "0803", "0804"},
-            .selectionTrace = " %s",
             .selection = "(storageFacilityImageMTMS=\"%s\") && (ActivePeerDomain=\"%s\")"
                          " && (volumeType=10)",
             .callFailed = "  LogicalVolume %d, %s"}),
     volume({.entry = " enumerateLogicalVolume1",
-            .className = volumeClass,
             .codes = {"0805", "0806", "0807", "0808", "0809"},
-            .selectionTrace = " %s",
             .selection = "(storageFacilityImageMTMS=\"%s\") && (ActivePeerDomain=\"%s\")"
                          " && (volumeType=10) && (dataType=10)",
             .callFailed = "  LogicalVolume %d, %s"}),
     volume({.entry = " enumerateLogicalVolume2",
-            .className = volumeClass,
             .codes = {"0810", "0811", "0812", "0813", "0814"},
-            .selectionTrace = " %s",
             .selection = "(storageFacilityImageMTMS=\"%s\") && (ActivePeerDomain=\"%s\")"
                          " && (volumeType=10) && (dataType=11)",
             .callFailed = " LogicalVolume %d, %s"}),
     volume({.entry = " enumerateLogicalVolume3",
-            .className = volumeClass,
             .codes = {"0815", "0816", "0817", "0818", "0819"},
-            .selectionTrace = " %s",
             .selection = "(storageFacilityImageMTMS=\"%s\") && (ActivePeerDomain=\"%s\")"
                          " && (volumeType=10) && (dataType=12)",
             .callFailed = " LogicalVolume %d, %s",
             .responseError = " reesponse %d, %s"}),
     volume({.entry = " enumerateLogicalVolume4",
-            .className = volumeClass,
             .codes = {"0820", "0821", "0822", "0823", "0824"},
-            .selectionTrace = " %s",
             .selection = "(storageFacilityImageMTMS=\"%s\") && (ActivePeerDomain=\"%s\")"
                          " && (volumeType=11) ",
             .callFailed = "  LogicalVolume %d, %s"}),
     volume({.entry = " enumerateLogicalVolume5",
-            .className = volumeClass,
             .codes = {"0825", "0826", "0827", "0828", "0829"},
-            .selectionTrace = " %s",
             .selection = "(storageFacilityImageMTMS=\"%s\") && (ActivePeerDomain=\"%s\")"
                          " && (volumeType=12)",
             .callFailed = " LogicalVolume %d, %s"}),
     volume({.entry = " enumerateLogicalVolume6",
-            .className = volumeClass,
             .codes = {"0830", "0831", "0832", "0833", "0834"},
-            .selectionTrace = " %s",
             .selection = "(storageFacilityImageMTMS=\"%s\") && (ActivePeerDomain=\"%s\")"
                          " && (volumeType=20) && (dataType=0)",
             .callFailed = " LogicalVolume %d, %s"}),
     volume({.entry = " enumerateLogicalVolume7",
-            .className = volumeClass,
             .codes = {"0835", "0836", "0837", "0838", "0839"},
-            .selectionTrace = " %s",
             .selection = "(storageFacilityImageMTMS=\"%s\") && (ActivePeerDomain=\"%s\")"
                          " && (volumeType=20) && (dataType=1 || dataType=2)",
             .callFailed = " LogicalVolume %d, %s"}),

@@ -30,15 +30,15 @@ constexpr Attribute partitionAttributes[] = {
 };
 
 constexpr Query partitionQuery = {
+    .function = "addPartitionKord",
     .session = &kordRec::sess_hndl_SR,
     .className = "Orvik.TarnStorageFacilityPartition",
     .attributes = partitionAttributes,
     .selection = "managedSystemMTMS=\"%s\" && hslLumenPoolId=\"%s\" ",
     .selectionTrace = {"0695 ", "%s"},
-    .callFailed = {.trace = {"0696", "sfp %d %s"}, .report = report("addPartitionKord", "r")},
-    .noResources = {.trace = {"0697", "no res  array_cnt_sfp=%d"}, .report = report("addPartitionKord", "e")},
+    .callFailed = {.trace = {"0696", "sfp %d %s"}},
+    .noResources = {.trace = {"0697", "no res  array_cnt_sfp=%d"}},
     .responseTrace = {"0698", "response %d, %s"},
-    .otherError = {.report = reportMessage("Orvik.TarnStorageFacilityPartition", "r")},
 };
 
 // --- Memory and processors
@@ -65,10 +65,9 @@ constexpr Query memoryQuery = {
     .attributes = memoryAttributes,
     .selection = "managedSystemMTMS=\"%s\" && lparName=\"%s\"",
     .selectionTrace = {"0600", "  %s"},
-    .callFailed = {.trace = {"0601", " %d, %s"}, .report = report("queryMemoryProc", "r")},
-    .noResources = {.trace = {"0602", " no res  array_cnt=%d"}, .report = report("queryMemoryProc", "e")},
+    .callFailed = {.trace = {"0601", " %d, %s"}},
+    .noResources = {.trace = {"0602", " no res  array_cnt=%d"}},
     .responseTrace = {"0603", " response  %d, %s"},
-    .otherError = {.report = reportMessage("Orvik.TarnStorageFacilityPartition", "r")},
 };
 
 // --- Microcode levels
@@ -78,7 +77,7 @@ void writeNoVRMF(const kordRec* pKordRec)
     writeVRMF(pKordRec, "");
 }
 
-constexpr Failure noVRMF = {.result = minorError, .flag = true, .instead = writeNoVRMF};
+constexpr Failure noVRMF = minorFailure({}, writeNoVRMF);
 
 constexpr ErrorCase serverPartitionErrors[] = {
     {.number = valeError40008, .failure = noVRMF},
@@ -88,18 +87,14 @@ constexpr Query serverPartitionQuery = {
     .entry = " enumerateVRMF",
     .session = &kordRec::sess_hndl_DM,
     .className = "Orvik.TarnServerPartition",
+    .call = Call::enumeration,
     .selection = "locationCode=\"%s\" && ActivePeerDomain=\"%s\"",
     .selectionTrace = {"0607", "  %s"},
-    .callFailed = {.trace = {"0608", " svp %d, %s"}, .report = report("enumerateVRMF", "r")},
-    .noResources = {.trace = {"0609", "  no enum response enumCount_svp=%d"},
-                    .report = report("enumerateVRMF", "e")},
+    .callFailed = {.trace = {"0608", " svp %d, %s"}},
+    .noResources = {.trace = {"0609", "  no enum response enumCount_svp=%d"}},
     .responseTrace = {"0610", " enum response %d, %s"},
     .errors = serverPartitionErrors,
-    .otherError = {.report = reportMessage("Orvik.TarnServerPartition", "r")},
-    .emptyFirst = {.trace = {"0611", " Orvik.TarnServerPartition  no res handle found %d"},
-                   .result = minorError,
-                   .flag = true,
-                   .instead = writeNoVRMF},
+    .emptyFirst = minorFailure({"0611", " Orvik.TarnServerPartition  no res handle found %d"}, writeNoVRMF),
 };
 
 constexpr ErrorCase imageLevelErrors[] = {
@@ -107,21 +102,26 @@ constexpr ErrorCase imageLevelErrors[] = {
     {.number = valeError4000a, .failure = noVRMF},
 };
 
+constexpr Report levelMessage = {
+    .kind = Report::Kind::withMessage, .name = "queryImageLevel", .type = valeCallFailed};
+
 /// The class action on a server partition; events carry the name "queryImageLevel", which is no function's.
 constexpr Query imageLevelAction = {
+    .function = "queryImageLevel",
     .session = &kordRec::sess_hndl_DM,
     .className = "Orvik.TarnServerPartition",
-    .callFailed = {.trace = {"0612", " %d, %s"}, .report = report("enumerateVRMF", "r")},
-    .noResources = {.trace = {"0613", " response  %d, %s"}, .report = reportMessage("queryImageLevel", "r")},
+    .call = Call::action,
+    .action = "queryRunningImageLevel",
+    .callFailed = {.trace = {"0612", " %d, %s"}, .report = {.name = "enumerateVRMF"}},
+    .noResources = {.trace = {"0613", " response  %d, %s"}, .report = levelMessage},
     .responseTrace = {"0613", " response  %d, %s"},
     .errors = imageLevelErrors,
-    .otherError = {.report = reportMessage("queryImageLevel", "r")},
+    .otherError = {.report = levelMessage},
     .success = {"0613", " array_cnt_svp=%d"},
 };
 constexpr Failure emptyImageLevel = {.trace = {"614", " element_count=%d"},
-                                     .report = report("queryImageLevel", "r")};
-constexpr Failure imageLevelRefused = {.trace = {"614", " error rc=%d"},
-                                       .report = report("queryImageLevel", "r")};
+                                     .report = {.type = valeCallFailed}};
+constexpr Failure imageLevelRefused = {.trace = {"614", " error rc=%d"}, .report = {.type = valeCallFailed}};
 
 /// One element of the action's result: a return code, which must be 0, or a level.
 int32_t writeLevel(kordRec* pKordRec, const ValeElement& element)
@@ -158,46 +158,41 @@ void writeNoWWNN(const kordRec* pKordRec)
 
 constexpr Attribute imageAttributes[] = {{.name = "storageFacilityImageWWNN"}};
 
-constexpr Failure noWWNN = {.result = minorError, .flag = true, .instead = writeNoWWNN};
+constexpr Failure noWWNN = minorFailure({}, writeNoWWNN);
 
 constexpr ErrorCase imageErrors[] = {
     {.number = valeError40008, .failure = noWWNN},
     {.number = valeError4000a, .failure = noWWNN},
     {.number = valeError4000d,
-     .failure = {.report = report("querySFImageWWNN", "r"),
-                 .result = minorError,
-                 .flag = true,
-                 .instead = writeNoWWNN}},
+     .failure = {.report = underFunction, .result = minorError, .flag = true, .instead = writeNoWWNN}},
 };
 
 // The entry line's misspelling is what consumers of the trace look for.
 constexpr Query imageQuery = {
     .entry = " SFIamgeWWNN",
+    .function = "querySFImageWWNN",
     .session = &kordRec::sess_hndl_DM,
     .className = "Orvik.TarnStorageFacilityImage",
     .attributes = imageAttributes,
     .selection = imageSelection,
     .selectionTrace = {"0621", "  %s"},
-    .callFailed = {.trace = {"0622", " sfi %d, %s"}, .report = report("querySFImageWWNN", "r")},
-    .noResources = {.trace = {"0623", " no res  array_cnt_sfi=%d"},
-                    .report = report("querySFImageWWNN", "e")},
+    .callFailed = {.trace = {"0622", " sfi %d, %s"}},
+    .noResources = {.trace = {"0623", " no res  array_cnt_sfi=%d"}},
     .responseTrace = {"0624", " response %d, %s"},
     .errors = imageErrors,
-    .otherError = {.report = reportMessage("Orvik.TarnStorageFacilityImage", "r")},
 };
 
 // --- Counts of objects
 
 constexpr ErrorCase objectErrors[] = {
-    {.number = valeError40008, .failure = minorFailure},
-    {.number = valeError4000a, .failure = minorFailure},
-    {.number = valeError30002, .failure = minorFailure},
+    {.number = valeError40008, .failure = minorFailure()},
+    {.number = valeError4000a, .failure = minorFailure()},
+    {.number = valeError30002, .failure = minorFailure()},
 };
 
 constexpr CounterFamily objects = {
+    .selectionTrace = "  %s",
     .emptyEnumeration = " no enum response enumCount_hap=%d",
-    .emptyReport = {.kind = Report::Kind::plain, .type = "e"},
-    .responseReport = {.kind = Report::Kind::withMessage, .type = "r"},
     .minorErrors = objectErrors,
     .total = " cound %d, %d",
 };
@@ -211,31 +206,26 @@ constexpr Counter objectCounters[] = {
     object({.entry = " enumerateVolumeGroup",
             .className = "Orvik.TarnVolumeGroup",
             .codes = {"0625", "0625", "0627", "0628", "0629"},
-            .selectionTrace = "  %s",
             .selection = imageSelection,
             .callFailed = " HAPort %d, %s"}),
     object({.entry = " enumerateScsiHostPort",
             .className = "Orvik.TarnScsiHostPort",
             .codes = {"0630", "0631 ", "0632", "0634", "0635"},
-            .selectionTrace = "  %s",
             .selection = imageSelection,
             .callFailed = "ScsiHostPort %d, %s"}),
     object({.entry = " enumerateTeskHost",
             .className = "Orvik.TarnTeskHost",
             .codes = {"0636", "0637 ", "0638 ", "0639", "0640"},
-            .selectionTrace = "  %s",
             .selection = imageSelection,
             .callFailed = " TeskHost %d, %s"}),
     object({.entry = " enumerateLogicalCKDLssObj",
             .className = "Orvik.TarnLogicalSubsystem",
             .codes = {"0641", "0642", "0643", "0644", "0645"},
-            .selectionTrace = "  %s",
             .selection = "storageFacilityImageMTMS=\"%s\" && deviceType=\"CKD\" && ActivePeerDomain=\"%s\"",
             .callFailed = " LogicalSubSystem %d, %s"}),
     object({.entry = " enumerateLogicalFBLssObj",
             .className = "Orvik.TarnLogicalSubsystem",
             .codes = {"0646 ", "0647", "0648", "0649", "0650"},
-            .selectionTrace = "  %s",
             .selection = "storageFacilityImageMTMS=\"%s\" && deviceType=\"FB\" && ActivePeerDomain=\"%s\" ",
             .callFailed = "  LogicalSubSystem %d, %s"}),
 };
@@ -299,7 +289,7 @@ void writeNoHosts(const kordRec* pKordRec)
     writeHostInventory(pKordRec, "");
 }
 
-constexpr Failure noHosts = {.result = minorError, .flag = true, .instead = writeNoHosts};
+constexpr Failure noHosts = minorFailure({}, writeNoHosts);
 
 constexpr ErrorCase hostPortErrors[] = {
     {.number = valeError40008, .failure = noHosts},
@@ -314,17 +304,11 @@ constexpr Query hostPortQuery = {
     .attributes = hostPortAttributes,
     .selection = "storageFacilityImageMTMS=\"%s\" && ActivePeerDomain=\"%s\" ",
     .selectionTrace = {"0677", "  %s"},
-    .callFailed = {.trace = {"0678 ", " %d, %s"}, .report = report("queryScsiHostPort", "r")},
-    .noResources = {.trace = {"0679", " no res  array_cnt_shp=%d"},
-                    .result = minorError,
-                    .flag = true,
-                    .instead = writeNoHosts},
+    .callFailed = {.trace = {"0678 ", " %d, %s"}},
+    .noResources = minorFailure({"0679", " no res  array_cnt_shp=%d"}, writeNoHosts),
     .responseTrace = {"0680", " response %d, %s"},
     .errors = hostPortErrors,
-    .otherError = {.report = reportMessage("Orvik.TarnScsiHostPort", "r"),
-                   .result = minorError,
-                   .instead = writeNoHosts,
-                   .writesFirst = true},
+    .otherError = {.result = minorError, .instead = writeNoHosts, .writesFirst = true},
     .success = {"0679", " array_cnt_shp=%d"},
 };
 
@@ -393,14 +377,14 @@ int32_t foldDescriptions(const kordRec* pKordRec, Resources ports, userHostDescr
         if (*pFirst == nullptr) {
             *pFirst = newDescrRecord(description, nullptr);
             if (*pFirst == nullptr) {
-                handleErrKord_new(pKordRec, "Orvik.TarnScsiHostPort", "m", "out of memory");
+                handleErrKord_new(pKordRec, "Orvik.TarnScsiHostPort", outOfMemory, "out of memory");
                 printf("%s %s\n", "Orvik.TarnScsiHostPort", "Out of memory");
                 return failed;
             }
         } else if (findDescr(pKordRec, index, pFirst, description) == 1) {
             continue;
         } else if (addDescrRecord(pKordRec, pFirst, description) != 0) {
-            return handleErrKord_new(pKordRec, "Orvik.TarnScsiHostPort", "m", "out of memory");
+            return handleErrKord_new(pKordRec, "Orvik.TarnScsiHostPort", outOfMemory, "out of memory");
         }
         if (index.slots != nullptr) *index.slotOf(description) = *pFirst;
     }
@@ -412,8 +396,8 @@ int32_t foldDescriptions(const kordRec* pKordRec, Resources ports, userHostDescr
 constexpr const char* storageSelection = "storageFacilityImageMTMS=\"%s\" && ActivePeerDomain=\"%s\" ";
 
 constexpr ErrorCase storageErrors[] = {
-    {.number = valeError40008, .failure = minorFailure},
-    {.number = valeError4000a, .failure = minorFailure},
+    {.number = valeError40008, .failure = minorFailure()},
+    {.number = valeError4000a, .failure = minorFailure()},
 };
 
 /// Queries the parts and writes each, inside a list that is opened with the first of them.
@@ -464,11 +448,10 @@ constexpr Query arraySiteQuery = {
     .attributes = arraySiteAttributes,
     .selection = storageSelection,
     .selectionTrace = {"0677", "  %s"},
-    .callFailed = {.trace = {"0678 ", " %d, %s"}, .report = report("queryArraySites", "r")},
-    .noResources = {.trace = {"0679", " no res  array_cnt_sit=%d"}, .report = report("queryArraySites", "e")},
+    .callFailed = {.trace = {"0678 ", " %d, %s"}},
+    .noResources = {.trace = {"0679", " no res  array_cnt_sit=%d"}},
     .responseTrace = {"0680", " response %d, %s"},
     .errors = storageErrors,
-    .otherError = {.report = reportMessage("Orvik.TarnArraySite", "r")},
     .success = {"0679", " array_cnt_sit=%d, attr_count_sit=%d"},
     .progress = " writeArraySite open/close resource",
 };
@@ -531,11 +514,10 @@ constexpr Query arrayQuery = {
     .attributes = arrayAttributes,
     .selection = storageSelection,
     .selectionTrace = {"0681", "  %s"},
-    .callFailed = {.trace = {"0682", "  %d, %s"}, .report = report("queryArrays", "r")},
-    .noResources = {.trace = {"0683", " no res  array_cnt_arr=%d"}, .report = report("queryArrays", "e")},
+    .callFailed = {.trace = {"0682", "  %d, %s"}},
+    .noResources = {.trace = {"0683", " no res  array_cnt_arr=%d"}},
     .responseTrace = {"0684", " response %d, %s"},
     .errors = storageErrors,
-    .otherError = {.report = reportMessage("Orvik.TarnArray", "r")},
     .success = {"0685 ", " array_cnt_arr=%d, attr_count_arr=%d"},
     .progress = " writeArray open/close resource",
 };
@@ -565,11 +547,10 @@ constexpr Query rankQuery = {
     .attributes = rankAttributes,
     .selection = storageSelection,
     .selectionTrace = {"0687", "  %s"},
-    .callFailed = {.trace = {"0688", " %d, %s"}, .report = report("queryRanks", "r")},
-    .noResources = {.trace = {"0689", " no res  array_cnt_rank=%d"}, .report = report("queryRanks", "e")},
+    .callFailed = {.trace = {"0688", " %d, %s"}},
+    .noResources = {.trace = {"0689", " no res  array_cnt_rank=%d"}},
     .responseTrace = {"0690 ", "response  %d, %s"},
     .errors = storageErrors,
-    .otherError = {.report = reportMessage("Orvik.TarnRank", "r")},
     .success = {"0691", "array_cnt_rank=%d, attr_count_rank=%d"},
     .progress = " writeRank open/close resource",
 };
@@ -605,14 +586,10 @@ constexpr Query segmentPoolQuery = {
     .attributes = segmentPoolAttributes,
     .selection = storageSelection,
     .selectionTrace = {"0691", "%s"},
-    .callFailed = {.trace = {"0692", "%d, %s"},
-                   .report = report("querySegmentPools", "r"),
-                   .print = "%s %d, %s\n"},
-    .noResources = {.trace = {"0693", "no res  array_cnt_seg=%d"},
-                    .report = report("querySegmentPools", "e")},
+    .callFailed = {.trace = {"0692", "%d, %s"}, .print = "%s %d, %s\n"},
+    .noResources = {.trace = {"0693", "no res  array_cnt_seg=%d"}},
     .responseTrace = {"0694 ", "response %d, %s"},
     .errors = storageErrors,
-    .otherError = {.report = reportMessage("Orvik.TarnSegmentPool", "r")},
     .success = {"0695", "array_cnt_seg=%d, attr_count_seg=%d"},
     .progress = " writeSegmentPool open/close resource",
 };
@@ -732,7 +709,7 @@ int32_t enumerateVRMF(kordRec* pKordRec, const char* /*storageFacilityImageMTMS*
     const Request request = requestOf(serverPartitionQuery.selection, locationCode, activePeerDomain);
     return runEnumeration(pKordRec, serverPartitionQuery, request, [&](Enumeration found) {
         trace(pKordRec, "0611", " vale_rsrc_handle_count=%d", static_cast<int32_t>(found[0].handleCount));
-        return runAction(pKordRec, imageLevelAction, found[0].handles[0], "queryRunningImageLevel", "S",
+        return runAction(pKordRec, imageLevelAction, found[0].handles[0], "S",
                          [&](ActionResults results) { return writeLevels(pKordRec, results); });
     });
 }

@@ -22,13 +22,14 @@ constexpr Attribute quayAttributes[] = {
 
 // Events carry the name "queryQUAY", which is no function's.
 constexpr Query quayQuery = {
+    .function = "queryQUAY",
     .session = &kordRec::sess_hndl_SR,
     .className = "Orvik.TarnQUAY",
     .attributes = quayAttributes,
-    .callFailed = {.trace = {"0500", "  %d, %s"}, .report = report("queryQUAY", "r")},
-    .noResources = {.trace = {"0501", " no res  array_cnt_quay=%d"}, .report = report("queryQUAY", "e")},
+    .callFailed = {.trace = {"0500", "  %d, %s"}},
+    .noResources = {.trace = {"0501", " no res  array_cnt_quay=%d"}},
     .responseTrace = {"0502", " response %d, %s"},
-    .otherError = {.report = report("queryQUAY", "r")},
+    .otherError = {.report = underFunction},
 };
 
 // --- Rack enclosure MTMS
@@ -47,11 +48,10 @@ constexpr Query rackQuery = {
     .className = "Orvik.TarnRack",
     .attributes = rackAttributes,
     .selection = "(storageFacilityMTMS=\"%s\") && (rackNumber=\"%s\")",
-    .callFailed = {.trace = {"0515", "  rack %d, %s"}, .report = report("queryRackEnclMTMS", "r")},
-    .noResources = {.trace = {"0515", " no res  array_cnt_rack=%d"},
-                    .report = report("queryRackEnclMTMS", "e")},
+    .callFailed = {.trace = {"0515", "  rack %d, %s"}},
+    .noResources = {.trace = {"0515", " no res  array_cnt_rack=%d"}},
     .responseTrace = {"0516", "response %d, %s"},
-    .otherError = {.report = report("queryRackEnclMTMS", "r")},
+    .otherError = {.report = underFunction},
 };
 
 // --- Storage plex
@@ -70,11 +70,10 @@ constexpr Query plexQuery = {
     .className = "Orvik.TarnStoragePlex",
     .attributes = plexAttributes,
     .selection = "ActivePeerDomain=\"%s\" ",
-    .callFailed = {.trace = {"0511", " plex %d, %s"}, .report = report("queryStoragePlex", "r")},
-    .noResources = {.trace = {"0517", " no res array_cnt_plex=%d"},
-                    .report = report("queryStoragePlex", "e")},
+    .callFailed = {.trace = {"0511", " plex %d, %s"}},
+    .noResources = {.trace = {"0517", " no res array_cnt_plex=%d"}},
     .responseTrace = {"0511", " response  %d, %s"},
-    .otherError = {.report = report("queryStoragePlex", "r")},
+    .otherError = {.report = underFunction},
 };
 
 /// Reads every attribute of the one name that the query asks for, and hands on the item after each.

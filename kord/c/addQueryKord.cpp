@@ -1,7 +1,5 @@
 #include "addQueryKord.h"
 
-#include "addErrLogKord.h"
-
 #include <algorithm>
 #include <cstdarg>
 #include <cstdio>
@@ -15,10 +13,10 @@ constexpr size_t mostAttributes = 16;
 using QueryCall = decltype(&vale_query_p_select);
 
 /// Traces, files and notes one failure.
-int32_t settle(kordRec* pKordRec, const Query& query, const Failure& failure, int32_t number,
+int32_t settle(kordRec* pKordRec, const Query& query, Role role, const Failure& failure, int32_t number,
                const char* message, const char* subject)
 {
-    const Report& report = failure.report;
+    const Report report = reportOf(query, role, failure.report);
     const char* name = report.name != theSubject ? report.name : subject;
     if (failure.instead != nullptr && failure.writesFirst) failure.instead(pKordRec);
     if (report.kind == Report::Kind::plain) handleErrKord(pKordRec, name, report.type);
@@ -34,7 +32,8 @@ int32_t callFailed(kordRec* pKordRec, const Query& query, const Request& request
     const Failure& failure = query.callFailed;
     const ClientError error = takeError();
     trace(pKordRec, failure.trace.code, failure.trace.format, rc, messageOf(error), request.subject);
-    const int32_t result = settle(pKordRec, query, failure, rc, messageOf(error), request.subject);
+    const int32_t result =
+        settle(pKordRec, query, Role::callFailed, failure, rc, messageOf(error), request.subject);
     releaseError(error);
     return result;
 }
@@ -48,7 +47,7 @@ int32_t responseFailed(kordRec* pKordRec, const Query& query, const Request& req
 
     const auto own = std::ranges::find(query.errors, error.number, &ErrorCase::number);
     const Failure& failure = own != query.errors.end() ? own->failure : query.otherError;
-    return settle(pKordRec, query, failure, number, message, request.subject);
+    return settle(pKordRec, query, Role::response, failure, number, message, request.subject);
 }
 
 /// The table's row for an attribute's name; attributes mostly arrive as requested, so its position is tried
@@ -80,7 +79,7 @@ int32_t fail(kordRec* pKordRec, const Query& query, const Failure& failure, int3
              const Request& request)
 {
     trace(pKordRec, failure.trace.code, failure.trace.format, number, request.subject);
-    return settle(pKordRec, query, failure, number, "", request.subject);
+    return settle(pKordRec, query, Role::nothing, failure, number, "", request.subject);
 }
 
 Verdict judgeAnswer(kordRec* pKordRec, const Query& query, const Request& request, int32_t rc, uint32_t count,
@@ -110,7 +109,7 @@ Answer<ValeQueryResponse> callQuery(kordRec* pKordRec, const Query& query, const
         trace(pKordRec, query.selectionTrace.code, query.selectionTrace.format, request.selection);
     }
     Answer<ValeQueryResponse> answer;
-    const QueryCall call = query.dynamic ? vale_query_d_select : vale_query_p_select;
+    const QueryCall call = query.call == Call::dynamicQuery ? vale_query_d_select : vale_query_p_select;
     answer.rc = call(pKordRec->*query.session, &answer.responses, &answer.count, query.className,
                      query.selection != nullptr ? request.selection : nullptr, names.data(),
                      static_cast<uint32_t>(count));

@@ -3,6 +3,7 @@
 
 #pragma once
 
+#include "addErrLogKord.h"
 #include "addTextKord.h"
 #include "addTrcKord.h"
 #include "kordRec.h"
@@ -59,42 +60,51 @@ struct Attribute {
 
 // --- Failures: what is traced, how it is filed, what the caller gets.
 
-struct Report {
-    enum class Kind { none, plain, withMessage };
-    Kind kind = Kind::none;
-    const char* name = nullptr; ///< null: the request's subject
-    const char* type = nullptr;
+/// The ways in which a query can fail. Each has its usual report, of which a table's row names only what
+/// departs.
+enum class Role {
+    callFailed, ///< under the function's name, `valeCallFailed`
+    nothing,    ///< no resources, or not what must be there: under the function's name, `resourcesNotFound`
+    response,   ///< a response in error: its message under the class's name, `valeCallFailed`
 };
 
-constexpr Report noReport = {};
+/// An event that a failure files.
+struct Report {
+    enum class Kind {
+        usual,      ///< the role's
+        none,       ///< nothing is filed
+        plain,      ///< `handleErrKord`
+        withMessage ///< `handleErrKord_new`, with the resource manager's message
+    };
+    Kind kind = Kind::usual;
+    const char* name = nullptr; ///< null: the function's when plain, the class's with a message
+    const char* type = nullptr; ///< null: the role's
+};
 
-/// `handleErrKord` under a function's name.
-constexpr Report report(const char* name, const char* type)
-{
-    return {Report::Kind::plain, name, type};
-}
-
-/// `handleErrKord_new` under a class's name, with the response's message.
-constexpr Report reportMessage(const char* name, const char* type)
-{
-    return {Report::Kind::withMessage, name, type};
-}
+constexpr Report noReport = {.kind = Report::Kind::none};
+constexpr Report underFunction = {.kind = Report::Kind::plain}; ///< a response in error without its message
 
 /// Stands for the name of the request's subject in a report.
-constexpr const char* theSubject = nullptr;
+inline constexpr char theSubject[] = "the request's subject";
+
+/// Writes what stands in the document in place of resources.
+using WriteInstead = void (*)(const kordRec*);
 
 struct Failure {
     TraceText trace = {};
-    Report report = noReport;
+    Report report = {};
     int32_t result = failed;
-    bool flag = false;                         ///< sets the run record's `Flag`
-    void (*instead)(const kordRec*) = nullptr; ///< writes what stands in the document instead
-    bool writesFirst = false;                  ///< writes before it reports
+    bool flag = false; ///< sets the run record's `Flag`
+    WriteInstead instead = nullptr;
+    bool writesFirst = false;    ///< writes before it reports
     const char* print = nullptr; ///< also printed on standard output: format of class, number, message
 };
 
 /// A failure that the facility is allowed to have: it shows only in `Flag`.
-constexpr Failure minorFailure = {.result = minorError, .flag = true};
+constexpr Failure minorFailure(TraceText trace = {}, WriteInstead instead = nullptr)
+{
+    return {.trace = trace, .report = noReport, .result = minorError, .flag = true, .instead = instead};
+}
 
 /// How a first response with this error number is answered. Its trace is the query's `responseTrace`.
 struct ErrorCase {
@@ -104,26 +114,50 @@ struct ErrorCase {
 
 // --- The query itself.
 
+/// The client's calls that read a class.
+enum class Call { persistentQuery, dynamicQuery, enumeration, action };
+
 /// One class, how it is asked for, and how every way to fail is answered. The formats of the traces get the
 /// number (return code, count or error number), the message where there is one, and the request's subject.
 struct Query {
-    const char* entry = nullptr; ///< the line under "==>"
+    const char* entry = nullptr;    ///< the line under "==>": a blank and the function's name
+    const char* function = nullptr; ///< the name of reports, where it is not the entry line's
     ValeSessionHandle kordRec::*session;
     const char* className;
-    bool dynamic = false;
+    Call call = Call::persistentQuery;
     std::span<const Attribute> attributes = {};
     const char* selection = nullptr; ///< format of the selection; null: every resource of the class
+    const char* action = nullptr;    ///< of a class action
     TraceText selectionTrace = {};
     Failure callFailed;
     Failure noResources;
     TraceText responseTrace;
     std::span<const ErrorCase> errors = {}; ///< the numbers that are not answered like any other
-    Failure otherError;
+    Failure otherError = {};
     Failure emptyFirst = {}; ///< tested where it has a trace: a first response without attributes or handles
     TraceText success = {};  ///< gets the count and the first response's attribute count
     const char* progress = nullptr; ///< a line under ">>", after the success line
     bool walksRequested = false;    ///< items are walked by the number requested, not by what they hold
 };
+
+constexpr const char* functionOf(const Query& query)
+{
+    if (query.function != nullptr) return query.function;
+    return query.entry != nullptr ? query.entry + 1 : query.className;
+}
+
+/// The report that a failure files in this role, with everything that its row leaves open.
+constexpr Report reportOf(const Query& query, Role role, Report report)
+{
+    const bool isResponse = role == Role::response;
+    if (report.kind == Report::Kind::none) return report;
+    if (report.kind == Report::Kind::usual)
+        report.kind = isResponse ? Report::Kind::withMessage : Report::Kind::plain;
+    if (report.name == nullptr)
+        report.name = report.kind == Report::Kind::plain ? functionOf(query) : query.className;
+    if (report.type == nullptr) report.type = role == Role::nothing ? resourcesNotFound : valeCallFailed;
+    return report;
+}
 
 /// What one call asks for: the selection, which holds the longest text that the record's fields can make, and
 /// the name that traces and reports carry where the table leaves it open.
@@ -204,16 +238,17 @@ template <typename Walk>
     return walkAnswer(pKordRec, query, request, callEnumeration(pKordRec, query, request), walk);
 }
 
-/// Runs a class action on a resource with one text as its input. Of the table it reads the failures.
+/// Runs the table's class action on a resource with one text as its input. Of the table it reads the
+/// failures.
 template <typename Walk>
 [[nodiscard]] int32_t runAction(kordRec* pKordRec, const Query& query, ValeResourceHandle resource,
-                                const char* action, const char* input, Walk walk)
+                                const char* input, Walk walk)
 {
     const ValeElement element = {.type = VALE_TEXT, .value = {.text = input}};
     const ValeStructuredData data = {.count = 1, .elements = &element};
     Answer<ValeActionResponse> answer;
     answer.rc = vale_invoke_action(pKordRec->*query.session, &answer.responses, &answer.count, resource,
-                                   action, &data);
+                                   query.action, &data);
     return walkAnswer(pKordRec, query, {}, answer, walk);
 }
 
@@ -232,10 +267,9 @@ struct Counter {
 
 /// What tells one counter from the others of its family.
 struct CounterRow {
-    const char* entry; ///< a blank and the function's name
-    const char* className;
-    const char* codes[5]; ///< selection, failed call, empty enumeration, response in error, nothing found
-    const char* selectionTrace;
+    const char* entry;               ///< a blank and the function's name
+    const char* className = nullptr; ///< null: the family's
+    const char* codes[5];  ///< selection, failed call, empty enumeration, response in error, nothing found
     const char* selection; ///< of the image's MTMS and its domain
     const char* callFailed;
     const char* responseError = " response %d, %s";
@@ -243,37 +277,33 @@ struct CounterRow {
 
 /// What the counters of one family share.
 struct CounterFamily {
+    const char* className = nullptr;
+    const char* selectionTrace;   ///< the trace's format
     const char* emptyEnumeration; ///< the trace's format
-    Report emptyReport;           ///< without a name: under the counter's own
-    Report responseReport;        ///< without a name: under the counter's class
+    Report emptyReport = {};
+    Report responseReport = {};
     std::span<const ErrorCase> minorErrors;
     const char* total = nullptr; ///< the total's format; null: not traced
 };
 
 constexpr Counter counterOf(const CounterRow& row, const CounterFamily& family)
 {
-    const char* name = row.entry + 1;
-    const auto under = [](const char* own, Report named) {
-        if (named.name == nullptr) named.name = own;
-        return named;
-    };
     return {
         .query =
             {
                 .entry = row.entry,
                 .session = &kordRec::sess_hndl_DM,
-                .className = row.className,
+                .className = row.className != nullptr ? row.className : family.className,
+                .call = Call::enumeration,
                 .selection = row.selection,
-                .selectionTrace = {row.codes[0], row.selectionTrace},
-                .callFailed = {.trace = {row.codes[1], row.callFailed}, .report = report(name, "r")},
+                .selectionTrace = {row.codes[0], family.selectionTrace},
+                .callFailed = {.trace = {row.codes[1], row.callFailed}},
                 .noResources = {.trace = {row.codes[2], family.emptyEnumeration},
-                                .report = under(name, family.emptyReport)},
+                                .report = family.emptyReport},
                 .responseTrace = {row.codes[3], row.responseError},
                 .errors = family.minorErrors,
-                .otherError = {.report = under(row.className, family.responseReport)},
-                .emptyFirst = {.trace = {row.codes[4], " no res found %d"},
-                               .result = minorError,
-                               .flag = true},
+                .otherError = {.report = family.responseReport},
+                .emptyFirst = minorFailure({row.codes[4], " no res found %d"}),
             },
         .total = {family.total != nullptr ? row.codes[4] : nullptr, family.total},
     };

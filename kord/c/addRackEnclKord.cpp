@@ -31,11 +31,10 @@ constexpr Query rackQuery = {
     .attributes = rackAttributes,
     .selection = "storageFacilityMTMS=\"%s\" ",
     .selectionTrace = {"0400", "%s"},
-    .callFailed = {.trace = {"0401", "  TarnRack %d, %s"}, .report = report("addStorEnclKord", "r")},
-    .noResources = {.trace = {"0402", " no res  array_cnt_rack=%d"},
-                    .report = report("addStorEnclKord", "e")},
+    .callFailed = {.trace = {"0401", "  TarnRack %d, %s"}},
+    .noResources = {.trace = {"0402", " no res  array_cnt_rack=%d"}},
     .responseTrace = {"0403", "  TarnRack %d, %s"},
-    .otherError = {.report = reportMessage("Orvik.TarnRack", "e")},
+    .otherError = {.report = {.type = resourcesNotFound}},
 };
 
 /// One part of a rack; each query picks the attributes that its class has.
@@ -60,7 +59,7 @@ void readCleaned(const kordRec*, const ValeAttribute& attribute, Field field)
 constexpr const char* rackPartSelection = "storageFacilityMTMS=\"%s\" && rackEnclosureMTMS=\"%s\" ";
 
 constexpr ErrorCase partErrors[] = {
-    {.number = valeError40008, .failure = minorFailure},
+    {.number = valeError40008, .failure = minorFailure()},
 };
 
 // --- Primary power supplies
@@ -85,14 +84,10 @@ constexpr Query ppsQuery = {
     .attributes = ppsAttributes,
     .selection = rackPartSelection,
     .selectionTrace = {"0405", "%s"},
-    .callFailed = {.trace = {"0406", "  pps %d, %s"}, .report = report("queryPPS", "r")},
-    .noResources = {.trace = {"0407 ", "no res  array_cnt_pps=%d"},
-                    .result = minorError,
-                    .flag = true,
-                    .instead = writeEmptyPPS},
+    .callFailed = {.trace = {"0406", "  pps %d, %s"}},
+    .noResources = minorFailure({"0407 ", "no res  array_cnt_pps=%d"}, writeEmptyPPS),
     .responseTrace = {"0408", " response %d, %s"},
     .errors = partErrors,
-    .otherError = {.report = reportMessage("Orvik.TarnPPS", "r")},
     .success = {"409 ", " array_cnt_pps=%d"},
     .progress = " writePPS open/close resource",
 };
@@ -119,14 +114,10 @@ constexpr Query batteryQuery = {
     .attributes = batteryAttributes,
     .selection = rackPartSelection,
     .selectionTrace = {"0411", "%s"},
-    .callFailed = {.trace = {"0412", "  battery %d, %s"}, .report = report("queryBattery", "r")},
-    .noResources = {.trace = {"0413", " no res  array_cnt_bat=%d"},
-                    .result = minorError,
-                    .flag = true,
-                    .instead = writeEmptyBattery},
+    .callFailed = {.trace = {"0412", "  battery %d, %s"}},
+    .noResources = minorFailure({"0413", " no res  array_cnt_bat=%d"}, writeEmptyBattery),
     .responseTrace = {"0414", " response %d, %s"},
     .errors = partErrors,
-    .otherError = {.report = reportMessage("Orvik.TarnBattery", "r")},
     .success = {"0413", " array_cnt_bat=%d"},
     .progress = " writeBattery open/close resource",
 };
@@ -154,14 +145,10 @@ constexpr Query rpcQuery = {
     .attributes = rpcAttributes,
     .selection = rackPartSelection,
     .selectionTrace = {"0416", "%s"},
-    .callFailed = {.trace = {"0417", "  rpc %d, %s"}, .report = report("queryRPC", "r")},
-    .noResources = {.trace = {"0418", " no res  array_cnt_rpc=%d"},
-                    .result = minorError,
-                    .flag = true,
-                    .instead = writeEmptyRPC},
+    .callFailed = {.trace = {"0417", "  rpc %d, %s"}},
+    .noResources = minorFailure({"0418", " no res  array_cnt_rpc=%d"}, writeEmptyRPC),
     .responseTrace = {"0419", " response %d, %s"},
     .errors = partErrors,
-    .otherError = {.report = reportMessage("Orvik.TarnRPC", "r")},
     .success = {"0413", " array_cnt_rpc=%d"},
     .progress = " writeRPC open/close resource",
 };
@@ -177,16 +164,17 @@ constexpr Attribute fanSenseAttributes[] = {
 
 // A response in error is reported and the rack goes on; the same for a fan tray fails the collector.
 constexpr Query fanSenseQuery = {
+    .function = "queryFanSense",
     .session = &kordRec::sess_hndl_SR,
     .className = "Orvik.TarnFanSense",
     .attributes = fanSenseAttributes,
     .selection = "rackEnclosureMTMS=\"%s\" ",
     .selectionTrace = {"0422", "%s"},
-    .callFailed = {.trace = {"0422", "  FanSense %d, %s"}, .report = report("queryFanSense", "r")},
-    .noResources = {.trace = {"0423", " no res  array_cnt_fan=%d"}, .result = minorError, .flag = true},
+    .callFailed = {.trace = {"0422", "  FanSense %d, %s"}},
+    .noResources = minorFailure({"0423", " no res  array_cnt_fan=%d"}),
     .responseTrace = {"0424", " response  %d, %s"},
     .errors = partErrors,
-    .otherError = {.report = reportMessage("Orvik.TarnFanSense", "r"), .result = reported},
+    .otherError = {.result = reported},
     .progress = " writeFanSense open/close resource",
 };
 
@@ -198,16 +186,16 @@ constexpr Attribute fanTrayAttributes[] = {
 };
 
 constexpr Query fanTrayQuery = {
+    .function = "queryFanTray",
     .session = &kordRec::sess_hndl_SR,
     .className = "Orvik.TarnFanTray",
     .attributes = fanTrayAttributes,
     .selection = "rackEnclosureMTMS=\"%s\"",
     .selectionTrace = {"0426", "%s"},
-    .callFailed = {.trace = {"0427", "  FanTray %d, %s"}, .report = report("queryFanTray", "r")},
-    .noResources = {.trace = {"0428", " no res  array_cnt_tra=%d"}, .result = minorError, .flag = true},
+    .callFailed = {.trace = {"0427", "  FanTray %d, %s"}},
+    .noResources = minorFailure({"0428", " no res  array_cnt_tra=%d"}),
     .responseTrace = {"0429", " response %d, %s"},
     .errors = partErrors,
-    .otherError = {.report = reportMessage("Orvik.TarnFanTray", "r")},
     .progress = " writeFanTray open/close resource",
 };
 

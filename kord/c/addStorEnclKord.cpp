@@ -30,11 +30,10 @@ constexpr Query rackQuery = {
     .attributes = rackAttributes,
     .selection = "storageFacilityMTMS=\"%s\" ",
     .selectionTrace = {"0322 ", "%s"},
-    .callFailed = {.trace = {"0323", "  TarnRack %d, %s"}, .report = report("addStorEnclKord", "r")},
-    .noResources = {.trace = {"0324 ", "no res  array_cnt_rack=%d"},
-                    .report = report("addStorEnclKord", "e")},
+    .callFailed = {.trace = {"0323", "  TarnRack %d, %s"}},
+    .noResources = {.trace = {"0324 ", "no res  array_cnt_rack=%d"}},
     .responseTrace = {"0325", "  TarnRack %d, %s"},
-    .otherError = {.report = reportMessage("Orvik.TarnRack", "e")},
+    .otherError = {.report = {.type = resourcesNotFound}},
 };
 
 // --- Storage enclosures of a rack, one partition image at a time
@@ -64,20 +63,21 @@ constexpr Attribute enclosureAttributes[] = {
 };
 
 constexpr ErrorCase partErrors[] = {
-    {.number = valeError40008, .failure = minorFailure},
+    {.number = valeError40008, .failure = minorFailure()},
 };
 
 constexpr Query enclosureQuery = {
+    .function = "addStorEnclKord",
     .session = &kordRec::sess_hndl_DM,
     .className = "Orvik.TarnStorageEnclosure",
     .attributes = enclosureAttributes,
     .selection = "storageFacilityImageMTMS=\"%s\" && rackNumber=\"%s\" && ActivePeerDomain=\"%s\" ",
     .selectionTrace = {"0315", "%s"},
-    .callFailed = {.trace = {"0316", " stor %d, %s"}, .report = report("addStorEnclKord", "r")},
-    .noResources = {.trace = {"0317", " no res  array_cnt=%d"}, .report = report("addStorEnclKord", "e")},
+    .callFailed = {.trace = {"0316", " stor %d, %s"}},
+    .noResources = {.trace = {"0317", " no res  array_cnt=%d"}},
     .responseTrace = {"0318", "response %d, %s"},
     .errors = partErrors,
-    .otherError = {.report = reportMessage("Orvik.TarnStorageEnclosure", "e")},
+    .otherError = {.report = {.type = resourcesNotFound}},
 };
 
 // --- Disk drives. A drive that lacks a number repeats the previous drive's.
@@ -125,13 +125,10 @@ constexpr Query driveQuery = {
     .selection = "storageFacilityImageMTMS=\"%s\" && rackNumber=\"%s\" && enclosureMTMS=\"%s\""
                  " && enclosureNumber=\"%s\" && ActivePeerDomain=\"%s\"",
     .selectionTrace = {"0300", "%s"},
-    .callFailed = {.trace = {"0301", "  TarnDDM %d, %s"}, .report = report("queryDDM", "r")},
-    .noResources = {.trace = {"0302 ", "no res  array_cnt_ddm=%d"},
-                    .report = report("queryDDM", "e"),
-                    .result = reported},
+    .callFailed = {.trace = {"0301", "  TarnDDM %d, %s"}},
+    .noResources = {.trace = {"0302 ", "no res  array_cnt_ddm=%d"}, .result = reported},
     .responseTrace = {"0303", " response %d, %s"},
     .errors = partErrors,
-    .otherError = {.report = reportMessage("Orvik.TarnDDM", "r")},
     .success = {"0304 ", "DDM loop array_cnt_ddm= %d, attr_count_ddm= %d"},
     .progress = " writeDDM open/close resource",
 };
@@ -166,11 +163,10 @@ constexpr Query interfaceCardQuery = {
     .attributes = interfaceCardAttributes,
     .selection = enclosurePartSelection,
     .selectionTrace = {"0305", "%s"},
-    .callFailed = {.trace = {"0306", "  TarnFCIC %d, %s"}, .report = report("queryFCIC", "r")},
-    .noResources = {.trace = {"0307", " no res  array_cnt_fcic=%d"}, .report = report("queryFCIC", "e")},
+    .callFailed = {.trace = {"0306", "  TarnFCIC %d, %s"}},
+    .noResources = {.trace = {"0307", " no res  array_cnt_fcic=%d"}},
     .responseTrace = {"0308", " response %d, %s"},
     .errors = partErrors,
-    .otherError = {.report = reportMessage("Orvik.TarnFCIC", "r")},
     .success = {"0309", " FCIC loop array_cnt_fcic= %d, attr_count_fcic %d"},
     .progress = " writeFCIC open/close resource",
 };
@@ -195,11 +191,10 @@ constexpr Query baffleQuery = {
     .attributes = baffleAttributes,
     .selection = enclosurePartSelection,
     .selectionTrace = {"0310", "%s"},
-    .callFailed = {.trace = {"0311", " TarnBaffle %d, %s"}, .report = report("queryBaffle", "r")},
-    .noResources = {.trace = {"0312 ", "no res  array_cnt_baf=%d"}, .result = minorError, .flag = true},
+    .callFailed = {.trace = {"0311", " TarnBaffle %d, %s"}},
+    .noResources = minorFailure({"0312 ", "no res  array_cnt_baf=%d"}),
     .responseTrace = {"0313 ", "response %d, %s"},
     .errors = partErrors,
-    .otherError = {.report = reportMessage("Orvik.TarnBaffle", "r")},
     .success = {"0314", " Baffle array_cnt_baf= %d, attr_count_baf= %d"},
     .progress = " writeBaffle open/close resource",
 };

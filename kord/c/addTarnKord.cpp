@@ -39,15 +39,14 @@ constexpr Attribute systemAttributes[] = {
 };
 
 constexpr Query systemQuery = {
+    .function = "querySystem",
     .session = &kordRec::sess_hndl_SR,
     .className = "Orvik.TarnStorageFacilitySystem",
     .attributes = systemAttributes,
     .selection = "managedSystemMTMS=\"%s\"",
-    .callFailed = {.trace = {"0107", " vale_query_p_select SFS returned %d, %s"},
-                   .report = report("querySystem", "r")},
-    .noResources = {.trace = {"0108", " no res  array_cnt_sfs=%d"}, .report = report("querySystem", "e")},
+    .callFailed = {.trace = {"0107", " vale_query_p_select SFS returned %d, %s"}},
+    .noResources = {.trace = {"0108", " no res  array_cnt_sfs=%d"}},
     .responseTrace = {"0108", " response %d, %s"},
-    .otherError = {.report = reportMessage("Orvik.TarnStorageFacilitySystem", "r")},
 };
 
 constexpr Attribute facilityAttributes[] = {
@@ -57,15 +56,15 @@ constexpr Attribute facilityAttributes[] = {
 
 // A response in error is reported, but the run goes on.
 constexpr Query facilityQuery = {
+    .function = "queryPartnerSystem",
     .session = &kordRec::sess_hndl_SR,
     .className = "Orvik.TarnStorageFacility",
     .attributes = facilityAttributes,
     .selection = "storageFacilityMTMS=\"%s\"",
-    .callFailed = {.trace = {"0107", " SF returned %d, %s"}, .report = report("queryPartnerSystem", "r")},
-    .noResources = {.trace = {"0108", " no res  array_cnt_sf=%d"},
-                    .report = report("queryPartnerSystem", "e")},
+    .callFailed = {.trace = {"0107", " SF returned %d, %s"}},
+    .noResources = {.trace = {"0108", " no res  array_cnt_sf=%d"}},
     .responseTrace = {"0108", " response %d, %s"},
-    .otherError = {.report = reportMessage("Orvik.TarnStorageFacility", "r"), .result = reported},
+    .otherError = {.result = reported},
 };
 
 struct Partition {
@@ -86,10 +85,9 @@ constexpr Query partitionQuery = {
     .className = "Orvik.TarnStorageFacilityPartition",
     .attributes = partitionAttributes,
     .selection = "managedSystemMTMS=\"%s\" ",
-    .callFailed = {.trace = {"0696", "sfp %d %s"}, .report = report("queryPartition", "r")},
-    .noResources = {.trace = {"0697", "no res  array_cnt_sfp=%d"}, .report = report("queryPartition", "e")},
+    .callFailed = {.trace = {"0696", "sfp %d %s"}},
+    .noResources = {.trace = {"0697", "no res  array_cnt_sfp=%d"}},
     .responseTrace = {"0698", "response %d, %s"},
-    .otherError = {.report = reportMessage("Orvik.TarnStorageFacilityPartition", "r")},
 };
 
 /// The slot of a pool ID "1" to "8"; -1 for any other.
@@ -144,20 +142,20 @@ constexpr Attribute nodeAttributes[] = {
 };
 
 constexpr ErrorCase nodeErrors[] = {
-    {.number = valeError40008, .failure = {.report = reportMessage(theSubject, "e")}},
+    {.number = valeError40008, .failure = {.report = {.name = theSubject, .type = resourcesNotFound}}},
 };
 
 constexpr Query nodeQuery = {
+    .function = "queryValeId",
     .session = &kordRec::sess_hndl_LC,
     .className = "Orvik.ManagedNode",
     .attributes = nodeAttributes,
     .selection = nodeSelection,
     .selectionTrace = {"0010", " %s"},
-    .callFailed = {.trace = {"0011", "  ManagedNode returned %d, %s"}, .report = report("queryValeId", "r")},
-    .noResources = {.trace = {"0012", " error array_cnt %d"}, .report = report("queryValeId", "r")},
+    .callFailed = {.trace = {"0011", "  ManagedNode returned %d, %s"}},
+    .noResources = {.trace = {"0012", " error array_cnt %d"}, .report = {.type = valeCallFailed}},
     .responseTrace = {"0013", "response %d, %s"},
     .errors = nodeErrors,
-    .otherError = {.report = reportMessage("Orvik.ManagedNode", "r")},
     .walksRequested = true,
 };
 
@@ -173,17 +171,17 @@ constexpr Attribute statusAttributes[] = {
 constexpr Query statusQueryOf(const char* name)
 {
     return {
+        .function = name,
         .session = &kordRec::sess_hndl_LC,
         .className = "Orvik.ManagedNode",
-        .dynamic = true,
+        .call = Call::dynamicQuery,
         .attributes = statusAttributes,
         .selection = nodeSelection,
         .selectionTrace = {"0010", " %s"},
-        .callFailed = {.trace = {"0011", " returned %d, %s, %s"}, .report = report(name, "r")},
-        .noResources = {.trace = {"0012", " error array_cnt %d, %s"}, .report = report(name, "r")},
+        .callFailed = {.trace = {"0011", " returned %d, %s, %s"}},
+        .noResources = {.trace = {"0012", " error array_cnt %d, %s"}, .report = {.type = valeCallFailed}},
         .responseTrace = {"0013", "response %d, %s, %s"},
         .errors = nodeErrors,
-        .otherError = {.report = reportMessage("Orvik.ManagedNode", "r")},
     };
 }
 
@@ -203,7 +201,7 @@ int32_t checkStatus(kordRec* pKordRec, const Query& query, const char* systemMTM
             NodeStatus node{};
             readItem(pKordRec, query, nodes[0], &node);
             trace(pKordRec, "0016", "%s, status=%d", names[i], node.status);
-            return node.status == online ? collected : handleErrKord(pKordRec, names[i], "s");
+            return node.status == online ? collected : handleErrKord(pKordRec, names[i], subsystemDegraded);
         });
     }
     return rc;
@@ -251,9 +249,9 @@ int32_t startSession(kordRec* pKordRec, const SessionStart& start)
 void reportSessionStart(const kordRec* pKordRec, const SessionStart& start, int32_t rc)
 {
     const ClientError error = takeError();
-    if (start.reportsFirst) handleErrKord(pKordRec, "addTarnKord", "r");
+    if (start.reportsFirst) handleErrKord(pKordRec, "addTarnKord", valeCallFailed);
     trace(pKordRec, start.failed.code, start.failed.format, rc, messageOf(error), failure);
-    if (!start.reportsFirst) handleErrKord(pKordRec, "addTarnKord", "r");
+    if (!start.reportsFirst) handleErrKord(pKordRec, "addTarnKord", valeCallFailed);
     releaseError(error);
 }
 
@@ -277,7 +275,7 @@ int32_t endSession(const kordRec* pKordRec, const SessionEnd& end)
     if (rc == 0) return rc;
     const ClientError error = takeError();
     trace(pKordRec, end.failedCode, " end_session failed with error %d, %s", rc, messageOf(error));
-    handleErrKord(pKordRec, "cleanUpKord", "r");
+    handleErrKord(pKordRec, "cleanUpKord", valeCallFailed);
     releaseError(error);
     return rc;
 }
@@ -468,7 +466,8 @@ int32_t queryPartnerSystem(kordRec* pKordRec)
 int32_t checkState(kordRec* pKordRec)
 {
     for (const char* system : {pKordRec->managedSystemMTMS, pKordRec->partnerSystemMTMS}) {
-        if (checkSystemState(pKordRec, system) == failed) return handleErrKord(pKordRec, "addTarnKord", "s");
+        if (checkSystemState(pKordRec, system) == failed)
+            return handleErrKord(pKordRec, "addTarnKord", subsystemDegraded);
     }
     return 0;
 }
@@ -556,7 +555,7 @@ int32_t addSystemKord(kordRec* pKordRec)
     };
 
     if (startXml(pKordRec) != 0) {
-        handleErrKord(pKordRec, "addSystemKord", "d");
+        handleErrKord(pKordRec, "addSystemKord", documentFailed);
         trace(pKordRec, "0007", " startXml %d ", reported);
         return reported;
     }

@@ -29,23 +29,20 @@ constexpr Query query = {
     .className = "Class",
     .attributes = attributes,
     .selection = "id=%d",
-    .callFailed = {.trace = {"0001", " call %d, %s."}},
-    .noResources = {.trace = {"0002", " none %d"}},
+    .callFailed = {.trace = {"0001", " call %d, %s."}, .report = noReport},
+    .noResources = {.trace = {"0002", " none %d"}, .report = noReport},
     .responseTrace = {"0003", " response %d, %s."},
-    .otherError = {},
-    .emptyFirst = {.trace = {"0004", " empty %d"}, .result = minorError, .flag = true},
+    .otherError = {.report = noReport},
+    .emptyFirst = minorFailure({"0004", " empty %d"}),
 };
 
-constexpr Counter counter = counterOf({.entry = " countThem",
-                                       .className = "Class",
-                                       .codes = {"0001", "0002", "0003", "0004", "0005"},
-                                       .selectionTrace = "%s",
-                                       .selection = "image=\"%s\" && domain=\"%s\"",
-                                       .callFailed = " call %d, %s"},
-                                      {.emptyEnumeration = " none %d",
-                                       .emptyReport = report(nullptr, "e"),
-                                       .responseReport = reportMessage(nullptr, "r"),
-                                       .minorErrors = {}});
+constexpr Counter counter =
+    counterOf({.entry = " countThem",
+               .className = "Class",
+               .codes = {"0001", "0002", "0003", "0004", "0005"},
+               .selection = "image=\"%s\" && domain=\"%s\"",
+               .callFailed = " call %d, %s"},
+              {.selectionTrace = "%s", .emptyEnumeration = " none %d", .minorErrors = {}});
 
 class QueryPattern : public testing::Test
 {
@@ -89,6 +86,28 @@ ValeAttribute integerAttribute(const char* name, int32_t integer)
 ValeAttribute listAttribute(const char* name, const ValeIntegerList* list)
 {
     return {.name = name, .identifier = 0, .type = VALE_INTEGER_LIST, .value = {.integers = list}};
+}
+
+TEST(Reports, nameOnlyWhatDepartsFromTheUsual)
+{
+    constexpr Query own = {.entry = " queryThem",
+                           .session = &kordRec::sess_hndl_DM,
+                           .className = "Class",
+                           .callFailed = {},
+                           .noResources = {},
+                           .responseTrace = {}};
+    const auto filed = [&](Role role, Report given) {
+        const Report report = reportOf(own, role, given);
+        const char* how = report.kind == Report::Kind::plain ? "plain" : "message";
+        return std::string(how) + " " + report.name + " " + report.type;
+    };
+    EXPECT_EQ(filed(Role::callFailed, {}), "plain queryThem r");
+    EXPECT_EQ(filed(Role::nothing, {}), "plain queryThem e");
+    EXPECT_EQ(filed(Role::response, {}), "message Class r");
+    EXPECT_EQ(filed(Role::response, underFunction), "plain queryThem r");
+    EXPECT_EQ(filed(Role::response, {.type = "u"}), "message Class u");
+    EXPECT_EQ(filed(Role::nothing, {.name = "another"}), "plain another e");
+    EXPECT_EQ(reportOf(own, Role::nothing, noReport).kind, Report::Kind::none);
 }
 
 TEST_F(QueryPattern, readsResourcesInOrder)
