@@ -1,6 +1,7 @@
 #include "addCecEnclKord.h"
 
 #include "addQueryKord.h"
+#include "addQueryTableKord.h"
 #include "addUtilKord.h"
 #include "addXmlKord.h"
 
@@ -32,6 +33,8 @@ constexpr Query drawerQuery = {
     .emptyFirst = {.trace = {"0117", " no res found %d"}, .report = {.type = valeCallFailed}},
     .success = {"0117", " array_cnt_cec=%d"},
 };
+
+constexpr TraceText drawerLine = {"0118", " locationCode_cec=%s "};
 
 // --- Non-volatile control cards
 
@@ -141,7 +144,31 @@ int32_t addDrawer(kordRec* pKordRec, const char* locationCode_cec, int32_t* open
     return rc;
 }
 
+// --- What the tables tell
+
+constexpr ToldQuery queries[] = {
+    {.query = &drawerQuery},
+    {.query = &cardQuery},
+    {.query = &facilityQuery},
+    {.query = &systemQuery},
+};
+
+constexpr ToldFailure walkFailures[] = {
+    {.query = &facilityQuery, .failure = &badFacilityState},
+    {.query = &systemQuery, .failure = &badSystemState},
+};
+
+constexpr ToldLine lines[] = {
+    {.function = "addCecEnclKord",
+     .line = drawerLine,
+     .explanation = {.meaning = "a drawer's attribute was read"}},
+};
+
 } // namespace
+
+const ToldQueries addCecEnclQueries = {
+    .module = "addCecEnclKord", .queries = queries, .failures = walkFailures};
+const ToldLines addCecEnclLines = {.module = "addCecEnclKord", .lines = lines};
 
 int32_t addCecEnclKord(kordRec* pKordRec)
 {
@@ -153,7 +180,7 @@ int32_t addCecEnclKord(kordRec* pKordRec)
             const auto attributes = attributesOf(drawerQuery, resource);
             for (size_t i = 0; i < attributes.size(); ++i) {
                 readAttribute(pKordRec, drawerQuery, attributes[i], i, &drawer);
-                trace(pKordRec, "0118", " locationCode_cec=%s ", drawer.locationCode_cec);
+                trace(pKordRec, drawerLine, drawer.locationCode_cec);
             }
             if (addDrawer(pKordRec, drawer.locationCode_cec, &openCecEnclPartListHeader) == failed)
                 return failed;

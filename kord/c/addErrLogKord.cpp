@@ -13,21 +13,36 @@ namespace
 constexpr EventKind eventKinds[] = {
     {.errortype = resourcesNotFound,
      .systemRefCode = "BED00000",
-     .text = "Expected resources were not found"},
+     .text = "Expected resources were not found",
+     .explanation = {.advice = "see the function in the event's text, and the trace line before it for what "
+                               "was asked"}},
     {.errortype = valeCallFailed,
      .systemRefCode = "BED00001",
-     .text = "VALE call resulted in a non zero return value"},
-    {.errortype = unknownError, .systemRefCode = "BED00002", .text = "Unknown error"},
-    {.errortype = subsystemDegraded, .systemRefCode = "BED00003", .text = "Subsystem is degraded"},
-    {.errortype = invalidMTMS, .systemRefCode = "BED00004", .text = "Invalid managed system MTMS"},
+     .text = "VALE call resulted in a non zero return value",
+     .explanation = {.advice = "see the manager's code and message in the trace log"}},
+    {.errortype = unknownError,
+     .systemRefCode = "BED00002",
+     .text = "Unknown error",
+     .explanation = {.advice = "see the trace log"}},
+    {.errortype = subsystemDegraded,
+     .systemRefCode = "BED00003",
+     .text = "Subsystem is degraded",
+     .explanation = {.advice = "bring the system or partition up and run again"}},
+    {.errortype = invalidMTMS,
+     .systemRefCode = "BED00004",
+     .text = "Invalid managed system MTMS",
+     .explanation = {.advice = "call the collector with the whole MTMS"}},
+    {.errortype = nullptr,
+     .systemRefCode = "BED00005",
+     .text = "Microcode logic error",
+     .explanation = {.advice = "the document could not be started, or memory ran out: see the trace log"}},
 };
-constexpr EventKind logicError = {
-    .errortype = nullptr, .systemRefCode = "BED00005", .text = "Microcode logic error"};
+constexpr const EventKind& logicError = std::span(eventKinds).back();
 
 const EventKind& kindOf(const char* errortype)
 {
     for (const EventKind& kind : eventKinds) {
-        if (strcmp(kind.errortype, errortype) == 0) return kind;
+        if (kind.errortype != nullptr && strcmp(kind.errortype, errortype) == 0) return kind;
     }
     return logicError;
 }
@@ -50,6 +65,9 @@ constexpr Reporter messageReporter = {
     .toolFailed = {.code = "051", .format = "%s %d"},
 };
 
+constexpr char eventArguments[] = "-l \"Microcode-rs-quay_sff\" -o \"%s\" -s \"%s\" -n 0 -h \"no\" -c \"no\""
+                                  " -E \"/var/tarnquay/log/%s\" -X '\"%s\"' >>/var/tarnquay/log/%s";
+
 constexpr size_t errortextSize = 1000;
 constexpr size_t quotedTextSize = 4 * errortextSize;
 constexpr size_t commandSize = quotedTextSize + 500;
@@ -66,10 +84,8 @@ int32_t fileEvent(const kordRec* pKordRec, const Reporter& reporter, const Event
     quoteText(text, errortext, Quotes::single);
     const bool isRoot = strcmp(pKordRec->loginUserName, "root") == 0;
     formatText(command, isRoot ? reporter.direct : reporter.wrapped, mtms);
-    appendText(command,
-               "-l \"Microcode-rs-quay_sff\" -o \"%s\" -s \"%s\" -n 0 -h \"no\" -c \"no\""
-               " -E \"/var/tarnquay/log/%s\" -X '\"%s\"' >>/var/tarnquay/log/%s",
-               "addTarnKord", kind.systemRefCode, pKordRec->trcfile, text, pKordRec->trcfile);
+    appendText(command, eventArguments, "addTarnKord", kind.systemRefCode, pKordRec->trcfile, text,
+               pKordRec->trcfile);
 
     const int32_t rc = system(command) >> 8;
     if (rc != 0) {
@@ -123,7 +139,41 @@ int32_t readQuay(const kordRec* pKordRec, const QuayReader& reader, std::span<ch
     return found ? readerFound : readerNotFound;
 }
 
+// --- What the tables tell
+
+constexpr Explanation toolFailed = {.meaning = "the event tool failed: the command and its status",
+                                    .advice = "run the command again by hand"};
+
+constexpr ToldLine lines[] = {
+    {.function = "handleErrKord", .line = plainReporter.toolFailed, .explanation = toolFailed},
+    {.function = "handleErrKord_new", .line = messageReporter.toolFailed, .explanation = toolFailed},
+    {.function = "getQuaySE",
+     .line = serialReader.found,
+     .explanation = {.meaning = "what the console says of itself"}},
+    {.function = "getQuaySE",
+     .line = serialReader.notFound,
+     .explanation = {.meaning = "the console does not say its serial", .advice = "see qconvpd -v"}},
+    {.function = "getQuayTM",
+     .line = typeModelReader.found,
+     .explanation = {.meaning = "what the console says of itself"}},
+    {.function = "getQuayTM",
+     .line = typeModelReader.notFound,
+     .explanation = {.meaning = "the console does not say its type-model", .advice = "see qconvpd -v"}},
+};
+
+constexpr ToldCommand commands[] = {
+    {.function = "handleErrKord", .command = plainReporter.wrapped, .arguments = eventArguments},
+    {.function = "handleErrKord", .command = plainReporter.direct, .arguments = eventArguments},
+    {.function = "handleErrKord_new", .command = messageReporter.wrapped, .arguments = eventArguments},
+    {.function = "handleErrKord_new", .command = messageReporter.direct, .arguments = eventArguments},
+    {.function = "getQuaySE", .command = serialReader.command},
+    {.function = "getQuayTM", .command = typeModelReader.command},
+};
+
 } // namespace
+
+const std::span<const EventKind> addErrLogEvents = eventKinds;
+const ToldLines addErrLogLines = {.module = "addErrLogKord", .lines = lines, .commands = commands};
 
 int32_t handleErrKord(const kordRec* pKordRec, const char* loggingFileName, const char* errortype)
 {

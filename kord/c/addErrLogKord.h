@@ -2,6 +2,7 @@
 
 #pragma once
 
+#include "addTableKord.h"
 #include "kordRec.h"
 
 #include <span>
@@ -22,7 +23,11 @@ struct EventKind {
     const char* errortype; ///< null: every other
     const char* systemRefCode;
     const char* text;
+    Explanation explanation = {};
 };
+
+/// Every kind, the one of every other type last.
+extern const std::span<const EventKind> addErrLogEvents;
 
 /// Files an event with the type's own text, under the name of the function or class that failed. Traces the
 /// call, and "050" with the command when the event tool fails. Always -1.

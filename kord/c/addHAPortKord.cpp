@@ -1,6 +1,7 @@
 #include "addHAPortKord.h"
 
 #include "addQueryKord.h"
+#include "addQueryTableKord.h"
 
 namespace
 {
@@ -68,6 +69,8 @@ constexpr Counter portCounters[] = {
 };
 
 } // namespace
+
+const ToldQueries addHAPortQueries = {.module = "addHAPortKord", .queries = {}, .counters = portCounters};
 
 int32_t enumerateHAPort0(kordRec* pKordRec, int32_t* count, const char* storageFacilityImageMTMS,
                          const char* activePeerDomain)

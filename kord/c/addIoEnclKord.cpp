@@ -1,6 +1,7 @@
 #include "addIoEnclKord.h"
 
 #include "addQueryKord.h"
+#include "addQueryTableKord.h"
 #include "addUtilKord.h"
 #include "addXmlKord.h"
 
@@ -50,6 +51,8 @@ struct Adapter {
     char CCIN[30];
 };
 
+constexpr TraceText interfaceLine = {"0217", " count= %d, %s"};
+
 /// Traces the host adapter's list as it grows.
 void readTracedInterfaceList(const kordRec* pKordRec, const ValeAttribute& attribute, Field field)
 {
@@ -57,7 +60,7 @@ void readTracedInterfaceList(const kordRec* pKordRec, const ValeAttribute& attri
     field.text[0] = '\0';
     for (const int32_t interface : interfaces) {
         appendInterface(field.text, interface);
-        trace(pKordRec, "0217", " count= %d, %s", static_cast<int32_t>(interfaces.size()), field.text.data());
+        trace(pKordRec, interfaceLine, static_cast<int32_t>(interfaces.size()), field.text.data());
     }
 }
 
@@ -159,7 +162,24 @@ int32_t addPartitionAdapters(kordRec* pKordRec, const Drawer& drawer, int32_t i)
     return rc;
 }
 
+// --- What the tables tell
+
+constexpr ToldQuery queries[] = {
+    {.query = &drawerQuery},
+    {.query = &deviceAdapterQuery},
+    {.query = &hostAdapterQuery},
+};
+
+constexpr ToldLine lines[] = {
+    {.function = "queryHA",
+     .line = interfaceLine,
+     .explanation = {.meaning = "a host adapter's interfaces, as the list grows"}},
+};
+
 } // namespace
+
+const ToldQueries addIoEnclQueries = {.module = "addIoEnclKord", .queries = queries};
+const ToldLines addIoEnclLines = {.module = "addIoEnclKord", .lines = lines};
 
 int32_t addIoEnclKord(kordRec* pKordRec)
 {

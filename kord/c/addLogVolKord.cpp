@@ -1,6 +1,7 @@
 #include "addLogVolKord.h"
 
 #include "addQueryKord.h"
+#include "addQueryTableKord.h"
 
 namespace
 {
@@ -70,6 +71,8 @@ constexpr Counter volumeCounters[] = {
 };
 
 } // namespace
+
+const ToldQueries addLogVolQueries = {.module = "addLogVolKord", .queries = {}, .counters = volumeCounters};
 
 int32_t enumerateLogicalVolume0(kordRec* pKordRec, int32_t* count, const char* storageFacilityImageMTMS,
                                 const char* activePeerDomain)

@@ -4,6 +4,7 @@
 #include "addHAPortKord.h"
 #include "addLogVolKord.h"
 #include "addQueryKord.h"
+#include "addQueryTableKord.h"
 #include "addUtilKord.h"
 #include "addXmlKord.h"
 
@@ -123,6 +124,9 @@ constexpr Failure emptyImageLevel = {.trace = {"614", " element_count=%d"},
                                      .report = {.type = valeCallFailed}};
 constexpr Failure imageLevelRefused = {.trace = {"614", " error rc=%d"}, .report = {.type = valeCallFailed}};
 
+constexpr TraceText levelLine = {"0614", " vrmf=%s"};
+constexpr TraceText handlesLine = {"0611", " vale_rsrc_handle_count=%d"};
+
 /// One element of the action's result: a return code, which must be 0, or a level.
 int32_t writeLevel(kordRec* pKordRec, const ValeElement& element)
 {
@@ -132,7 +136,7 @@ int32_t writeLevel(kordRec* pKordRec, const ValeElement& element)
     }
     const char* text = element.type == VALE_TEXT ? textOrEmpty(element.value.text) : "";
     char vrmf[100];
-    trace(pKordRec, "0614", " vrmf=%s", text);
+    trace(pKordRec, levelLine, text);
     copyText(vrmf, text);
     writeVRMF(pKordRec, vrmf);
     return collected;
@@ -323,11 +327,15 @@ userHostDescr* newDescrRecord(const char* description, userHostDescr* next)
     return record;
 }
 
+constexpr TraceText knownHostLine = {"0676", "find %s, %d"};
+constexpr TraceText noMemoryLine = {"0677", " add %s"};
+constexpr TraceText newHostLine = {"0677", " add %s, %d"};
+
 /// One more port carries the record's description.
 void countPort(const kordRec* pKordRec, userHostDescr* record)
 {
     ++record->count;
-    trace(pKordRec, "0676", "find %s, %d", record->description, record->count);
+    trace(pKordRec, knownHostLine, record->description, record->count);
 }
 
 /// Where a list's records are found by their descriptions, so that a port costs the same however many
@@ -468,6 +476,9 @@ struct Array {
     char raidType[9];
 };
 
+constexpr TraceText sitesLine = {"0686", "element_count=%d, arraySites= %s"};
+constexpr TraceText sitesConfigurationLine = {"0687 ", "count= %d, arraySiteConfiguration=%s"};
+
 /// The first site's digits stand twice, [3, 4] gives 33,4, and no site gives 0: the array's identifier
 /// carries this text.
 void readArraySites(const kordRec* pKordRec, const ValeAttribute& attribute, Field field)
@@ -479,8 +490,7 @@ void readArraySites(const kordRec* pKordRec, const ValeAttribute& attribute, Fie
         formatText(field.text, "%d%d", sites[0], sites[0]);
     for (size_t i = 1; i < sites.size(); ++i)
         appendText(field.text, ",%d", sites[i]);
-    trace(pKordRec, "0686", "element_count=%d, arraySites= %s", static_cast<int32_t>(sites.size()),
-          field.text.data());
+    trace(pKordRec, sitesLine, static_cast<int32_t>(sites.size()), field.text.data());
 }
 
 void readArraySiteConfiguration(const kordRec* pKordRec, const ValeAttribute& attribute, Field field)
@@ -489,8 +499,7 @@ void readArraySiteConfiguration(const kordRec* pKordRec, const ValeAttribute& at
     copyText(field.text, texts.empty() ? "" : texts[0]);
     for (size_t i = 1; i < texts.size(); ++i)
         appendText(field.text, ",%s", textOrEmpty(texts[i]));
-    trace(pKordRec, "0687 ", "count= %d, arraySiteConfiguration=%s", static_cast<int32_t>(texts.size()),
-          field.text.data());
+    trace(pKordRec, sitesConfigurationLine, static_cast<int32_t>(texts.size()), field.text.data());
 }
 
 constexpr Attribute arrayAttributes[] = {
@@ -667,7 +676,53 @@ int32_t addPartition(kordRec* pKordRec, int32_t i, Counts& values)
     });
 }
 
+// --- What the tables tell
+
+constexpr ToldQuery queries[] = {
+    {.query = &partitionQuery},
+    {.query = &memoryQuery},
+    {.query = &serverPartitionQuery},
+    {.query = &imageLevelAction, .function = "enumerateVRMF"},
+    {.query = &imageQuery, .function = "querySFImageWWNN"},
+    {.query = &hostPortQuery},
+    {.query = &arraySiteQuery},
+    {.query = &arrayQuery},
+    {.query = &rankQuery},
+    {.query = &segmentPoolQuery},
+};
+
+constexpr ToldFailure walkFailures[] = {
+    {.query = &imageLevelAction, .failure = &emptyImageLevel},
+    {.query = &imageLevelAction, .failure = &imageLevelRefused},
+};
+
+constexpr ToldLine lines[] = {
+    {.function = "enumerateVRMF", .line = levelLine, .explanation = {.meaning = "a microcode level"}},
+    {.function = "enumerateVRMF",
+     .line = handlesLine,
+     .explanation = {.meaning = "how many server partitions there are"}},
+    {.function = "queryScsiHostPort",
+     .line = knownHostLine,
+     .explanation = {.meaning = "one more port with a known host description: how many there are now"}},
+    {.function = "queryScsiHostPort",
+     .line = noMemoryLine,
+     .explanation = {.meaning = "memory ran out at this host description"}},
+    {.function = "queryScsiHostPort",
+     .line = newHostLine,
+     .explanation = {.meaning = "a new host description"}},
+    {.function = "queryArrays",
+     .line = sitesLine,
+     .explanation = {.meaning = "an array's sites: how many, and the list"}},
+    {.function = "queryArrays",
+     .line = sitesConfigurationLine,
+     .explanation = {.meaning = "an array's configuration: how many texts, and the list"}},
+};
+
 } // namespace
+
+const ToldQueries addPartitionQueries = {
+    .module = "addPartitionKord", .queries = queries, .counters = objectCounters, .failures = walkFailures};
+const ToldLines addPartitionLines = {.module = "addPartitionKord", .lines = lines};
 
 int32_t addPartitionKord(kordRec* pKordRec)
 {
@@ -708,7 +763,7 @@ int32_t enumerateVRMF(kordRec* pKordRec, const char* /*storageFacilityImageMTMS*
 {
     const Request request = requestOf(serverPartitionQuery.selection, locationCode, activePeerDomain);
     return runEnumeration(pKordRec, serverPartitionQuery, request, [&](Enumeration found) {
-        trace(pKordRec, "0611", " vale_rsrc_handle_count=%d", static_cast<int32_t>(found[0].handleCount));
+        trace(pKordRec, handlesLine, static_cast<int32_t>(found[0].handleCount));
         return runAction(pKordRec, imageLevelAction, found[0].handles[0], "S",
                          [&](ActionResults results) { return writeLevels(pKordRec, results); });
     });
@@ -787,11 +842,11 @@ int32_t addDescrRecord(const kordRec* pKordRec, userHostDescr** pFirst, const ch
 {
     userHostDescr* record = newDescrRecord(description, *pFirst);
     if (record == nullptr) {
-        trace(pKordRec, "0677", " add %s", description);
+        trace(pKordRec, noMemoryLine, description);
         return -1;
     }
     *pFirst = record;
-    trace(pKordRec, "0677", " add %s, %d", record->description, record->count);
+    trace(pKordRec, newHostLine, record->description, record->count);
     return 0;
 }
 

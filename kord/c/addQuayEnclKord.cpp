@@ -2,6 +2,7 @@
 
 #include "addErrLogKord.h"
 #include "addQueryKord.h"
+#include "addQueryTableKord.h"
 #include "addUtilKord.h"
 #include "addXmlKord.h"
 
@@ -31,6 +32,11 @@ constexpr Query quayQuery = {
     .responseTrace = {"0502", " response %d, %s"},
     .otherError = {.report = underFunction},
 };
+
+constexpr TraceText consoleLine = {"0504", "quayLocationCode=%s"};
+constexpr TraceText noTypeModelLine = {"0512", " rc=%d, xargc=%d "};
+constexpr TraceText typeModelLine = {"0512", " rc=%d, xargc=%d,  QuayTM=%s, len=%d, %d "};
+constexpr TraceText serialLine = {"getResQuaySE", "input  %s output %s i=%d"};
 
 // --- Rack enclosure MTMS
 
@@ -76,6 +82,8 @@ constexpr Query plexQuery = {
     .otherError = {.report = underFunction},
 };
 
+constexpr const char* typeModelCommand = "/opt/brisk/bin/qconvpd -v | grep TM | awk -FTM '{print $2}'";
+
 /// Reads every attribute of the one name that the query asks for, and hands on the item after each.
 template <typename Item, typename Use>
 int32_t forEachValue(kordRec* pKordRec, const Query& query, Resources resources, Use use)
@@ -96,7 +104,7 @@ int32_t writeConsole(const kordRec* pKordRec, const char* quayLocationCode, cons
                      const char* QuaySE)
 {
     char resquaySE[20];
-    trace(pKordRec, "0504", "quayLocationCode=%s", quayLocationCode);
+    trace(pKordRec, consoleLine, quayLocationCode);
     getResQuaySE(quayLocationCode, resquaySE, pKordRec);
     const bool isLocal = strcmp(resquaySE, QuaySE) == 0;
     const int32_t rc = openQUAYEncl(pKordRec, isLocal ? quayMTMS : quayLocationCode);
@@ -104,7 +112,33 @@ int32_t writeConsole(const kordRec* pKordRec, const char* quayLocationCode, cons
     return rc;
 }
 
+// --- What the tables tell
+
+constexpr ToldCommand commands[] = {{.function = "getQuayFullTM", .command = typeModelCommand}};
+
+constexpr ToldQuery queries[] = {
+    {.query = &quayQuery, .function = "addQuayEnclKord"},
+    {.query = &rackQuery},
+    {.query = &plexQuery},
+};
+
+constexpr ToldLine lines[] = {
+    {.function = "addQuayEnclKord", .line = consoleLine, .explanation = {.meaning = "a console"}},
+    {.function = "getQuayFullTM",
+     .line = noTypeModelLine,
+     .explanation = {.meaning = "the console does not say its type-model", .advice = "see qconvpd -v"}},
+    {.function = "getQuayFullTM",
+     .line = typeModelLine,
+     .explanation = {.meaning = "what the console says of itself"}},
+    {.function = "getResQuaySE",
+     .line = serialLine,
+     .explanation = {.meaning = "a console's serial, out of its location code"}},
+};
+
 } // namespace
+
+const ToldQueries addQuayEnclQueries = {.module = "addQuayEnclKord", .queries = queries};
+const ToldLines addQuayEnclLines = {.module = "addQuayEnclKord", .lines = lines, .commands = commands};
 
 int32_t addQuayEnclKord(kordRec* pKordRec)
 {
@@ -130,18 +164,17 @@ int32_t getQuayFullTM(const kordRec* pKordRec, std::span<char> QuayTM)
     trace(pKordRec, "==>", " getQuayFullTM");
     int32_t xargc = 0;
     char** xargv = nullptr;
-    const int32_t rc = excuteCommand(pKordRec, "/opt/brisk/bin/qconvpd -v | grep TM | awk -FTM '{print $2}'",
-                                     &xargc, &xargv);
+    const int32_t rc = excuteCommand(pKordRec, typeModelCommand, &xargc, &xargv);
     if (rc != 0 || xargc == 0) {
-        trace(pKordRec, "0512", " rc=%d, xargc=%d ", rc, xargc);
+        trace(pKordRec, noTypeModelLine, rc, xargc);
         releaseOutput(xargv);
         return notFound;
     }
     const char* line = xargv[0];
     copyText(QuayTM, line);
     copyText(QuayTM, *QuayTM.data() != '\0' ? QuayTM.data() + 1 : ""); // without the blank behind "TM"
-    trace(pKordRec, "0512", " rc=%d, xargc=%d,  QuayTM=%s, len=%d, %d ", rc, xargc, QuayTM.data(),
-          static_cast<int32_t>(strlen(QuayTM.data())), static_cast<int32_t>(strlen(line)));
+    trace(pKordRec, typeModelLine, rc, xargc, QuayTM.data(), static_cast<int32_t>(strlen(QuayTM.data())),
+          static_cast<int32_t>(strlen(line)));
     releaseOutput(xargv);
     return found;
 }
@@ -150,8 +183,7 @@ int32_t getResQuaySE(const char* input, std::span<char> output, const kordRec* p
 {
     const size_t position = strcspn(input, ".");
     copyText(output, input[position] == '.' ? input + position + 1 : "");
-    trace(pKordRec, "getResQuaySE", "input  %s output %s i=%d", input, output.data(),
-          static_cast<int32_t>(position));
+    trace(pKordRec, serialLine, input, output.data(), static_cast<int32_t>(position));
     return 0;
 }
 

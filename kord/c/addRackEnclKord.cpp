@@ -1,6 +1,7 @@
 #include "addRackEnclKord.h"
 
 #include "addQueryKord.h"
+#include "addQueryTableKord.h"
 #include "addUtilKord.h"
 #include "addXmlKord.h"
 
@@ -36,6 +37,8 @@ constexpr Query rackQuery = {
     .responseTrace = {"0403", "  TarnRack %d, %s"},
     .otherError = {.report = {.type = resourcesNotFound}},
 };
+
+constexpr TraceText rackLine = {"0404 ", "rackIdentifier=%u, %s, %s, %s"};
 
 /// One part of a rack; each query picks the attributes that its class has.
 struct Part {
@@ -237,8 +240,8 @@ int32_t addRack(kordRec* pKordRec, const Rack& rack)
     const uint32_t rackIdentifier = static_cast<uint32_t>(rack.rackIdentifier);
     getStorageEnclosure_typemodel(rack.rackEnclosureMTMS_rack, Tyemodel);
     getStorageEnclosure_serial(rack.rackEnclosureMTMS_rack, Serial);
-    trace(pKordRec, "0404 ", "rackIdentifier=%u, %s, %s, %s", rackIdentifier, rack.locationCode_rack,
-          rack.rackNumber_rack, rack.rackEnclosureMTMS_rack);
+    trace(pKordRec, rackLine, rackIdentifier, rack.locationCode_rack, rack.rackNumber_rack,
+          rack.rackEnclosureMTMS_rack);
 
     openRackEncl(pKordRec, rack.locationCode_rack, rack.rackNumber_rack, rackIdentifier, Tyemodel, Serial);
     openGlobalResources(pKordRec);
@@ -252,7 +255,28 @@ int32_t addRack(kordRec* pKordRec, const Rack& rack)
     return rc;
 }
 
+// --- What the tables tell
+
+constexpr ToldQuery queries[] = {
+    {.query = &rackQuery, .function = "addRackEnclKord"},
+    {.query = &ppsQuery},
+    {.query = &batteryQuery},
+    {.query = &rpcQuery},
+    {.query = &fanSenseQuery},
+    {.query = &fanTrayQuery},
+};
+
+constexpr ToldLine lines[] = {
+    {.function = "addRackEnclKord",
+     .line = rackLine,
+     .explanation = {.meaning =
+                         "a rack, before it is written: its identifier, location code, number and MTMS"}},
+};
+
 } // namespace
+
+const ToldQueries addRackEnclQueries = {.module = "addRackEnclKord", .queries = queries};
+const ToldLines addRackEnclLines = {.module = "addRackEnclKord", .lines = lines};
 
 int32_t addRackEnclKord(kordRec* pKordRec)
 {

@@ -1,6 +1,7 @@
 #include "addStorEnclKord.h"
 
 #include "addQueryKord.h"
+#include "addQueryTableKord.h"
 #include "addUtilKord.h"
 #include "addXmlKord.h"
 
@@ -46,10 +47,12 @@ struct Enclosure {
     char interfaceIdentifier_stor[100];
 };
 
+constexpr TraceText interfacesLine = {"0319", " %d %s"};
+
 void readEnclosureInterfaces(const kordRec* pKordRec, const ValeAttribute& attribute, Field field)
 {
     readInterfaceList(pKordRec, attribute, field);
-    trace(pKordRec, "0319", " %d %s", static_cast<int32_t>(integersOf(attribute).size()), field.text.data());
+    trace(pKordRec, interfacesLine, static_cast<int32_t>(integersOf(attribute).size()), field.text.data());
 }
 
 constexpr Attribute enclosureAttributes[] = {
@@ -199,6 +202,10 @@ constexpr Query baffleQuery = {
     .progress = " writeBaffle open/close resource",
 };
 
+constexpr TraceText enclosureLine = {"0320", " RackLocation= %s, %s, %s, %d, %s"};
+constexpr TraceText partsLine = {"0321", " enclosureMTMS_stor= %s "};
+constexpr TraceText rackLine = {"0326", " rack %s, %s, %s"};
+
 using QueryParts = decltype(&queryDDM);
 
 /// What an enclosure holds, in the document's order.
@@ -215,16 +222,15 @@ int32_t addEnclosure(kordRec* pKordRec, const Enclosure& enclosure, const char* 
     convertStringFromMMToDash(R1, RackLocation);
     getStorageEnclosure_typemodel(enclosure.enclosureMTMS_stor, enclosureTyemodel);
     getStorageEnclosure_serial(enclosure.enclosureMTMS_stor, enclosureSerial);
-    trace(pKordRec, "0320", " RackLocation= %s, %s, %s, %d, %s", RackLocation, R1,
-          enclosure.enclosureNumber_stor, static_cast<int32_t>(strlen(enclosure.enclosureNumber_stor)),
-          enclosure.locationCode_stor);
+    trace(pKordRec, enclosureLine, RackLocation, R1, enclosure.enclosureNumber_stor,
+          static_cast<int32_t>(strlen(enclosure.enclosureNumber_stor)), enclosure.locationCode_stor);
 
     openStorEncl(pKordRec, enclosure.locationCode_stor, pKordRec->kordpStorageFacilityImageMTMS[i], R1,
                  rackNumber, enclosure.interfaceIdentifier_stor, enclosure.featureCode_stor,
                  enclosureTyemodel, enclosureSerial);
     openEnclosurePartitionsStor(pKordRec, enclosure.locationCode_stor, pKordRec->LParID[i]);
     openPartitionResources(pKordRec);
-    trace(pKordRec, "0321", " enclosureMTMS_stor= %s ", enclosure.enclosureMTMS_stor);
+    trace(pKordRec, partsLine, enclosure.enclosureMTMS_stor);
 
     int32_t rc = collected;
     for (const QueryParts queryParts : enclosureParts) {
@@ -238,7 +244,34 @@ int32_t addEnclosure(kordRec* pKordRec, const Enclosure& enclosure, const char* 
     return rc == failed ? failed : collected;
 }
 
+// --- What the tables tell
+
+constexpr ToldQuery queries[] = {
+    {.query = &rackQuery},   {.query = &enclosureQuery, .function = "queryStorageEnclosure"},
+    {.query = &driveQuery},  {.query = &interfaceCardQuery},
+    {.query = &baffleQuery},
+};
+
+constexpr ToldLine lines[] = {
+    {.function = "queryStorageEnclosure",
+     .line = interfacesLine,
+     .explanation = {.meaning = "an enclosure's interfaces: how many, and the list"}},
+    {.function = "queryStorageEnclosure",
+     .line = enclosureLine,
+     .explanation = {.meaning = "an enclosure, before it is written: where it stands, its number and the "
+                                "number's length, its location code"}},
+    {.function = "queryStorageEnclosure",
+     .line = partsLine,
+     .explanation = {.meaning = "an enclosure's parts follow"}},
+    {.function = "addStorEnclKord",
+     .line = rackLine,
+     .explanation = {.meaning = "a rack: its location code, number and MTMS"}},
+};
+
 } // namespace
+
+const ToldQueries addStorEnclQueries = {.module = "addStorEnclKord", .queries = queries};
+const ToldLines addStorEnclLines = {.module = "addStorEnclKord", .lines = lines};
 
 int32_t addStorEnclKord(kordRec* pKordRec)
 {
@@ -247,7 +280,7 @@ int32_t addStorEnclKord(kordRec* pKordRec)
         Rack rack{};
         for (const ValeQueryResponse& resource : racks) {
             readItem(pKordRec, rackQuery, resource, &rack);
-            trace(pKordRec, "0326", " rack %s, %s, %s", rack.locationCode_rack, rack.rackNumber_rack,
+            trace(pKordRec, rackLine, rack.locationCode_rack, rack.rackNumber_rack,
                   rack.rackEnclosureMTMS_rack);
             const int32_t rc = queryStorageEnclosure(pKordRec, rack.locationCode_rack, rack.rackNumber_rack,
                                                      rack.rackEnclosureMTMS_rack);

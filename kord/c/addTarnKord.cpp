@@ -6,6 +6,7 @@
 #include "addPartitionKord.h"
 #include "addQuayEnclKord.h"
 #include "addQueryKord.h"
+#include "addQueryTableKord.h"
 #include "addRackEnclKord.h"
 #include "addStorEnclKord.h"
 #include "addTextKord.h"
@@ -26,6 +27,29 @@ constexpr int usageStatus = 255;
 
 constexpr const char* buildTag = "155968_quay1 07-15-05 "; // with its trailing blank
 constexpr const char* sessionFails = "Start VALE session fails.\n";
+
+// --- Console commands. The errors of the one that gives the log away go to a log named after the user.
+
+constexpr const char* stateCommand = "%s/opt/brisk/bin/qmstat -r sys -m \"%s\" -F state";
+constexpr const char* groupCommand =
+    "/bin/chown briskroot:quay \"/var/tarnquay/log/%s\"  2>>/var/tarnquay/log/kord.%s.log ";
+
+// --- Lines that are no query's
+
+constexpr TraceText statusLine = {"0016", "%s, status=%d"};
+constexpr TraceText runLine = {"SRCV", "%s %s"};
+constexpr TraceText noTypeModelLine = {"0002", " failed to get modeltype %s, exit %d"};
+constexpr TraceText optionLine = {"0003", "option %s "};
+constexpr TraceText minorErrorsLine = {"0019", "Function completed with minor errors detected."};
+constexpr TraceText serverLine = {"0109", "wwnn=%s, server=%d "};
+constexpr TraceText partnerLine = {"0109", " partner %s"};
+constexpr TraceText unansweredStateLine = {"0017", "rc=%d, xargc=%d, %s "};
+constexpr TraceText stateLine = {"0017", "rc=%d, xargc=%d, %s, state=%s "};
+constexpr TraceText contactsLine = {"0697", "num_contacts =%d"};
+constexpr TraceText nodeLine = {"0016", " StorageFacilityImageID=%s, HostName=%s"};
+constexpr TraceText noDocumentLine = {"0007", " startXml %d "};
+constexpr TraceText closeLine = {"0008", "close file"};
+constexpr TraceText exitLine = {"0010", " exit %d ------------------"};
 
 // --- Identification
 
@@ -200,7 +224,7 @@ int32_t checkStatus(kordRec* pKordRec, const Query& query, const char* systemMTM
         rc = runQuery(pKordRec, query, nodeRequest(systemMTMS, ids[i], names[i]), [&](Resources nodes) {
             NodeStatus node{};
             readItem(pKordRec, query, nodes[0], &node);
-            trace(pKordRec, "0016", "%s, status=%d", names[i], node.status);
+            trace(pKordRec, statusLine, names[i], node.status);
             return node.status == online ? collected : handleErrKord(pKordRec, names[i], subsystemDegraded);
         });
     }
@@ -209,84 +233,67 @@ int32_t checkStatus(kordRec* pKordRec, const Query& query, const char* systemMTM
 
 // --- Sessions
 
-/// How a session start is announced and how its failure is traced.
-struct SessionStart {
-    uint32_t scope;
-    ValeSessionHandle kordRec::*session;
-    TraceText start;
-    TraceText failed; ///< gets the return code, the message and the exit status
-    bool reportsFirst;
-};
+constexpr const char* sessionEndFailed = " end_session failed with error %d, %s";
 
-constexpr SessionStart localSession = {
-    .scope = 1,
-    .session = &kordRec::sess_hndl_LC,
-    .start = {"0004", "start local session "},
-    .failed = {"0004", " LC scope session failed with error %d, %s, exit %d"},
-    .reportsFirst = true,
+/// In the order of ending, whatever the order of opening.
+constexpr Session sessions[] = {
+    {.name = "local",
+     .scope = 1,
+     .handle = &kordRec::sess_hndl_LC,
+     .start = {"0004", "start local session "},
+     .startFailed = {"0004", " LC scope session failed with error %d, %s, exit %d"},
+     .reportsFirst = true,
+     .end = {"0008", "LC vale_end_session"},
+     .endFailed = {"0008", sessionEndFailed}},
+    {.name = "domain",
+     .scope = 4,
+     .handle = &kordRec::sess_hndl_DM,
+     .start = {"0005", "start DM session "},
+     .startFailed = {"0006", " DM scope session failed with error %d, %s"},
+     .reportsFirst = false,
+     .end = {"0008", "DM vale_end_session"},
+     .endFailed = {"0009", sessionEndFailed}},
+    {.name = "shared resource",
+     .scope = 2,
+     .handle = &kordRec::sess_hndl_SR,
+     .start = {"0004", "start share resource session "},
+     .startFailed = {"0004", " SR scope session failed with error %d, %s, exit %d"},
+     .reportsFirst = true,
+     .end = {"0008", "SR vale_end_session"},
+     .endFailed = {"0009", sessionEndFailed}},
 };
-constexpr SessionStart sharedSession = {
-    .scope = 2,
-    .session = &kordRec::sess_hndl_SR,
-    .start = {"0004", "start share resource session "},
-    .failed = {"0004", " SR scope session failed with error %d, %s, exit %d"},
-    .reportsFirst = true,
-};
-constexpr SessionStart domainSession = {
-    .scope = 4,
-    .session = &kordRec::sess_hndl_DM,
-    .start = {"0005", "start DM session "},
-    .failed = {"0006", " DM scope session failed with error %d, %s"},
-    .reportsFirst = false,
-};
+constexpr const Session& localSession = sessions[0];
+constexpr const Session& domainSession = sessions[1];
+constexpr const Session& sharedSession = sessions[2];
 
-int32_t startSession(kordRec* pKordRec, const SessionStart& start)
+int32_t startSession(kordRec* pKordRec, const Session& session)
 {
-    trace(pKordRec, start.start.code, "%s", start.start.format);
-    return vale_start_session(nullptr, 0, start.scope, &(pKordRec->*start.session));
+    trace(pKordRec, session.start);
+    return vale_start_session(nullptr, 0, session.scope, &(pKordRec->*session.handle));
 }
 
-void reportSessionStart(const kordRec* pKordRec, const SessionStart& start, int32_t rc)
+void reportSessionStart(const kordRec* pKordRec, const Session& session, int32_t rc)
 {
     const ClientError error = takeError();
-    if (start.reportsFirst) handleErrKord(pKordRec, "addTarnKord", valeCallFailed);
-    trace(pKordRec, start.failed.code, start.failed.format, rc, messageOf(error), failure);
-    if (!start.reportsFirst) handleErrKord(pKordRec, "addTarnKord", valeCallFailed);
+    if (session.reportsFirst) handleErrKord(pKordRec, "addTarnKord", valeCallFailed);
+    trace(pKordRec, session.startFailed, rc, messageOf(error), failure);
+    if (!session.reportsFirst) handleErrKord(pKordRec, "addTarnKord", valeCallFailed);
     releaseError(error);
 }
 
-struct SessionEnd {
-    ValeSessionHandle kordRec::*session;
-    const char* end;
-    const char* failedCode;
-};
-
-/// In the order of ending, whatever the order of opening.
-constexpr SessionEnd sessionEnds[] = {
-    {&kordRec::sess_hndl_LC, "LC vale_end_session", "0008"},
-    {&kordRec::sess_hndl_DM, "DM vale_end_session", "0009"},
-    {&kordRec::sess_hndl_SR, "SR vale_end_session", "0009"},
-};
-
-int32_t endSession(const kordRec* pKordRec, const SessionEnd& end)
+int32_t endSession(const kordRec* pKordRec, const Session& session)
 {
-    trace(pKordRec, "0008", "%s", end.end);
-    const int32_t rc = vale_end_session(pKordRec->*end.session);
+    trace(pKordRec, session.end);
+    const int32_t rc = vale_end_session(pKordRec->*session.handle);
     if (rc == 0) return rc;
     const ClientError error = takeError();
-    trace(pKordRec, end.failedCode, " end_session failed with error %d, %s", rc, messageOf(error));
+    trace(pKordRec, session.endFailed, rc, messageOf(error));
     handleErrKord(pKordRec, "cleanUpKord", valeCallFailed);
     releaseError(error);
     return rc;
 }
 
 // --- The run
-
-/// One check: what it runs, and the console line when it fails.
-struct Check {
-    int32_t (*run)(kordRec*);
-    const char* message;
-};
 
 int32_t queryOwnPartitions(kordRec* pKordRec)
 {
@@ -300,21 +307,26 @@ int32_t queryPartnerPartitions(kordRec* pKordRec)
 /// Before collection. The first line names the partner system too, and one line has a blank before its
 /// newline: the operator's scripts match them so.
 constexpr Check checksBefore[] = {
-    {querySystem, "Query Partner System fails.\n"},
-    {queryPartnerSystem, "Query Partner System fails.\n"},
-    {checkState, "Check State fails.\n"},
-    {queryOwnPartitions, "Query Partition fails.\n"},
-    {queryValeId, "Query VALE Id fails.\n"},
-    {queryValeStatus, "Query VALE Status fails. \n"},
-    {queryPartnerPartitions, "Query Partition fails.\n"},
-    {queryValePartnerStatus, "Query VALE Partner Status fails.\n"},
+    {"querySystem", querySystem, "Query Partner System fails.\n"},
+    {"queryPartnerSystem", queryPartnerSystem, "Query Partner System fails.\n"},
+    {"checkState", checkState, "Check State fails.\n"},
+    {"queryPartition", queryOwnPartitions, "Query Partition fails.\n"},
+    {"queryValeId", queryValeId, "Query VALE Id fails.\n"},
+    {"queryValeStatus", queryValeStatus, "Query VALE Status fails. \n"},
+    {"queryPartition", queryPartnerPartitions, "Query Partition fails.\n"},
+    {"queryValePartnerStatus", queryValePartnerStatus, "Query VALE Partner Status fails.\n"},
 };
 
 /// Collection and the checks after it, but for the last.
 constexpr Check collection[] = {
-    {addSystemKord, "Add System Kord fails.\n"},
-    {checkState, "Check State fails.\n"},
-    {queryValeStatus, "Query VALE Status fails.\n"},
+    {"addSystemKord", addSystemKord, "Add System Kord fails.\n"},
+    {"checkState", checkState, "Check State fails.\n"},
+    {"queryValeStatus", queryValeStatus, "Query VALE Status fails.\n"},
+};
+
+/// Whatever it says, the run's end is the same.
+constexpr Check lastCheck[] = {
+    {"queryValePartnerStatus", queryValePartnerStatus, "Query VALE Partner Status fails.\n"},
 };
 
 /// Runs the checks; the console line of the first that fails, null when all pass.
@@ -355,13 +367,13 @@ int32_t identifyRun(kordRec* pKordRec, const char* mtms)
     if (!isUsable(mtms, serial)) return failure;
     copyText(pKordRec->systemSerial, serial);
     formatText(pKordRec->trcfile, "kord.%s.log", serial);
-    trace(pKordRec, "SRCV", "%s %s", buildTag, mtms);
+    trace(pKordRec, runLine, buildTag, mtms);
     getLoginUserName(pKordRec);
     changeGroup(pKordRec);
 
     get_StorageFacilitySystem_modeltype(pKordRec->inputSystemMTMS, modeltype);
     if (*modeltype == '\0') {
-        trace(pKordRec, "0002", " failed to get modeltype %s, exit %d", pKordRec->inputSystemMTMS, failure);
+        trace(pKordRec, noTypeModelLine, pKordRec->inputSystemMTMS, failure);
         return failure; // no type-model
     }
     formatText(pKordRec->managedSystemMTMS, "%s*%s", modeltype, serial);
@@ -375,16 +387,16 @@ void takeOption(kordRec* pKordRec, const char* option)
     if (!isConfiguration && strcmp(option, "-t") != 0) return;
     pKordRec->testFlag = 1;
     if (isConfiguration) pKordRec->configFlag = 1;
-    trace(pKordRec, "0003", "option %s ", option);
+    trace(pKordRec, optionLine, option);
 }
 
 /// Opens the two sessions that the checks need. What is open stays open when one fails.
 int32_t startSessions(kordRec* pKordRec)
 {
-    for (const SessionStart* start : {&localSession, &sharedSession}) {
-        const int32_t rc = startSession(pKordRec, *start);
+    for (const Session* session : {&localSession, &sharedSession}) {
+        const int32_t rc = startSession(pKordRec, *session);
         if (rc == 0) continue;
-        reportSessionStart(pKordRec, *start, rc);
+        reportSessionStart(pKordRec, *session, rc);
         fputs(sessionFails, stdout);
         return failure;
     }
@@ -404,20 +416,84 @@ int32_t collect(kordRec* pKordRec)
     if (const char* message = firstFailure(pKordRec, collection)) return failWith(pKordRec, message);
 
     int32_t exitStatus = success;
-    if (queryValePartnerStatus(pKordRec) == failed) {
+    if (const char* message = firstFailure(pKordRec, lastCheck)) {
         exitStatus = failure;
-        fputs("Query VALE Partner Status fails.\n", stdout);
+        fputs(message, stdout);
     } else {
-        if (pKordRec->Flag == 1) trace(pKordRec, "0019", "Function completed with minor errors detected.");
+        if (pKordRec->Flag == 1) trace(pKordRec, minorErrorsLine);
         fputs("XML file was built successfully. This is the normal return.\n", stdout);
     }
     cleanUpKord(pKordRec, nullptr, exitStatus);
     return exitStatus;
 }
 
+// --- What the tables tell
+
+constexpr ToldQuery queries[] = {
+    {.query = &systemQuery}, {.query = &facilityQuery}, {.query = &partitionQuery},
+    {.query = &nodeQuery},   {.query = &statusQuery},   {.query = &partnerStatusQuery},
+};
+
+constexpr ToldLine lines[] = {
+    {.function = "checkStatus",
+     .line = statusLine,
+     .explanation = {.meaning = "a partition's node: 1 is online", .advice = "bring the partition up"}},
+    {.function = "identifyRun",
+     .line = runLine,
+     .explanation = {.meaning = "the build and the MTMS of the run that starts here"}},
+    {.function = "identifyRun",
+     .line = noTypeModelLine,
+     .explanation = {.meaning = "no type-model in the MTMS",
+                     .advice = "call the collector with the whole MTMS"}},
+    {.function = "takeOption", .line = optionLine, .explanation = {.meaning = "the option of the run"}},
+    {.function = "collect",
+     .line = minorErrorsLine,
+     .explanation = {.meaning = "some part of the facility answered with a minor error",
+                     .advice = "see the lines with \"response\" before it"}},
+    {.function = "querySystem",
+     .line = serverLine,
+     .explanation = {.meaning = "the facility's node name, and which of its two servers is described"}},
+    {.function = "queryPartnerSystem",
+     .line = partnerLine,
+     .explanation = {.meaning = "the facility's other system"}},
+    {.function = "checkSystemState",
+     .line = unansweredStateLine,
+     .explanation = {.meaning = "qmstat did not answer for a system", .advice = "run qmstat by hand"}},
+    {.function = "checkSystemState",
+     .line = stateLine,
+     .explanation = {.meaning = "what qmstat said of a system",
+                     .advice = "bring the system up where it is not operating"}},
+    {.function = "queryPartition",
+     .line = contactsLine,
+     .explanation = {.meaning = "how many partitions the managed system has"}},
+    {.function = "queryValeId", .line = nodeLine, .explanation = {.meaning = "a partition's image and node"}},
+    {.function = "addSystemKord",
+     .line = noDocumentLine,
+     .explanation = {.meaning = "the document could not be started",
+                     .advice = "see the line 0700 before it"}},
+    {.function = "cleanUpKord", .line = closeLine, .explanation = {.meaning = "the document is closed"}},
+    {.function = "cleanUpKord", .line = exitLine, .explanation = {.meaning = "the end of the run"}},
+};
+
+constexpr ToldCommand commands[] = {
+    {.function = "checkSystemState", .command = stateCommand},
+    {.function = "changeGroup", .command = groupCommand},
+};
+
+constexpr ToldChecks checks[] = {
+    {.when = "before", .checks = checksBefore},
+    {.when = "collection", .checks = collection},
+    {.when = "last", .checks = lastCheck},
+};
+
 } // namespace
 
-int main(int argc, char* argv[])
+const ToldQueries addTarnQueries = {.module = "addTarnKord", .queries = queries};
+const ToldLines addTarnLines = {.module = "addTarnKord", .lines = lines, .commands = commands};
+const std::span<const Session> addTarnSessions = sessions;
+const std::span<const ToldChecks> addTarnChecks = checks;
+
+int addTarnKord(int argc, const char* const* argv)
 {
     if (argc < 3) {
         fputs("usage: addTarnKord OPTION MTMS\n"
@@ -442,8 +518,7 @@ int32_t querySystem(kordRec* pKordRec)
         }
         readItem(pKordRec, systemQuery, systems[0], pKordRec);
         convertStringFromMMToDash(pKordRec->kordpStorageFacilityMTMS, pKordRec->storageFacilityMTMS);
-        trace(pKordRec, "0109", "wwnn=%s, server=%d ", pKordRec->storageFacilityWWNN,
-              pKordRec->storageFacilityServerNumber);
+        trace(pKordRec, serverLine, pKordRec->storageFacilityWWNN, pKordRec->storageFacilityServerNumber);
         return collected;
     });
 }
@@ -458,7 +533,7 @@ int32_t queryPartnerSystem(kordRec* pKordRec)
             copyText(pKordRec->partnerSystemMTMS, textOf(attribute));
             break;
         }
-        trace(pKordRec, "0109", " partner %s", pKordRec->partnerSystemMTMS);
+        trace(pKordRec, partnerLine, pKordRec->partnerSystemMTMS);
         return collected;
     });
 }
@@ -478,20 +553,19 @@ int32_t checkSystemState(kordRec* pKordRec, const char* SystemMTMS)
     char command[sizeof mtms + 100];
     const bool isRoot = strcmp(pKordRec->loginUserName, "root") == 0;
     quoteText(mtms, SystemMTMS, Quotes::doubled);
-    formatText(command, "%s/opt/brisk/bin/qmstat -r sys -m \"%s\" -F state",
-               isRoot ? "" : "/opt/tarnquay/bin/mmquaycmd ", mtms);
+    formatText(command, stateCommand, isRoot ? "" : "/opt/tarnquay/bin/mmquaycmd ", mtms);
 
     int32_t xargc = 0;
     char** xargv = nullptr;
     const int32_t rc = excuteCommand(pKordRec, command, &xargc, &xargv);
     if (rc != 0 || xargc == 0) {
-        trace(pKordRec, "0017", "rc=%d, xargc=%d, %s ", rc, xargc, SystemMTMS);
+        trace(pKordRec, unansweredStateLine, rc, xargc, SystemMTMS);
         releaseOutput(xargv);
         return reported;
     }
     char state[100];
     copyText(state, xargv[0]);
-    trace(pKordRec, "0017", "rc=%d, xargc=%d, %s, state=%s ", rc, xargc, SystemMTMS, state);
+    trace(pKordRec, stateLine, rc, xargc, SystemMTMS, state);
     releaseOutput(xargv);
     return strcmp(state, "Operating") == 0 ? 0 : failed;
 }
@@ -503,7 +577,7 @@ int32_t queryPartition(kordRec* pKordRec, int32_t partner)
     return runQuery(pKordRec, partitionQuery, request, [&](Resources partitions) {
         if (partner == 0) {
             pKordRec->num_contacts = static_cast<int32_t>(partitions.size());
-            trace(pKordRec, "0697", "num_contacts =%d", pKordRec->num_contacts);
+            trace(pKordRec, contactsLine, pKordRec->num_contacts);
         }
         Partition partition{};
         for (const ValeQueryResponse& resource : partitions) {
@@ -528,7 +602,7 @@ int32_t queryValeId(kordRec* pKordRec)
             convertStringFromDotToMM(pKordRec->StorageFacilityImageMTMS[i], id);
             convertStringFromDotToDash(pKordRec->kordpStorageFacilityImageMTMS[i], id);
             copyText(pKordRec->Hostname[i], node.Hostname);
-            trace(pKordRec, "0016", " StorageFacilityImageID=%s, HostName=%s", id, node.Hostname);
+            trace(pKordRec, nodeLine, id, node.Hostname);
             return collected;
         });
     }
@@ -556,7 +630,7 @@ int32_t addSystemKord(kordRec* pKordRec)
 
     if (startXml(pKordRec) != 0) {
         handleErrKord(pKordRec, "addSystemKord", documentFailed);
-        trace(pKordRec, "0007", " startXml %d ", reported);
+        trace(pKordRec, noDocumentLine, reported);
         return reported;
     }
     openInventory(pKordRec);
@@ -585,25 +659,22 @@ void closeXml(const kordRec* pKordRec)
 void changeGroup(const kordRec* pKordRec)
 {
     if (strcmp(pKordRec->loginUserName, "root") != 0) return;
-    // The command's own errors go to a log that is named after the user.
     char command[200];
-    formatText(command,
-               "/bin/chown briskroot:quay \"/var/tarnquay/log/%s\"  2>>/var/tarnquay/log/kord.%s.log ",
-               pKordRec->trcfile, pKordRec->loginUserName);
+    formatText(command, groupCommand, pKordRec->trcfile, pKordRec->loginUserName);
     [[maybe_unused]] const int ignored = system(command);
 }
 
 int32_t cleanUpKord(kordRec* pKordRec, const char* const* /*contacts*/, int32_t returnCode)
 {
     if (pKordRec->inp != nullptr) {
-        trace(pKordRec, "0008", "close file");
+        trace(pKordRec, closeLine);
         fclose(pKordRec->inp);
     }
     int32_t rc = 0;
-    for (const SessionEnd& end : sessionEnds) {
-        if (pKordRec->*end.session != nullptr) rc = endSession(pKordRec, end);
+    for (const Session& session : sessions) {
+        if (pKordRec->*session.handle != nullptr) rc = endSession(pKordRec, session);
     }
     fflush(stdout);
-    trace(pKordRec, "0010", " exit %d ------------------", returnCode);
+    trace(pKordRec, exitLine, returnCode);
     return rc;
 }

@@ -3,7 +3,41 @@
 
 #pragma once
 
+#include "addTrcKord.h"
 #include "kordRec.h"
+
+#include <span>
+
+/// The program: its exit status.
+int addTarnKord(int argc, const char* const* argv);
+
+/// One of the run's sessions with the resource manager.
+struct Session {
+    const char* name;
+    uint32_t scope;
+    ValeSessionHandle kordRec::*handle;
+    TraceText start;
+    TraceText startFailed; ///< gets the return code, the message and the exit status
+    bool reportsFirst;     ///< a failed start is reported before it is traced
+    TraceText end;
+    TraceText endFailed; ///< gets the return code and the message
+};
+
+/// One check: what it runs, and the console line when it fails.
+struct Check {
+    const char* name;
+    int32_t (*run)(kordRec*);
+    const char* message;
+};
+
+/// Checks that follow one another, and when they do.
+struct ToldChecks {
+    const char* when;
+    std::span<const Check> checks;
+};
+
+extern const std::span<const Session> addTarnSessions;
+extern const std::span<const ToldChecks> addTarnChecks;
 
 /// Learns the facility that the managed system belongs to, by its one facility-system resource.
 int32_t querySystem(kordRec* pKordRec);

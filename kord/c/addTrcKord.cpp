@@ -187,7 +187,7 @@ void cutLog(const Path& logFile)
 void removeLog(const Path& logFile)
 {
     char command[500];
-    formatText(command, "/opt/tarnquay/bin/mmquaycmd /bin/rm -f %s 2>/dev/null", logFile.text);
+    formatText(command, removeLogCommand, logFile.text);
     [[maybe_unused]] const int ignored = system(command);
     unlink(logFile.text);
     const int log = openLog(logFile.text);

@@ -8,6 +8,9 @@
 /// Longest message of an ordinary trace line.
 constexpr size_t traceTextSize = 800;
 
+/// Removes an oversized log with the wrapper's rights.
+constexpr const char* removeLogCommand = "/opt/tarnquay/bin/mmquaycmd /bin/rm -f %s 2>/dev/null";
+
 /// Where a line stems from ("0100", "==>", ">>") and the format of its text.
 struct TraceText {
     const char* code = nullptr;
@@ -21,3 +24,10 @@ int32_t addTrcKord(const char* fileName, const char* code, const char* message);
 
 /// One line of the run's own log; the text is cut to `traceTextSize`.
 [[gnu::format(printf, 3, 4)]] void trace(const kordRec* pKordRec, const char* code, const char* format, ...);
+
+/// A line out of a table.
+template <typename... Values>
+void trace(const kordRec* pKordRec, const TraceText& line, Values... values)
+{
+    trace(pKordRec, line.code, line.format, values...);
+}

@@ -1,5 +1,6 @@
 #include "addUtilKord.h"
 
+#include "addTableKord.h"
 #include "addTrcKord.h"
 
 #include <algorithm>
@@ -17,6 +18,16 @@ namespace
 constexpr size_t commandSize = 4096;
 constexpr int notRun = -1;
 constexpr size_t composedSize = 30; ///< of a composed name or MTMS
+
+constexpr const char* userCommand = "whoami";
+
+constexpr TraceText emptyOutputLine = {"0062", "empty file %d, %d "};
+constexpr TraceText noOutputLine = {"0063", " fd  %d errno="};
+constexpr TraceText unreadOutputLine = {"0064", "read  errno="};
+constexpr TraceText commandFailedLine = {"0066", "excute cmd rc=%d, errno=%d "};
+constexpr TraceText uselessOutputLine = {"0067", "parse cmd rc=%d "};
+constexpr TraceText userLine = {"0068", "rc=%d, xargc=%d, User=%s "};
+constexpr TraceText noUserLine = {"0068", "rc=%d, xargc=%d, %s "};
 
 /// Makes the command's output file anew: a file or link that lies in the way goes. False when it cannot be
 /// made.
@@ -62,14 +73,14 @@ char* readFile(const kordRec* pKordRec, const char* fileName, size_t& size)
     if (text == nullptr) return nullptr;
     const int fd = open(fileName, O_RDONLY | O_NOFOLLOW | O_CLOEXEC);
     if (fd < 0) {
-        trace(pKordRec, "0063", " fd  %d errno=", fd);
+        trace(pKordRec, noOutputLine, fd);
         free(text);
         return nullptr;
     }
     const ssize_t length = readAll(fd, text, size);
     close(fd);
     if (length < 0) {
-        trace(pKordRec, "0064", "read  errno=");
+        trace(pKordRec, unreadOutputLine);
         free(text);
         return nullptr;
     }
@@ -116,7 +127,38 @@ int32_t convert(std::span<char> output, const char* input, char from, char to)
     return 0;
 }
 
+// --- What the tables tell
+
+constexpr ToldCommand commands[] = {
+    {.function = "getLoginUserName", .command = userCommand},
+    {.function = "addTrcKord", .command = removeLogCommand},
+};
+
+constexpr ToldLine lines[] = {
+    {.function = "parseOutput",
+     .line = emptyOutputLine,
+     .explanation = {.meaning = "a console command printed nothing", .advice = "run the command by hand"}},
+    {.function = "parseOutput",
+     .line = noOutputLine,
+     .explanation = {.meaning = "a command's output could not be opened", .advice = "see /var/brisk/log"}},
+    {.function = "parseOutput",
+     .line = unreadOutputLine,
+     .explanation = {.meaning = "a command's output could not be read", .advice = "see /var/brisk/log"}},
+    {.function = "excuteCommand",
+     .line = commandFailedLine,
+     .explanation = {.meaning = "a console command failed: its status", .advice = "run the command by hand"}},
+    {.function = "excuteCommand",
+     .line = uselessOutputLine,
+     .explanation = {.meaning = "a command's output is of no use", .advice = "see the line before it"}},
+    {.function = "getLoginUserName", .line = userLine, .explanation = {.meaning = "who runs the collector"}},
+    {.function = "getLoginUserName",
+     .line = noUserLine,
+     .explanation = {.meaning = "who runs the collector could not be learned"}},
+};
+
 } // namespace
+
+const ToldLines addUtilLines = {.module = "addUtilKord", .lines = lines, .commands = commands};
 
 int32_t excuteCommand(const kordRec* pKordRec, const char* Cmd, int32_t* xargc, char*** xargv)
 {
@@ -143,11 +185,11 @@ int32_t excuteCommand(const kordRec* pKordRec, const char* Cmd, int32_t* xargc, 
     const int32_t rc = fits ? system(command) >> 8 : notRun;
     const int error = errno;
 
-    if (rc != 0) trace(pKordRec, "0066", "excute cmd rc=%d, errno=%d ", rc, error);
+    if (rc != 0) trace(pKordRec, commandFailedLine, rc, error);
     const bool hasOutput = wanted && rc == 0;
     const int32_t result = hasOutput ? parseOutput(pKordRec, fileName, xargc, xargv) : 1;
     if (wanted) unlink(fileName);
-    if (hasOutput && result != 0) trace(pKordRec, "0067", "parse cmd rc=%d ", result);
+    if (hasOutput && result != 0) trace(pKordRec, uselessOutputLine, result);
     return result;
 }
 
@@ -160,8 +202,7 @@ int32_t parseOutput(const kordRec* pKordRec, const char* Filename, int32_t* xarg
     };
     if (stat(Filename, &status) != 0 || status.st_size == 0) {
         // The name stands in the line as a number.
-        trace(pKordRec, "0062", "empty file %d, %d ",
-              static_cast<int32_t>(reinterpret_cast<intptr_t>(Filename)),
+        trace(pKordRec, emptyOutputLine, static_cast<int32_t>(reinterpret_cast<intptr_t>(Filename)),
               static_cast<int32_t>(status.st_size));
         return 1;
     }
@@ -193,14 +234,14 @@ int32_t getLoginUserName(kordRec* pKordRec)
 {
     int32_t xargc = 0;
     char** xargv = nullptr;
-    const int32_t rc = excuteCommand(pKordRec, "whoami", &xargc, &xargv);
+    const int32_t rc = excuteCommand(pKordRec, userCommand, &xargc, &xargv);
     const bool known = rc == 0 && xargc > 0;
 
     copyText(pKordRec->loginUserName, known ? xargv[0] : "briskroot");
     if (known)
-        trace(pKordRec, "0068", "rc=%d, xargc=%d, User=%s ", rc, xargc, pKordRec->loginUserName);
+        trace(pKordRec, userLine, rc, xargc, pKordRec->loginUserName);
     else
-        trace(pKordRec, "0068", "rc=%d, xargc=%d, %s ", rc, xargc, "getLoginUserName");
+        trace(pKordRec, noUserLine, rc, xargc, "getLoginUserName");
     releaseOutput(xargv);
     return known ? 0 : 1;
 }

@@ -1,5 +1,6 @@
 #include "addXmlKord.h"
 
+#include "addTableKord.h"
 #include "addTextKord.h"
 #include "addTrcKord.h"
 
@@ -316,6 +317,10 @@ constexpr const char* arrayName = "Array";
 constexpr const char* rankName = "Rank";
 constexpr const char* segmentPoolName = "Segment Pool";
 
+constexpr TraceText noFileLine = {"0700", " open xmlfile error %s \n"};
+constexpr TraceText stampLine = {"0701", " stamp=%s"};
+constexpr TraceText openArrayLine = {"0703", " arraySites = %d, %s"};
+
 /// Makes way for a new document: an empty file stays, anything else but a folder goes.
 void removeEarlier(const char* path)
 {
@@ -325,7 +330,20 @@ void removeEarlier(const char* path)
     if (status.st_size != 0 || !S_ISREG(status.st_mode)) unlink(path);
 }
 
+// --- What the tables tell
+
+constexpr ToldLine lines[] = {
+    {.function = "startXml",
+     .line = noFileLine,
+     .explanation = {.meaning = "the document's file could not be opened",
+                     .advice = "see /var/adm/stockmere/VPD"}},
+    {.function = "openInventory", .line = stampLine, .explanation = {.meaning = "the document's timestamp"}},
+    {.function = "openArray", .line = openArrayLine},
+};
+
 } // namespace
+
+const ToldLines addXmlLines = {.module = "addXmlKord", .lines = lines};
 
 // --- Frame
 
@@ -340,7 +358,7 @@ int32_t startXml(kordRec* pKordRec)
     FILE* stream = fd >= 0 ? fdopen(fd, "w") : nullptr;
     if (stream == nullptr) {
         if (fd >= 0) close(fd);
-        trace(pKordRec, "0700", " open xmlfile error %s \n", path);
+        trace(pKordRec, noFileLine, path);
         return 1;
     }
     static char largeWrites[65536]; // a size alone would be passed over
@@ -362,7 +380,7 @@ int32_t openInventory(const kordRec* pKordRec)
     put(pKordRec, "<com.orvik.inventory verion=\"", documentVersion, "\">\n");
     put(pKordRec, "<ResourceSet class=\"com.orvik.inventory.Hardware\" type=\"Hardware\" version=\"",
         documentVersion, "\" timestamp=\"", stamp.text, "\">\n");
-    trace(pKordRec, "0701", " stamp=%s", stamp.text);
+    trace(pKordRec, stampLine, stamp.text);
     return 0;
 }
 
@@ -1015,7 +1033,7 @@ int32_t writeArraySite(const kordRec* pKordRec, int32_t arraySite, const char* k
 
 int32_t openArray(const kordRec* pKordRec, int32_t arraySites, const char* kordpStorageFacilityImageMTMS)
 {
-    trace(pKordRec, "0703", " arraySites = %d, %s", arraySites, kordpStorageFacilityImageMTMS);
+    trace(pKordRec, openArrayLine, arraySites, kordpStorageFacilityImageMTMS);
     return openResource(pKordRec, " openArray resource", arrayName,
                         partOf(kordpStorageFacilityImageMTMS, "A", arraySites).text);
 }

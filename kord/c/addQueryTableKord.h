@@ -1,0 +1,43 @@
+// What the modules tell of their queries; see addTableKord.h.
+
+#pragma once
+
+#include "addQueryKord.h"
+#include "addTableKord.h"
+
+/// A query, and where its lines say more than those of every query.
+struct ToldQuery {
+    const Query* query;
+    const char* function = nullptr; ///< who asks, where neither the entry line nor the reports name it
+    Explanation selection = {};
+    Explanation callFailed = {};
+    Explanation noResources = {};
+    Explanation response = {};
+    Explanation emptyFirst = {};
+    Explanation success = {};
+};
+
+/// A failure that the walk of a query finds.
+struct ToldFailure {
+    const Query* query;
+    const Failure* failure;
+    Explanation explanation = {};
+};
+
+/// The queries of one module.
+struct ToldQueries {
+    const char* module;
+    std::span<const ToldQuery> queries;
+    std::span<const Counter> counters = {};
+    std::span<const ToldFailure> failures = {};
+};
+
+extern const ToldQueries addTarnQueries;
+extern const ToldQueries addCecEnclQueries;
+extern const ToldQueries addIoEnclQueries;
+extern const ToldQueries addStorEnclQueries;
+extern const ToldQueries addRackEnclQueries;
+extern const ToldQueries addQuayEnclQueries;
+extern const ToldQueries addPartitionQueries;
+extern const ToldQueries addLogVolQueries;
+extern const ToldQueries addHAPortQueries;

@@ -1,0 +1,73 @@
+// What the collector's tables know, gathered for the two forms in which it is written: docs/codes.md and
+// JSON.
+
+#pragma once
+
+#include "addQueryTableKord.h"
+#include "addTarnKord.h"
+
+#include <string>
+#include <vector>
+
+namespace tables
+{
+
+/// How a failure goes on behind its trace line.
+struct ToldEnd {
+    uint32_t number = 0; ///< the resource manager's error number; 0: any
+    Report report;       ///< complete
+    int32_t result;
+    bool flag;
+    std::string instead; ///< what is written in the document in place of resources
+    const char* print;   ///< also printed on standard output; null: nothing
+};
+
+/// One trace line with its explanation, complete.
+struct Line {
+    std::string module;
+    std::string function;
+    const char* role;
+    TraceText text;
+    Explanation explanation;
+    std::vector<ToldEnd> ends = {}; ///< of a failure: any error's last
+};
+
+/// One query with its lines.
+struct QueryLines {
+    std::string module;
+    std::string function;
+    const Query* query;
+    bool isCounter = false;
+    std::vector<Line> lines = {};
+};
+
+struct ElementProperty {
+    std::string code;
+    std::string label;
+    bool reversed; ///< the label stands in `name`, the code in `displayName`
+};
+
+/// One element of the document, as its writer writes it.
+struct Element {
+    const char* writer;
+    std::string kind; ///< "list", "resource" or "property"
+    std::string name; ///< the display name; "": the caller's
+    std::string trace = {};
+    std::vector<ElementProperty> properties = {};
+};
+
+std::vector<QueryLines> allQueries();
+
+/// The lines that are no query's.
+std::vector<Line> otherLines();
+
+std::vector<ToldCommand> allCommands();
+std::vector<Element> allElements();
+
+/// What a function writes into the document.
+std::string written(void (*write)(const kordRec*));
+
+void printCodes();
+void printJson();
+
+} // namespace tables

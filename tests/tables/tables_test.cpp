@@ -1,0 +1,232 @@
+// A class, an attribute or a session that a table names is the console's too, and what a run asks for and
+// traces is what the tables tell.
+
+#include "consoleRun.h"
+#include "tempFolder.h"
+
+#include <fstream>
+#include <gtest/gtest.h>
+#include <regex>
+#include <set>
+
+namespace
+{
+
+using Json = nlohmann::json;
+using Names = std::set<std::string>;
+
+const std::filesystem::path source = KORD_SOURCE_DIR;
+const std::filesystem::path build = KORD_BUILD_DIR;
+
+const Json& tables()
+{
+    static const Json told = [] {
+        const kordTest::Outcome outcome =
+            kordTest::runProcess({.arguments = {build / "bin/kord-tables", "--json"}, .folder = build});
+        EXPECT_EQ(outcome.status, 0) << outcome.error;
+        return Json::parse(outcome.output);
+    }();
+    return told;
+}
+
+/// The form of a class in the schema of facility files: its scope, its attributes with their types.
+struct ClassForm {
+    int scope = 0;
+    std::map<std::string, std::string> attributes;
+};
+
+std::map<std::string, ClassForm> classesOfSchema()
+{
+    std::map<std::string, ClassForm> classes;
+    const Json schema = Json::parse(std::ifstream(source / "console/schema/facility.schema.json"));
+    for (const auto& [name, form] : schema["properties"]["resources"]["properties"].items()) {
+        ClassForm& read = classes[name];
+        read.scope = form["x-scope"];
+        for (const auto& [attribute, type] : form["items"]["properties"].items()) {
+            const std::string definition = type["$ref"];
+            read.attributes[attribute] = definition.substr(definition.rfind('/') + 1);
+        }
+    }
+    return classes;
+}
+
+/// The attributes that a selection compares.
+Names attributesOf(const std::string& selection)
+{
+    static const std::regex comparison(R"((\w+) ?(=\?|[=<>!]))");
+    Names names;
+    for (std::sregex_iterator at(selection.begin(), selection.end(), comparison), end; at != end; ++at)
+        names.insert((*at)[1]);
+    return names;
+}
+
+std::string nameOf(const Json& query)
+{
+    return query["function"].get<std::string>() + ", " + query["class"].get<std::string>();
+}
+
+TEST(Tables, nameClassesInTheSessionThatServesThem)
+{
+    const auto classes = classesOfSchema();
+    Names asked;
+    for (const Json& query : tables()["queries"]) {
+        ASSERT_TRUE(classes.contains(query["class"])) << nameOf(query);
+        EXPECT_EQ(query["scope"], classes.at(query["class"]).scope) << nameOf(query);
+        asked.insert(query["class"]);
+    }
+    for (const auto& [name, form] : classes)
+        EXPECT_TRUE(asked.contains(name)) << name << " is asked for by no query";
+}
+
+TEST(Tables, nameAttributesThatTheirClassesHave)
+{
+    const auto classes = classesOfSchema();
+    for (const Json& query : tables()["queries"]) {
+        const auto& attributes = classes.at(query["class"]).attributes;
+        for (const Json& row : query["attributes"])
+            EXPECT_TRUE(attributes.contains(row["name"])) << nameOf(query) << ": " << row["name"];
+        if (query["selection"].is_null()) continue;
+        for (const std::string& name : attributesOf(query["selection"]))
+            EXPECT_TRUE(attributes.contains(name)) << nameOf(query) << " selects by " << name;
+    }
+}
+
+TEST(Tables, readAttributesIntoFieldsOfTheirType)
+{
+    const std::map<std::string, std::string> fields = {
+        {"text", "text"}, {"integer", "integer"}, {"unsigned", "integer"}};
+    const auto classes = classesOfSchema();
+    for (const Json& query : tables()["queries"]) {
+        for (const Json& row : query["attributes"]) {
+            if (row["field"].is_null()) continue;
+            const std::string& type = classes.at(query["class"]).attributes.at(row["name"]);
+            const bool isList = !fields.contains(type);
+            EXPECT_TRUE(isList ? row["readByItsOwn"] == true : row["field"] == fields.at(type))
+                << nameOf(query) << ": " << row["name"] << " is " << type;
+        }
+    }
+}
+
+TEST(Tables, knowTheEventOfEveryReport)
+{
+    std::map<std::string, Json> events;
+    for (const Json& event : tables()["events"])
+        events[event["referenceCode"]] = event["type"];
+    EXPECT_EQ(events.size(), 6U);
+    for (const Json& query : tables()["queries"]) {
+        for (const Json& line : query["lines"]) {
+            for (const Json& end : line.value("ends", Json::array())) {
+                if (!end.contains("report")) continue;
+                const Json& report = end["report"];
+                EXPECT_EQ(events[report["referenceCode"]], report["type"]) << nameOf(query);
+            }
+        }
+    }
+}
+
+/// A regular expression of the texts that a trace format makes.
+std::regex textsOf(const std::string& format)
+{
+    static const std::regex special(R"([.^$|()\[\]{}*+?\\])");
+    static const std::regex conversion("%[sdu]");
+    const std::string literal = std::regex_replace(format, special, R"(\$&)");
+    return std::regex(std::regex_replace(literal, conversion, "[^]*"), std::regex::optimize);
+}
+
+/// The told lines by their codes.
+std::multimap<std::string, std::regex> toldLines()
+{
+    std::multimap<std::string, std::regex> lines;
+    const auto add = [&](const Json& line) { lines.emplace(line["code"], textsOf(line["format"])); };
+    for (const Json& query : tables()["queries"])
+        std::ranges::for_each(query["lines"], add);
+    std::ranges::for_each(tables()["lines"], add);
+    return lines;
+}
+
+bool isTold(const std::multimap<std::string, std::regex>& told, const std::string& line)
+{
+    const size_t colon = line.find(": ");
+    const auto [begin, end] = told.equal_range(line.substr(0, colon));
+    return std::any_of(begin, end, [text = line.substr(colon + 2)](const auto& known) {
+        return std::regex_match(text, known.second);
+    });
+}
+
+/// A call of the journal, as far as a table decides it.
+std::string callOf(const std::string& kind, const Json& scope, const std::string& className,
+                   const std::string& attributes)
+{
+    return kind + " " + scope.dump() + " " + className + " " + attributes;
+}
+
+Names toldCalls()
+{
+    const std::map<std::string, std::string> names = {{"persistent query", "query_p_select"},
+                                                      {"dynamic query", "query_d_select"},
+                                                      {"enumeration", "enumerate_resources"},
+                                                      {"action", "invoke_action"}};
+    Names calls;
+    for (const Json& query : tables()["queries"]) {
+        Json attributes = Json::array();
+        for (const Json& row : query["attributes"])
+            attributes.push_back(row["name"]);
+        calls.insert(callOf(names.at(query["call"]), query["scope"], query["class"], attributes.dump()));
+    }
+    return calls;
+}
+
+class Runs : public testing::TestWithParam<const char*>
+{
+protected:
+    const std::string mtms = "9999-B2C*7ABCD12";
+    kordTest::TempFolder root;
+
+    void SetUp() override
+    {
+        const kordTest::Outcome outcome =
+            kordTest::runOnConsole({.console = build / "bin/kord-console",
+                                    .facility = source / "console/facilities" / GetParam(),
+                                    .root = root.path(),
+                                    .folder = source,
+                                    .user = {},
+                                    .program = {build / "bin/addTarnKord", "-t", mtms}});
+        ASSERT_EQ(outcome.status, 3) << outcome.output << outcome.error;
+    }
+};
+
+TEST_P(Runs, askForWhatTheTablesTell)
+{
+    const Names told = toldCalls();
+    size_t calls = 0;
+    for (const Json& line : kordTest::readJournal(root.path())) {
+        if (!line.contains("class")) continue;
+        const Json attributes = line.value("attributes", Json::array());
+        const std::string call = callOf(line["vale"], line["scope"], line["class"], attributes.dump());
+        EXPECT_TRUE(told.contains(call)) << call;
+        EXPECT_EQ(line["result"], 0) << call;
+        ++calls;
+    }
+    EXPECT_GT(calls, 30U);
+}
+
+TEST_P(Runs, traceWhatTheTablesTell)
+{
+    const auto told = toldLines();
+    size_t lines = 0;
+    for (const kordTest::TraceLine& line : kordTest::readTrace(kordTest::traceFile(root.path(), mtms))) {
+        const std::string text = line.joined();
+        if (text.starts_with("==>") || text.starts_with(">>")) continue;
+        EXPECT_TRUE(isTold(told, text)) << text;
+        ++lines;
+    }
+    EXPECT_GT(lines, 30U);
+}
+
+INSTANTIATE_TEST_SUITE_P(OfTheBundledFacilities, Runs, testing::Values("small.json", "facility.json"),
+                         [](const auto& run) {
+                             const std::string name = run.param;
+                             return name.substr(0, name.find('.'));
+                         });
+
+} // namespace
