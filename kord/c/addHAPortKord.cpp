@@ -26,7 +26,7 @@ constexpr Counter port(const CounterRow& row)
 }
 
 constexpr ErrorCase firstPortErrors[] = {
-    {.number = valeError40008, .failure = {.result = collected}},
+    {.number = valeError40008, .failure = {.report = noReport, .result = collected}},
 };
 
 /// The count of all ports takes error 0x40008 for a plain 0 and every other one for a minor error, which it
