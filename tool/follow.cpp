@@ -1,18 +1,18 @@
+// kord follow: how far a running collection has come.
+
 #include "commands.h"
+#include "output.h"
 
 #include "document/follow.h"
 #include "document/progress.h"
-#include "document/text.h"
 #include "document/trace.h"
-#include "platform/failure.h"
+#include "platform/text.h"
 
 #include <chrono>
-#include <cstdio>
+#include <memory>
+#include <string>
 #include <string_view>
 #include <thread>
-
-#include <sys/ioctl.h>
-#include <unistd.h>
 
 namespace tool
 {
@@ -25,33 +25,34 @@ using Clock = std::chrono::steady_clock;
 constexpr int unsuccessful = 1;
 constexpr int collected = 3; // the collector's own status
 
+struct Options {
+    std::string log;
+    uint32_t quietAfter = 60; ///< seconds without a new line that are told
+};
+
 /// A line that is written over as long as it is a terminal's, else one line after the other.
 class ProgressLine
 {
 public:
+    explicit ProgressLine(Output& inOutput) : terminal(inOutput.isTerminal()), output(inOutput) {}
+
     void show(const std::string& line)
     {
         if (line == last) return;
         last = line;
-        print(terminal ? "\r" + document::cutTo(line, columns()) + "\x1b[K" : line + '\n');
+        write(terminal ? "\r" + platform::cutTo(line, Output::columns() - 1) + "\x1b[K" : line + '\n');
     }
-    void end(const std::string& line) { print(terminal ? "\r" + line + "\x1b[K\n" : line + '\n'); }
-    const bool terminal = isatty(STDOUT_FILENO) != 0;
+    void end(const std::string& line) { write(terminal ? "\r" + line + "\x1b[K\n" : line + '\n'); }
+    const bool terminal;
 
 private:
-    static void print(const std::string& text)
+    void write(const std::string& text)
     {
-        const bool whole = std::fwrite(text.data(), 1, text.size(), stdout) == text.size();
-        if (!whole || std::fflush(stdout) != 0) throw platform::failedOn("standard output");
-    }
-    static size_t columns()
-    {
-        constexpr size_t usual = 80;
-        winsize size = {};
-        const bool known = ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 10;
-        return (known ? size.ws_col : usual) - 1;
+        output.write(text);
+        output.flush();
     }
 
+    Output& output;
     std::string last;
 };
 
@@ -59,7 +60,7 @@ private:
 class Shown
 {
 public:
-    explicit Shown(std::chrono::seconds longSilence) : patience(longSilence) {}
+    Shown(Output& inOutput, std::chrono::seconds longSilence) : output(inOutput), patience(longSilence) {}
 
     void update(const document::Progress& progress, bool grew)
     {
@@ -85,15 +86,13 @@ private:
     bool toldSilence = false;
 };
 
-} // namespace
-
-int follow(const FollowOptions& options)
+int follow(const Options& options, Output& output)
 {
     using namespace std::chrono_literals;
     document::Log log(options.log);
     document::Progress progress;
     document::TraceReader lines([&](const document::TraceLine& line) { progress.read(line); });
-    Shown shown{std::chrono::seconds(options.quietAfter)};
+    Shown shown(output, std::chrono::seconds(options.quietAfter));
     for (;; std::this_thread::sleep_for(100ms)) {
         bool grew = false;
         log.read([&](std::string_view bytes) {
@@ -105,10 +104,30 @@ int follow(const FollowOptions& options)
         if (progress.started())
             shown.update(progress, grew);
         else
-            shown.output.show("waiting for a collection in " + document::shown(options.log));
+            shown.output.show("waiting for a collection in " + platform::shown(options.log));
     }
     shown.output.end(progress.line());
     return progress.status() == collected ? 0 : unsuccessful;
+}
+
+} // namespace
+
+platform::Command followCommand()
+{
+    const auto options = std::make_shared<Options>();
+    return {.name = "follow",
+            .help = "Show the progress of a collection from its trace log",
+            .arguments = {{.name = "TRACE",
+                           .into = &options->log,
+                           .help = "The trace log, which need not exist yet"}},
+            .options = {{.names = "--quiet-after",
+                         .into = &options->quietAfter,
+                         .help = "Say so when nothing was written for so long",
+                         .value = "SECONDS"}},
+            .run = [options] {
+                Output output({});
+                return follow(*options, output);
+            }};
 }
 
 } // namespace tool

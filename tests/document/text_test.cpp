@@ -1,8 +1,7 @@
-// Values for terminals, and the two properties that hold many values.
+// Times, and the two properties that hold many values.
 
 #include "document/document.h"
 #include "document/hosts.h"
-#include "document/text.h"
 
 #include <gtest/gtest.h>
 
@@ -10,27 +9,6 @@ namespace
 {
 
 using namespace document;
-
-TEST(Text, ShowsWhatATerminalMayShow)
-{
-    EXPECT_EQ(shown("plain äöü € 𝄞"), "plain äöü € 𝄞");
-    EXPECT_EQ(shown("a\tb\nc\x1b\x7f"), "a\\tb\\nc\\x1B\\x7F");
-    EXPECT_EQ(shown(std::string_view("\0", 1)), "\\x00");
-    EXPECT_EQ(shown("\xC2\x9B"), "\\xC2\\x9B");                   // a control character
-    EXPECT_EQ(shown("\xE2\x80\xAE"), "\\xE2\\x80\\xAE");          // turns the text around
-    EXPECT_EQ(shown("\xC0\xAF"), "\\xC0\\xAF");                   // overlong
-    EXPECT_EQ(shown("\xED\xA0\x80"), "\\xED\\xA0\\x80");          // half a pair
-    EXPECT_EQ(shown("\xF4\x90\x80\x80"), "\\xF4\\x90\\x80\\x80"); // beyond the last
-    EXPECT_EQ(shown("\xE2\x82"), "\\xE2\\x82");                   // cut
-    EXPECT_EQ(shown("\xFFx"), "\\xFFx");
-}
-
-TEST(Text, CutsBetweenCharacters)
-{
-    EXPECT_EQ(widthOf("äöü"), 3U);
-    EXPECT_EQ(cutTo("äöüäöü", 6), "äöüäöü");
-    EXPECT_EQ(cutTo("äöüäöü", 5), "äö...");
-}
 
 TEST(Text, TellsTimes)
 {

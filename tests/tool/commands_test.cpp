@@ -199,6 +199,28 @@ TEST_F(Commands, TroubleIsOneLineAndStatus2)
     }
 }
 
+TEST_F(Commands, ResultsGoToAFileWholeOrNotAtAll)
+{
+    const std::string document = expected / "small.xml";
+    const fs::path place = write("place", "as it was");
+    EXPECT_EQ(run({"show", write("bad.xml", "no"), "-o", place}).status, 2);
+    EXPECT_EQ(kordTest::readFile(place), "as it was");
+    const Outcome outcome = run({"show", "--output", place, document});
+    EXPECT_EQ(outcome.status, 0) << outcome.error;
+    EXPECT_EQ(outcome.output, "");
+    EXPECT_EQ(kordTest::readFile(place), run({"show", document}).output);
+    EXPECT_EQ(run({"show", document, "-o", "-"}).output, run({"show", document}).output);
+}
+
+TEST_F(Commands, NobodyIsToldThatAReaderWentAway)
+{
+    const std::string script = R"("$0" show "$1" | head -n 1; trap '' PIPE; "$0" show "$1" | head -n 1)";
+    const Outcome outcome = kordTest::runProcess(
+        {.arguments = {"/bin/bash", "-c", script, kord, expected / "facility.xml"}, .folder = {}});
+    EXPECT_EQ(outcome.error, "");
+    EXPECT_EQ(kordTest::splitLines(outcome.output).size(), 2U);
+}
+
 TEST_F(Commands, AFullDiskBehindStandardOutputIsTrouble)
 {
     const Outcome outcome = kordTest::runProcess(

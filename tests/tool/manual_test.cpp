@@ -1,4 +1,4 @@
-// The manual page, the help and the completion of a command name the same subcommands and the same options.
+// The manual page and the help of a program name the same commands with the same options.
 
 #include "consoleRun.h"
 #include "process.h"
@@ -26,14 +26,25 @@ Names found(const std::string& text, const std::string& expression)
     return names;
 }
 
-Names without(Names names, const Names& others)
+std::string replaced(const std::string& text, const std::string& expression, const std::string& by)
 {
-    for (const std::string& other : others)
-        names.erase(other);
-    return names;
+    return std::regex_replace(text, std::regex(expression), by);
 }
 
-/// A command with its page and its completion; the parameter is its name.
+/// The synopsis of a command in the page's own language as its help has it: "[--json] FILE ...".
+std::string plain(const std::string& synopsis)
+{
+    std::string text = replaced(synopsis, "\n?\\.Op ([^\n]*)", " [$1]");
+    text = replaced(text, "\n\\.", " ");
+    text = replaced(text, "\\b(Fl|Cm) ", "$1");
+    text = replaced(text, "Fl", "-");
+    text = replaced(text, "Cm|Ar ", "");
+    text = replaced(text, "\\s+", " ");
+    std::ranges::transform(text, text.begin(), [](char c) { return static_cast<char>(std::toupper(c)); });
+    return text;
+}
+
+/// A command with its page; the parameter is its name.
 class Manual : public testing::TestWithParam<std::string>
 {
 protected:
@@ -51,16 +62,20 @@ protected:
         return outcome.output;
     }
 
-    /// The commands that the help lists: indented lines behind the heading "Subcommands:".
     [[nodiscard]] Names commandsOfHelp() const
     {
         const std::string help = helpOf({});
-        return found(help.substr(help.find("Subcommands:")), "\n  ([a-z]+) ");
+        return found(help.substr(help.find("Commands:")), "\n  ([a-z]+) ");
     }
 
-    [[nodiscard]] Names optionsOfHelp(const std::string& command) const
+    /// What the usage says behind the command's name, in the words of a synopsis.
+    [[nodiscard]] std::string usageOf(const std::string& command) const
     {
-        return found(helpOf({command}), "(--[a-z][a-z-]*)");
+        const std::string help = helpOf({command});
+        std::string usage = help.substr(0, help.find("\n\n"));
+        usage = replaced(usage.substr(usage.find(name + ' ' + command) + name.size()), "\\s+", " ");
+        usage = replaced(usage, "\\]\\.\\.\\.", " ...]");
+        return plain(replaced(usage, "([^ ])\\.\\.\\.( |$)", "$1 ...$2"));
     }
 
     /// The page's text from a line on to the next of its kind.
@@ -70,48 +85,33 @@ protected:
         if (at == std::string::npos) return "";
         return page.substr(at, std::min(page.find(next, at + 1), page.find("\n.Sh ", at + 1)) - at);
     }
-
-    /// What the shell offers behind these words.
-    [[nodiscard]] Names completions(const std::string& words, int position) const
-    {
-        std::string function = "_" + name;
-        std::ranges::replace(function, '-', '_');
-        const std::string script = "source " + (source / "packaging" / (name + ".bash")).string() +
-                                   "; COMP_WORDS=(" + name + ' ' + words +
-                                   " ''); COMP_CWORD=" + std::to_string(position) +
-                                   "; compgen() { if [[ $1 == -W ]]; then builtin compgen \"$@\"; fi; }; " +
-                                   function + "; printf '%s\\n' \"${COMPREPLY[@]}\"";
-        const kordTest::Outcome outcome =
-            kordTest::runProcess({.arguments = {"/bin/bash", "-c", script}, .folder = "/"});
-        EXPECT_EQ(outcome.status, 0) << outcome.error;
-        const std::vector<std::string> lines = kordTest::splitLines(outcome.output);
-        return {lines.begin(), lines.end()};
-    }
 };
-
-Names optionsOfPage(const std::string& text)
-{
-    Names options;
-    for (const std::string& name : found(text, "Fl -([a-z][a-z-]*)"))
-        options.insert("--" + name);
-    return options;
-}
 
 TEST_P(Manual, namesEveryCommand)
 {
     const Names commands = commandsOfHelp();
     ASSERT_FALSE(commands.empty());
     EXPECT_EQ(found(page, "\\.Ss " + name + " ([a-z]+)"), commands);
-    EXPECT_EQ(without(completions("", 1), {"--help", "--version"}), commands);
 }
 
-TEST_P(Manual, namesEveryOption)
+TEST_P(Manual, hasTheSynopsisOfEveryCommand)
 {
     for (const std::string& command : commandsOfHelp()) {
-        const Names options = without(optionsOfHelp(command), {"--help"});
-        EXPECT_EQ(optionsOfPage(stretch(".Ss " + name + ' ' + command + "\n", "\n.Ss ")), options) << command;
-        EXPECT_EQ(optionsOfPage(stretch(".Nm\n.Cm " + command + "\n", "\n.Nm\n")), options) << command;
-        EXPECT_EQ(without(completions(command, 2), {"--help", "--"}), options) << command;
+        const std::string synopsis = stretch("\n.Cm " + command + "\n", "\n.Nm\n");
+        EXPECT_EQ(plain(synopsis), usageOf(command)) << command;
+    }
+}
+
+/// Options that several commands have are described once, in a section of their own.
+TEST_P(Manual, describesEveryOption)
+{
+    const Names common = found(stretch("\n.Sh OPTIONS\n", "\n.Sh "), "\\.It[^\n]* Fl -([a-z][a-z-]*)");
+    for (const std::string& command : commandsOfHelp()) {
+        const std::string section = stretch(".Ss " + name + ' ' + command + "\n", "\n.Ss ");
+        Names described = found(section, "\\.It[^\n]* Fl -([a-z][a-z-]*)");
+        for (const std::string& option :
+             found(helpOf({command}), "\n  [^-\n]*(?:-[a-z], )? *--([a-z][a-z-]*)"))
+            EXPECT_TRUE(described.contains(option) || common.contains(option)) << command << " --" << option;
     }
 }
 

@@ -1,0 +1,303 @@
+// A command line and what is made of its one definition.
+
+#include "platform/commandLine.h"
+#include "platform/completion.h"
+#include "platform/failure.h"
+#include "platform/nearest.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <new>
+
+namespace
+{
+
+using namespace platform;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::StartsWith;
+
+/// A program with a command of each sort, and what one run of it gave.
+struct Sample {
+    bool loud = false;
+    std::string color = "auto";
+    std::string columns;
+    std::vector<std::string> conditions;
+    uint32_t count = 7;
+    std::optional<std::string> user;
+    std::string kind;
+    std::vector<std::string> files;
+    std::vector<std::string> program;
+    int runs = 0;
+    std::function<int()> act = [] { return 0; };
+    std::string output;
+    std::string error;
+
+    Program make()
+    {
+        const auto run = [this] {
+            ++runs;
+            return act();
+        };
+        const auto kinds = [](const auto&) { return std::vector<std::string>{"drives", "racks"}; };
+        const auto names = [](const std::vector<std::string>& arguments) {
+            if (arguments.empty()) return std::vector<std::string>{"id"};
+            return std::vector<std::string>{"id", "serial", arguments.front() + "_size"};
+        };
+        Command list = {
+            .name = "list",
+            .help = "List things",
+            .arguments = {{.name = "KIND", .into = &kind, .help = "The kind", .offers = {.words = kinds}},
+                          {.name = "FILE", .into = &files, .help = "Documents"}},
+            .options = {{.names = "-l,--loud", .into = &loud, .help = "Louder"},
+                        {.names = "--color", .into = &color, .help = "Colour", .value = "auto|always|never"},
+                        {.names = "-c,--columns",
+                         .into = &columns,
+                         .help = "Columns",
+                         .value = "COLUMN,...",
+                         .offers = {.words = names, .several = true}},
+                        {.names = "--where", .into = &conditions, .help = "Condition", .value = "WHAT"},
+                        {.names = "-n,--count",
+                         .into = &count,
+                         .help = "How many",
+                         .value = "N",
+                         .least = 1,
+                         .most = 8},
+                        {.names = "--user",
+                         .into = &user,
+                         .help = "Who",
+                         .value = "NAME",
+                         .offers = {.paths = Offers::Paths::none}},
+                        {.names = "--root",
+                         .into = &user,
+                         .help = "Where",
+                         .value = "DIR",
+                         .offers = {.paths = Offers::Paths::folders}}},
+            .run = run};
+        Command start = {.name = "start",
+                         .help = "Start a program",
+                         .options = {{.names = "--loud", .into = &loud, .help = "Louder"}},
+                         .program = &program,
+                         .run = run,
+                         .trouble = 125};
+        return {.name = "sample", .version = "1.2", .help = "Samples.", .commands = {list, start}};
+    }
+
+    int operator()(std::vector<std::string> arguments)
+    {
+        arguments.insert(arguments.begin(), "/bin/sample");
+        std::vector<char*> pointers;
+        for (std::string& argument : arguments)
+            pointers.push_back(argument.data());
+        testing::internal::CaptureStdout();
+        testing::internal::CaptureStderr();
+        const int status = platform::run(make(), pointers);
+        output = testing::internal::GetCapturedStdout();
+        error = testing::internal::GetCapturedStderr();
+        return status;
+    }
+};
+
+TEST(CommandLine, TakesOptionsAndArgumentsInAnyOrder)
+{
+    Sample run;
+    EXPECT_EQ(
+        run({"list", "-l", "drives", "--where", "-a", "x.xml", "--where=b=c", "-n3", "-", "--color=never"}),
+        0);
+    EXPECT_EQ(run.error, "");
+    EXPECT_EQ(run.runs, 1);
+    EXPECT_TRUE(run.loud);
+    EXPECT_EQ(run.color, "never");
+    EXPECT_THAT(run.conditions, ElementsAre("-a", "b=c"));
+    EXPECT_EQ(run.count, 3U);
+    EXPECT_EQ(run.kind, "drives");
+    EXPECT_THAT(run.files, ElementsAre("x.xml", "-"));
+    EXPECT_EQ(run.user, std::nullopt);
+}
+
+TEST(CommandLine, TakesAnythingBehindTheMarkAsItIs)
+{
+    Sample list;
+    EXPECT_EQ(list({"list", "drives", "--", "--loud", "[a,b]", "--", "-h"}), 0);
+    EXPECT_FALSE(list.loud);
+    EXPECT_THAT(list.files, ElementsAre("--loud", "[a,b]", "--", "-h"));
+    Sample start;
+    EXPECT_EQ(start({"start", "--", "prog", "--loud", "--", "--help"}), 0);
+    EXPECT_FALSE(start.loud);
+    EXPECT_THAT(start.program, ElementsAre("prog", "--loud", "--", "--help"));
+}
+
+TEST(CommandLine, TakesFileNamesAsTheyAre)
+{
+    Sample run;
+    EXPECT_EQ(run({"list", "drives", "[a,b]", "two words", "new\nline", "--user", "", "list"}), 0);
+    EXPECT_THAT(run.files, ElementsAre("[a,b]", "two words", "new\nline", "list"));
+    EXPECT_EQ(run.user, "");
+}
+
+TEST(CommandLine, TheLastOfSeveralCounts)
+{
+    Sample run;
+    EXPECT_EQ(run({"list", "drives", "x", "-n", "2", "--count", "4"}), 0);
+    EXPECT_EQ(run.count, 4U);
+}
+
+TEST(CommandLine, SaysWhatIsWrongInOneLine)
+{
+    struct Case {
+        std::vector<std::string> arguments;
+        int status;
+        std::string says;
+    };
+    const std::vector<Case> cases = {
+        {{}, 2, "which command? \"sample --help\" lists them"},
+        {{"lsit"}, 2, "no command \"lsit\": did you mean \"list\"?"},
+        {{"stat", "x"}, 2, "no command \"stat\": did you mean \"start\"?"},
+        {{"wherever"}, 2, "no command \"wherever\": \"sample --help\" lists them"},
+        {{"--verison"}, 2, "no option \"--verison\": did you mean \"--version\"?"},
+        {{"list", "--lod", "drives", "x"}, 2, "list has no option \"--lod\": did you mean \"--loud\"?"},
+        {{"list", "--wher", "a=b"}, 2, "list has no option \"--wher\": did you mean \"--where\"?"},
+        {{"list", "--col=x"}, 2, "list has no option \"--col\": did you mean \"--color\"?"},
+        {{"list", "-x", "drives", "x"}, 2, "list has no option \"-x\""},
+        {{"list"}, 2, "KIND is required"},
+        {{"list", "drives"}, 2, "FILE is required"},
+        {{"list", "a", "b", "--color", "alway"},
+         2,
+         "--color: \"alway\" is none of auto|always|never: did you mean \"always\"?"},
+        {{"list", "a", "b", "-n", "9"}, 2, "--count: \"9\" is no number from 1 to 8"},
+        {{"list", "a", "b", "-n", "0"}, 2, "--count: \"0\" is no number from 1 to 8"},
+        {{"list", "a", "b", "-n", "-1"}, 2, "--count: \"-1\" is no number from 1 to 8"},
+        {{"list", "a", "b", "-n", "4294967297"}, 2, "--count: \"4294967297\" is no number from 1 to 8"},
+        {{"list", "a", "b", "--where"}, 2, "--where: 1 required WHAT missing"},
+        {{"start", "x", "--", "p"}, 125, "start takes no further argument: \"x\""},
+        {{"start"}, 125, "there is no program to run: name it after --"},
+        {{"start", "--"}, 125, "there is no program to run: name it after --"},
+        {{"list", "--\x1b[31m", "a", "b"}, 2, "list has no option \"--\\x1B[31m\""},
+    };
+    for (const Case& one : cases) {
+        Sample run;
+        EXPECT_EQ(run(one.arguments), one.status) << one.says;
+        EXPECT_EQ(run.error, "sample: " + one.says + '\n');
+        EXPECT_EQ(run.output, "");
+        EXPECT_EQ(run.runs, 0);
+    }
+}
+
+TEST(CommandLine, TellsFailuresAsTrouble)
+{
+    Sample run;
+    run.act = []() -> int { throw Failure("x.xml:3: no\nsuch thing"); };
+    EXPECT_EQ(run({"list", "drives", "x.xml"}), 2);
+    EXPECT_EQ(run.error, "sample: x.xml:3: no\\nsuch thing\n");
+    EXPECT_EQ(run({"start", "--", "p"}), 125);
+    run.act = []() -> int { throw std::bad_alloc(); };
+    EXPECT_EQ(run({"list", "drives", "x.xml"}), 2);
+    EXPECT_EQ(run.error, "sample: this machine has not enough memory for it\n");
+    run.act = []() -> int { throw ReaderGone(); };
+    EXPECT_EQ(run({"list", "drives", "x.xml"}), 2);
+    EXPECT_EQ(run.error, "");
+}
+
+TEST(CommandLine, PrintsHelpAndVersion)
+{
+    Sample run;
+    EXPECT_EQ(run({"--version"}), 0);
+    EXPECT_EQ(run.output, "sample 1.2\n");
+    for (const std::vector<std::string>& asked : {std::vector<std::string>{"--help"}, {"-h"}, {"help"}}) {
+        EXPECT_EQ(run(asked), 0);
+        EXPECT_THAT(run.output, HasSubstr("\n  list          List things\n"));
+    }
+    for (const std::vector<std::string>& asked :
+         {std::vector<std::string>{"list", "--help"}, {"list", "--lod", "-h"}, {"help", "list"}}) {
+        EXPECT_EQ(run(asked), 0);
+        EXPECT_EQ(run.output, "usage: sample list [-l] [--color auto|always|never] [-c COLUMN,...]\n"
+                              "                   [--where WHAT]... [-n N] [--user NAME] [--root DIR] KIND\n"
+                              "                   FILE...\n"
+                              "\n"
+                              "List things.\n"
+                              "\n"
+                              "  KIND                    The kind\n"
+                              "  FILE                    Documents\n"
+                              "\n"
+                              "  -l, --loud              Louder\n"
+                              "      --color auto|always|never\n"
+                              "                          Colour (else auto)\n"
+                              "  -c, --columns COLUMN,...\n"
+                              "                          Columns\n"
+                              "      --where WHAT        Condition\n"
+                              "  -n, --count N           How many (else 7)\n"
+                              "      --user NAME         Who\n"
+                              "      --root DIR          Where\n"
+                              "  -h, --help              This help\n");
+    }
+    EXPECT_EQ(run({"help", "start"}), 0);
+    EXPECT_THAT(run.output, StartsWith("usage: sample start [--loud] -- PROGRAM [ARGUMENT]...\n"));
+    EXPECT_EQ(run.runs, 0);
+}
+
+/// What is offered behind these words; the last one is being typed.
+std::vector<std::string> offersFor(const std::vector<std::string>& words)
+{
+    Sample run;
+    std::vector<std::string> arguments = {"complete", "--"};
+    arguments.insert(arguments.end(), words.begin(), words.end());
+    EXPECT_EQ(run(arguments), 0);
+    std::vector<std::string> lines;
+    for (size_t at = 0; at < run.output.size(); at = run.output.find('\n', at) + 1) {
+        const std::string line = run.output.substr(at, run.output.find('\n', at) - at);
+        lines.push_back(line.substr(0, line.find('\t')));
+    }
+    return lines;
+}
+
+TEST(Completion, OffersCommandsOptionsAndValues)
+{
+    EXPECT_THAT(offersFor({""}), ElementsAre("words", "list", "start", "completion"));
+    EXPECT_THAT(offersFor({"l"}), ElementsAre("words", "list"));
+    EXPECT_THAT(offersFor({"--"}), ElementsAre("words", "--help", "--version"));
+    EXPECT_THAT(offersFor({"list", "--co"}), ElementsAre("words", "--color", "--columns", "--count"));
+    EXPECT_THAT(offersFor({"list", "--color", ""}), ElementsAre("words", "auto", "always", "never"));
+    EXPECT_THAT(offersFor({"list", "--color=a"}), ElementsAre("words", "--color=auto", "--color=always"));
+    EXPECT_THAT(offersFor({"list", "--color", "=", "n"}), ElementsAre("words", "never")); // as bash has it
+    EXPECT_THAT(offersFor({"list", "--color", "="}), ElementsAre("words", "auto", "always", "never"));
+    EXPECT_THAT(offersFor({"list", "d"}), ElementsAre("words", "drives"));
+    EXPECT_THAT(offersFor({"completion", "z"}), ElementsAre("words", "zsh"));
+    EXPECT_THAT(offersFor({"completion", "zsh", ""}), ElementsAre("words"));
+}
+
+TEST(Completion, OffersOneOfSeveralWordsAfterTheOther)
+{
+    EXPECT_THAT(offersFor({"list", "-c", ""}), ElementsAre("parts", "id"));
+    EXPECT_THAT(offersFor({"list", "drives", "-c", ""}), ElementsAre("parts", "id", "serial", "drives_size"));
+    EXPECT_THAT(offersFor({"list", "drives", "-c", "+s"}), ElementsAre("parts", "+serial"));
+    EXPECT_THAT(offersFor({"list", "drives", "-c", "id,"}),
+                ElementsAre("parts", "id,serial", "id,drives_size"));
+}
+
+TEST(Completion, LeavesPathsToTheShell)
+{
+    EXPECT_THAT(offersFor({"list", "drives", ""}), ElementsAre("files"));
+    EXPECT_THAT(offersFor({"list", "drives", "a", "b"}), ElementsAre("files"));
+    EXPECT_THAT(offersFor({"list", "drives", "--", "--x"}), ElementsAre("files"));
+    EXPECT_THAT(offersFor({"list", "--root", "x"}), ElementsAre("folders"));
+    EXPECT_THAT(offersFor({"list", "--user", ""}), ElementsAre("words"));
+    EXPECT_THAT(offersFor({"start", "--"}), ElementsAre("words", "--loud", "--help", "--"));
+    EXPECT_THAT(offersFor({"start", "--", ""}), ElementsAre("programs"));
+    EXPECT_THAT(offersFor({"start", "--", "ls", "-"}), ElementsAre("files"));
+    EXPECT_THAT(offersFor({"nothing", "such"}), ElementsAre("words"));
+}
+
+TEST(Nearest, IsAWordWithFewMistakesOrTheStartOfOne)
+{
+    const std::vector<std::string> words = {"list", "xml", "history", "explain"};
+    EXPECT_EQ(nearest("lsit", words), "list");
+    EXPECT_EQ(nearest("lst", words), "list");
+    EXPECT_EQ(nearest("xlm", words), "xml");
+    EXPECT_EQ(nearest("hist", words), "history");
+    EXPECT_EQ(nearest("explian", words), "explain");
+    EXPECT_EQ(nearest("drives", words), "");
+    EXPECT_EQ(nearest("", words), "");
+    EXPECT_EQ(nearest(std::string(1'000'000, 'l'), words), "");
+}
+
+} // namespace

@@ -1,0 +1,64 @@
+// kord show: one document for people.
+
+#include "commands.h"
+#include "output.h"
+
+#include "document/json.h"
+#include "document/page.h"
+#include "document/reader.h"
+#include "document/tree.h"
+#include "platform/wholeFile.h"
+
+#include <clocale>
+#include <memory>
+#include <string>
+
+#include <langinfo.h>
+
+namespace tool
+{
+
+namespace
+{
+
+struct Options {
+    std::string file;
+    bool json = false;
+    std::string page;
+};
+
+document::Lines drawableLines()
+{
+    std::setlocale(LC_CTYPE, "");
+    return std::string_view(nl_langinfo(CODESET)) == "UTF-8" ? document::Lines::unicode
+                                                             : document::Lines::ascii;
+}
+
+int show(const Options& options, Output& output)
+{
+    const document::Document document = document::readFile(options.file);
+    if (!options.page.empty()) platform::writeWhole(options.page, document::page(document));
+    if (options.json)
+        output.write(document::json(document));
+    else if (options.page.empty())
+        output.write(document::tree(document, drawableLines()));
+    return 0;
+}
+
+} // namespace
+
+platform::Command showCommand()
+{
+    const auto options = std::make_shared<Options>();
+    return writing({.name = "show",
+                    .help = "Show one inventory document as a tree",
+                    .arguments = {{.name = "FILE", .into = &options->file, .help = "The document"}},
+                    .options = {{.names = "--json", .into = &options->json, .help = "Print it as JSON"},
+                                {.names = "--html",
+                                 .into = &options->page,
+                                 .help = "Write it as a page for a browser",
+                                 .value = "PAGE"}}},
+                   [options](Output& output) { return show(*options, output); });
+}
+
+} // namespace tool
