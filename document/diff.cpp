@@ -32,7 +32,7 @@ constexpr std::string_view countsCode = "U1";
 
 std::optional<std::string> valueOf(const Property* property)
 {
-    return property == nullptr ? std::nullopt : std::optional(property->value);
+    return property == nullptr ? std::nullopt : std::optional(std::string(property->value));
 }
 
 /// The items that differ, where both values are lists of the same named items.
@@ -47,28 +47,26 @@ std::optional<std::vector<ValueChange>> itemChanges(const Property& before, cons
         const auto& [newName, newValue] = (*now)[i];
         if (name != newName) return std::nullopt;
         if (value == newValue) continue;
-        changes.push_back(
-            {.code = after.code, .label = after.label, .item = name, .before = value, .after = newValue});
+        changes.push_back({.code = std::string(after.code()),
+                           .label = std::string(after.label()),
+                           .item = name,
+                           .before = value,
+                           .after = newValue});
     }
     return changes;
-}
-
-bool holdsItems(std::string_view code)
-{
-    return code == countsCode || code == "DP" || code == "LS";
 }
 
 void addChanges(std::vector<ValueChange>& changes, const Property* before, const Property* after)
 {
     const Property& known = after == nullptr ? *before : *after;
-    if (before != nullptr && after != nullptr && holdsItems(known.code)) {
+    if (before != nullptr && after != nullptr && holdsItems(known.code())) {
         if (const auto items = itemChanges(*before, *after)) {
             changes.insert(changes.end(), items->begin(), items->end());
             return;
         }
     }
-    changes.push_back({.code = known.code,
-                       .label = known.label,
+    changes.push_back({.code = std::string(known.code()),
+                       .label = std::string(known.label()),
                        .item = {},
                        .before = valueOf(before),
                        .after = valueOf(after)});
@@ -77,7 +75,7 @@ void addChanges(std::vector<ValueChange>& changes, const Property* before, const
 /// The property of the same code, and of the same turn where a part has several of a code.
 const Property* counterpart(const Property& property, const Part& mine, const Part& other)
 {
-    const auto sameCode = [&](const Property& one) { return one.code == property.code; };
+    const auto sameCode = [&](const Property& one) { return one.code() == property.code(); };
     auto turn = std::count_if(mine.properties.data(), &property, sameCode);
     for (const Property& candidate : other.properties) {
         if (sameCode(candidate) && turn-- == 0) return &candidate;
@@ -141,8 +139,8 @@ private:
                          .kind = "host",
                          .what = "host",
                          .name = description,
-                         .id = partition.id,
-                         .where = partition.name,
+                         .id = std::string(partition.id),
+                         .where = std::string(partition.name),
                          .from = {},
                          .to = {},
                          .values = {change}});
@@ -184,7 +182,7 @@ private:
 class Diff
 {
 public:
-    Diff(const Document& before, const Document& after) : olds(before.system), news(after.system)
+    Diff(const Document& before, const Document& after) : olds(before.system()), news(after.system())
     {
         match(olds, news);
     }
@@ -240,8 +238,8 @@ private:
         return {.type = type,
                 .kind = std::string(row.word),
                 .what = std::string(row.singular),
-                .name = part.name,
-                .id = part.id,
+                .name = std::string(part.name),
+                .id = std::string(part.id),
                 .where = {},
                 .from = {},
                 .to = {},
@@ -278,14 +276,15 @@ private:
 
     static std::string_view placeOf(const Part& part, const Part& other)
     {
-        return part.id != other.id ? std::string_view(part.id) : part.value("R1");
+        return part.id != other.id ? part.id : part.value("R1");
     }
 
     void compare(const Node& old, const Node& now)
     {
         Change change = changeOf(ChangeType::changed, *now.part);
         std::vector<Change> hosts;
-        if (old.part->properties != now.part->properties || old.part->name != now.part->name)
+        if (!std::ranges::equal(old.part->properties, now.part->properties) ||
+            old.part->name != now.part->name)
             change.values = valueChanges(old, now, hosts);
         if (moved(old, now)) {
             change.type = ChangeType::moved;
@@ -305,22 +304,23 @@ private:
     {
         std::vector<ValueChange> values;
         if (old.part->name != now.part->name) {
-            values.push_back(
-                {.code = {}, .label = "name", .item = {}, .before = old.part->name, .after = now.part->name});
+            values.push_back({.code = {},
+                              .label = "name",
+                              .item = {},
+                              .before = std::string(old.part->name),
+                              .after = std::string(now.part->name)});
         }
-        const Surroundings oldAround = olds.around(old);
-        const Surroundings newAround = news.around(now);
         for (const Property& property : now.part->properties) {
             const Property* const before = counterpart(property, *now.part, *old.part);
             if (before != nullptr && before->value == property.value) continue;
-            const bool told = repeats(property, *now.part, newAround) &&
-                              (before == nullptr || repeats(*before, *old.part, oldAround));
+            const bool told =
+                repeats(property, *now.part) && (before == nullptr || repeats(*before, *old.part));
             if (told || takeHosts(before, property, *now.part, hosts)) continue;
             addChanges(values, before, &property);
         }
         for (const Property& property : old.part->properties) {
             const bool gone = counterpart(property, *old.part, *now.part) == nullptr;
-            if (gone && !repeats(property, *old.part, oldAround)) addChanges(values, &property, nullptr);
+            if (gone && !repeats(property, *old.part)) addChanges(values, &property, nullptr);
         }
         moveCounts(values, hosts);
         return values;
@@ -329,7 +329,7 @@ private:
     static bool takeHosts(const Property* before, const Property& after, const Part& partition,
                           std::vector<Change>& hosts)
     {
-        if (before == nullptr || after.code != hostsCode) return false;
+        if (before == nullptr || after.code() != hostsCode) return false;
         auto old = parseHosts(before->value);
         auto now = parseHosts(after.value);
         if (!old || !now) return false;

@@ -15,30 +15,50 @@ std::string_view Part::value(std::string_view code) const
     return found == properties.end() ? std::string_view{} : found->value;
 }
 
+std::string_view Part::valueAround(std::string_view code) const
+{
+    for (const Part* part = this; part != nullptr; part = part->around) {
+        const auto found = std::ranges::find(part->properties, code, &Property::code);
+        if (found != part->properties.end()) return found->value;
+    }
+    return {};
+}
+
 /// Facility, image and rack number, which parts repeat from the part that they are in.
 static bool isInherited(std::string_view code)
 {
     return code == "S3" || code == "S4" || code == "R2";
 }
 
-bool repeats(const Property& property, const Part& part, const Surroundings& around)
+bool repeats(const Property& property, const Part& part)
 {
-    if (property.code == "DS" && property.value == part.name) return true;
-    if (property.code == "YL" && property.value == part.id) return true;
-    return std::ranges::any_of(around, [&](const Part* outer) {
-        if (property.code == "CI" && property.value == outer->id) return true;
-        return isInherited(property.code) &&
-               std::ranges::find(outer->properties, property) != outer->properties.end();
-    });
+    if (property.code() == "DS" && property.value == part.name) return true;
+    if (property.code() == "YL" && property.value == part.id) return true;
+    for (const Part* outer = part.around; outer != nullptr; outer = outer->around) {
+        if (property.code() == "CI" && property.value == outer->id) return true;
+        if (isInherited(property.code()) &&
+            std::ranges::find(outer->properties, property) != outer->properties.end())
+            return true;
+    }
+    return false;
 }
 
-std::string timeOf(const std::string& timestamp)
+bool absent(const Part& part)
+{
+    return part.id.empty() && part.children.empty() &&
+           std::ranges::all_of(part.properties, [&](const Property& property) {
+               return property.value.empty() || repeats(property, part);
+           });
+}
+
+std::string timeOf(std::string_view timestamp)
 {
     std::time_t seconds = 0;
-    const char* const end = timestamp.data() + timestamp.find('.');
+    const char* const end = timestamp.data() + std::min(timestamp.find('.'), timestamp.size());
     const auto [stop, fault] = std::from_chars(timestamp.data(), end, seconds);
     std::tm time{};
-    if (fault != std::errc{} || stop != end || gmtime_r(&seconds, &time) == nullptr) return timestamp;
+    if (fault != std::errc{} || stop != end || gmtime_r(&seconds, &time) == nullptr)
+        return std::string(timestamp);
     std::array<char, 64> text{};
     const size_t length = std::strftime(text.data(), text.size(), "%Y-%m-%d %H:%M:%S UTC", &time);
     return {text.data(), length};
@@ -65,7 +85,7 @@ std::string summary(const Document& document)
 {
     Seen seen;
     Counts counts{};
-    count(document.system, seen, counts);
+    count(document.system(), seen, counts);
     std::string text;
     for (const KindRow& row : kinds) {
         const size_t found = counts.at(static_cast<size_t>(row.kind));

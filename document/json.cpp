@@ -27,7 +27,7 @@ std::string listOf(const std::vector<std::string>& items, const std::string& ind
 
 std::string propertyOf(const Property& property)
 {
-    return R"({ "code": )" + quote(property.code) + R"(, "label": )" + quote(property.label) +
+    return R"({ "code": )" + quote(property.code()) + R"(, "label": )" + quote(property.label()) +
            R"(, "value": )" + quote(property.value) + " }";
 }
 
@@ -54,7 +54,7 @@ std::string partOf(const Part& part, const std::string& indent)
 std::string json(const Document& document)
 {
     return "{\n  \"timestamp\": " + quote(document.timestamp) +
-           ",\n  \"system\": " + partOf(document.system, "  ") + "\n}\n";
+           ",\n  \"system\": " + partOf(document.system(), "  ") + "\n}\n";
 }
 
 } // namespace document

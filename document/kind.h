@@ -1,10 +1,17 @@
-// The kinds of parts a document holds: one row says how a kind is recognised, named and counted.
+// The table of parts: what a document can hold. One row says how a kind of part is recognised, what people
+// and programs call it, which properties it has, which of them identify it, and what columns it has in
+// tables.
+//
+// Everything that reads, lists, compares, checks or explains documents takes its words from here.
 
 #pragma once
 
 #include <array>
 #include <cstddef>
+#include <span>
+#include <string>
 #include <string_view>
+#include <vector>
 
 namespace document
 {
@@ -34,25 +41,115 @@ enum class Kind {
     array,
     rank,
     segmentPool,
+    host,
     other
 };
 
+// --- Properties
+
+/// Which attribute of a property's tag holds the code: "name", or "displayName".
+enum class Order { normal, reversed };
+
+enum class Times { once, optional, any };
+
+struct PropertyRow {
+    std::string_view code;
+    std::string_view label;
+    Order order = Order::normal;
+    Times times = Times::once;
+};
+
+// --- Columns
+
+enum class Type {
+    text,
+    number, ///< a whole number
+    texts,
+    numbers,
+    time, ///< ISO 8601 in UTC
+};
+
+/// Where the value of a column comes from.
+enum class From {
+    system,       ///< the managed system's identifier
+    time,         ///< the document's time of collection
+    kind,         ///< the word of the part's kind
+    id,           ///< the part's identifier
+    name,         ///< its display name
+    within,       ///< the identifier of the part around it, enclosure partitions left out
+    property,     ///< a property's value
+    around,       ///< a property's value, of the part or else of the nearest part around it
+    end,          ///< what follows the last mark in a property's value, of the part or of one around it
+    idEnd,        ///< what follows the last mark in the identifier
+    item,         ///< what stands behind a key in a property that holds many values
+    sites,        ///< the array sites in an array's identifier, where the first stands twice
+    arrayOfSites, ///< what the array sites of an array call it
+    partitions,   ///< the partitions whose share of an enclosure lists the part
+    description,  ///< of a host
+    ports,        ///< of a host
+    partition,    ///< the name of the partition that knows a host
+};
+
+struct Source {
+    From from;
+    std::string_view code = {}; ///< the property that holds it
+    std::string_view mark = {}; ///< the key of an item, or the text that the value follows
+    std::string_view unit = {}; ///< what follows the number: "MB"
+};
+
+struct Column {
+    std::string_view name;
+    Type type = Type::text;
+    std::string_view unit = {}; ///< empty: none, or none that the document tells
+    std::string_view meaning;
+    Source source;
+    bool shown = true; ///< in a table for which no columns are named
+};
+
+// --- Kinds
+
 struct KindRow {
     Kind kind;
-    std::string_view word; ///< in JSON
+    std::string_view word; ///< in JSON and on the command line
     std::string_view singular;
     std::string_view plural;
-    std::string_view list; ///< what stands in this list is of this kind, whatever its display name
-    std::string_view name; ///< else: what has this display name
-    bool counted = true;   ///< in a document's summary
+    std::string_view list = {};     ///< the list that it stands in
+    std::string_view name = {};     ///< its display name; empty: people or machines give it
+    bool byList = false;            ///< whatever stands in its list is of this kind
+    bool counted = true;            ///< in a document's summary
+    bool listed = true;             ///< it can be asked for by its word
+    std::string_view serial = {};   ///< the property with the serial number that goes where the part goes
+    std::string_view model = {};    ///< the one without which that number is not unique
+    std::string_view position = {}; ///< the one with the position that stays when the part is exchanged
+    std::span<const PropertyRow> properties = {}; ///< in their order
+    std::span<const Column> columns = {};         ///< its own; every kind has the common ones too
 };
 
 constexpr size_t kindCount = static_cast<size_t>(Kind::other) + 1;
 extern const std::array<KindRow, kindCount> kinds;
 
+/// The columns of every kind.
+extern const std::span<const Column> commonColumns;
+
 const KindRow& rowOf(Kind kind);
 
 /// The kind of a part by the list it stands in (empty: in none) and its display name.
 Kind kindOf(std::string_view list, std::string_view name);
+
+/// The kinds that a word of the command line means: "drive", "drives", "array-sites", "all". None: it is
+/// none.
+std::vector<Kind> kindsOf(std::string_view word);
+
+/// Every word that `kindsOf` knows, for messages and completion: the plurals with hyphens, and "all".
+std::vector<std::string> kindWords();
+
+/// The common columns and the kind's own.
+std::vector<const Column*> columnsOf(Kind kind);
+
+/// Whether a property holds many values, each behind its key.
+bool holdsItems(std::string_view code);
+
+/// Where the value of a column comes from, in words: "`DC` in `DP`".
+std::string sourceOf(const Column& column);
 
 } // namespace document

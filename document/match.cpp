@@ -16,45 +16,29 @@ constexpr char separator = '\0'; // between the texts of a key
 
 std::string serialOf(const Part& part)
 {
-    const bool enclosure = part.kind == Kind::storageEnclosure || part.kind == Kind::rack;
-    if (!enclosure) return std::string(part.value("SN"));
-    const std::string_view serial = part.value("SG");
-    return serial.empty() ? std::string{} : std::string(part.value("TM")) + separator + std::string(serial);
+    const KindRow& row = rowOf(part.kind);
+    const std::string_view serial = part.value(row.serial);
+    if (serial.empty() || row.model.empty()) return std::string(serial);
+    return std::string(part.value(row.model)) + separator + std::string(serial);
 }
 
 /// An identifier mostly begins with that of a part around it; what follows is the same after that part moved.
-std::string placeOf(const Part& part, const Surroundings& around)
+std::string placeOf(const Part& part)
 {
-    for (auto outer = around.rbegin(); outer != around.rend(); ++outer) {
-        const std::string& id = (*outer)->id;
+    for (const Part* outer = part.around; outer != nullptr; outer = outer->around) {
+        const std::string_view id = outer->id;
         if (!id.empty() && part.id.size() > id.size() && part.id.starts_with(id))
-            return part.id.substr(id.size());
+            return std::string(part.id.substr(id.size()));
     }
-    return part.id;
-}
-
-bool absent(const Part& part, const Surroundings& around)
-{
-    return part.id.empty() && part.children.empty() &&
-           std::ranges::all_of(part.properties, [&](const Property& property) {
-               return property.value.empty() || repeats(property, part, around);
-           });
+    return std::string(part.id);
 }
 
 std::string everythingOf(const Part& part)
 {
-    std::string text = part.name + separator + part.id;
+    std::string text = std::string(part.name) + separator + std::string(part.id);
     for (const Property& property : part.properties)
-        text.append(1, separator).append(property.code).append(1, separator).append(property.value);
+        text.append(1, separator).append(property.code()).append(1, separator).append(property.value);
     return text;
-}
-
-/// The position that stays when the enclosure in it is exchanged.
-std::string_view positionOf(const Part& part)
-{
-    if (part.kind == Kind::storageEnclosure) return part.value("R1");
-    if (part.kind == Kind::rack) return part.value("R2");
-    return {};
 }
 
 } // namespace
@@ -62,36 +46,25 @@ std::string_view positionOf(const Part& part)
 Nodes::Nodes(const Part& system)
 {
     nodes.push_back({.part = &system, .children = {}, .place = {}, .serial = {}});
-    Surroundings around;
-    addChildren(0, around);
+    addChildren(0);
 }
 
-void Nodes::addChildren(size_t index, Surroundings& around)
+void Nodes::addChildren(size_t index)
 {
-    around.push_back(nodes[index].part);
     std::set<std::string> listed;
-    for (const Part& child : around.back()->children) {
-        if (absent(child, around)) continue;
+    for (const Part& child : nodes[index].part->children) {
+        if (absent(child)) continue;
         if (child.children.empty() && !listed.insert(everythingOf(child)).second) continue;
         const size_t added = nodes.size();
         nodes[index].children.push_back(added);
         nodes.push_back({.part = &child,
                          .parent = index,
-                         .depth = around.size(),
+                         .depth = nodes[index].depth + 1,
                          .children = {},
-                         .place = placeOf(child, around),
+                         .place = placeOf(child),
                          .serial = serialOf(child)});
-        addChildren(added, around);
+        addChildren(added);
     }
-    around.pop_back();
-}
-
-Surroundings Nodes::around(const Node& node) const
-{
-    Surroundings parts;
-    for (size_t index = node.parent; index != Node::none; index = nodes[index].parent)
-        parts.insert(parts.begin(), nodes[index].part);
-    return parts;
 }
 
 namespace
@@ -136,7 +109,7 @@ std::string placeOfImage(const Node& node, size_t parent)
 
 std::string position(const Node& node, size_t parent)
 {
-    const std::string_view text = positionOf(*node.part);
+    const std::string_view text = node.part->value(rowOf(node.part->kind).position);
     return text.empty() ? std::string{} : inParent(node, parent, {text, node.part->value("S4")});
 }
 

@@ -34,10 +34,9 @@ public:
     Node& operator[](size_t index) { return nodes[index]; }
     const Node& operator[](size_t index) const { return nodes[index]; }
     [[nodiscard]] size_t size() const { return nodes.size(); }
-    [[nodiscard]] Surroundings around(const Node& node) const;
 
 private:
-    void addChildren(size_t index, Surroundings& around);
+    void addChildren(size_t index);
 
     std::vector<Node> nodes;
 };

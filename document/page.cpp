@@ -21,7 +21,7 @@ class PageData
 public:
     std::string write(const Document& document)
     {
-        const std::string system = part(document.system);
+        const std::string system = part(document.system());
         return "{\"timestamp\":" + quote(document.timestamp) + ",\n\"kinds\":" + kindRows() +
                ",\n\"shapes\":[" + shapeTexts + "],\n\"system\":" + system + ",\n\"texts\":[" + texts + "]}";
     }
@@ -38,7 +38,7 @@ private:
         return rows + ']';
     }
 
-    std::string text(const std::string& text)
+    std::string text(std::string_view text)
     {
         const auto [known, added] = indexes.try_emplace(text, indexes.size());
         if (added) texts += (known->second == 0 ? "" : ",\n") + quote(text);
@@ -50,7 +50,7 @@ private:
         std::string key;
         for (const Property& property : part.properties) {
             key += key.empty() ? "[" : ",";
-            key += '[' + text(property.code) + ',' + text(property.label) + ']';
+            key += '[' + text(property.code()) + ',' + text(property.label()) + ']';
         }
         key += key.empty() ? "[]" : "]";
         const auto [known, added] = shapes.try_emplace(key, shapes.size());
@@ -74,7 +74,7 @@ private:
         return item + "]]";
     }
 
-    std::unordered_map<std::string, size_t> indexes;
+    std::unordered_map<std::string_view, size_t> indexes;
     std::map<std::string, size_t> shapes;
     std::string texts;
     std::string shapeTexts;

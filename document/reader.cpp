@@ -1,12 +1,12 @@
 #include "document/reader.h"
 
+#include "document/builder.h"
 #include "document/text.h"
 
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
 #include <fstream>
-#include <tuple>
 #include <utility>
 
 namespace document
@@ -90,14 +90,15 @@ std::string quoted(std::string_view text)
 /// An element that is open.
 struct Open {
     bool list = false;
-    Part part; ///< of a list: only the list's name
+    std::string name;
+    Kind kind = Kind::other; ///< of a resource
     bool hadList = false;
 };
 
 class Reader
 {
 public:
-    Reader(std::istream& input, const std::string& name) : lines(input, name) {}
+    Reader(std::istream& input, const std::string& name) : lines(input, name), builder(name) {}
 
     Document read()
     {
@@ -109,7 +110,7 @@ public:
         expect(setEnd);
         expect(rootEnd);
         if (!lines.atEnd()) lines.fault("there is more after the end: " + quoted(lines.next()));
-        return std::move(document);
+        return builder.finish();
     }
 
 private:
@@ -129,11 +130,10 @@ private:
         expect(root);
         const std::string line = lines.take();
         const bool set = line.starts_with(setStart) && line.ends_with(tagEnd);
-        if (set)
-            document.timestamp = line.substr(setStart.size(), line.size() - setStart.size() - tagEnd.size());
-        if (!set || !isTimestamp(document.timestamp)) {
-            lines.fault(quoted(line) + " is no start of a resource set", 1);
-        }
+        const std::string timestamp =
+            set ? line.substr(setStart.size(), line.size() - setStart.size() - tagEnd.size()) : "";
+        if (!isTimestamp(timestamp)) lines.fault(quoted(line) + " is no start of a resource set", 1);
+        builder.timestamp(timestamp);
     }
 
     static bool isTimestamp(std::string_view text)
@@ -166,20 +166,17 @@ private:
 
     static std::string nameOf(const Open& element)
     {
-        return element.list ? "the list " + quoted(element.part.list) : quoted(element.part.name);
+        return (element.list ? "the list " : "") + quoted(element.name);
     }
 
     [[nodiscard]] bool inList() const { return !open.empty() && open.back().list; }
     [[nodiscard]] bool inResource() const { return !open.empty() && !open.back().list; }
-    [[nodiscard]] bool inDrawer() const
-    {
-        return inResource() && open.back().part.kind == Kind::processorComplex;
-    }
+    [[nodiscard]] bool inDrawer() const { return inResource() && open.back().kind == Kind::processorComplex; }
     /// In a list of the partitions of a processor complex.
     [[nodiscard]] bool inDrawerPartitions() const
     {
-        return inList() && open.back().part.list == drawerPartitions &&
-               open.at(open.size() - 2).part.kind == Kind::processorComplex;
+        return inList() && open.back().name == drawerPartitions &&
+               open.at(open.size() - 2).kind == Kind::processorComplex;
     }
 
     void push(Open element)
@@ -206,9 +203,8 @@ private:
         if (name == drawerPartitions && inDrawerPartitions()) open.pop_back();
         if (!inResource()) lines.fault("the list " + quoted(name) + " is not inside a resource", 1);
         open.back().hadList = true;
-        Open list{.list = true, .part = {}};
-        list.part.list = name;
-        push(std::move(list));
+        push({.list = true, .name = name});
+        builder.openList(name);
     }
 
     void closeList()
@@ -216,6 +212,7 @@ private:
         lines.take();
         if (inList()) {
             open.pop_back();
+            builder.closeList();
         } else if (inDrawer() && !open.back().hadList) {
             open.back().hadList = true; // a drawer without cards closes the list that one before it had
         } else {
@@ -225,15 +222,11 @@ private:
 
     void openResource()
     {
-        const std::string text = tag(resourceStart);
-        Open resource;
-        Part& part = resource.part;
-        std::tie(part.name, part.id) = nameAndId(text);
-        if (!inList() && (!open.empty() || whole))
-            lines.fault(quoted(part.name) + " does not stand in a list", 2);
-        if (inList()) part.list = open.back().part.list;
-        part.kind = kindOf(part.list, part.name);
-        push(std::move(resource));
+        const auto [name, id] = nameAndId(tag(resourceStart));
+        if (!inList() && (!open.empty() || whole)) lines.fault(quoted(name) + " does not stand in a list", 2);
+        const std::string list = inList() ? open.back().name : "";
+        push({.list = false, .name = name, .kind = kindOf(list, name)});
+        builder.openPart(name, id);
     }
 
     /// A resource's text repeats its identifier, which tells where in the tag the identifier begins.
@@ -256,40 +249,39 @@ private:
             lines.fault(open.empty() ? "a resource ends that is not open"
                                      : "a resource ends inside " + nameOf(open.back()),
                         1);
-        Part part = std::move(open.back().part);
         open.pop_back();
-        if (open.empty()) {
-            document.system = std::move(part);
-            whole = true;
-        } else {
-            open.at(open.size() - 2).part.children.push_back(std::move(part));
-        }
+        builder.closePart();
+        whole = whole || open.empty();
     }
 
     void property()
     {
         if (!inResource()) lines.fault("a property is not inside a resource");
         if (open.back().hadList) lines.fault("a property stands after a list");
-        Property read = names();
-        read.value = value();
+        names();
+        builder.property({.code = code, .label = label, .reversed = order == Order::reversed}, value());
         expect(propertyEnd);
-        open.back().part.properties.push_back(std::move(read));
     }
 
     /// The code is in the tag's name, or, in the tags of some parts, in its display name.
-    Property names()
+    void names()
     {
         const bool hosts = lines.next() == hostsStart;
         const std::string text = hosts ? lines.take() : tag(propertyStart);
-        std::string code = lines.take();
-        if (hosts && code == "U2") return {.code = code, .label = "Host Inventory", .value = {}};
+        code = lines.take();
         const std::string normal = code + std::string(labelStart);
-        if (!hosts && text.starts_with(normal))
-            return {.code = code, .label = text.substr(normal.size()), .value = {}};
         const std::string reversed = std::string(labelStart) + code;
-        if (!hosts && text.ends_with(reversed))
-            return {.code = code, .label = text.substr(0, text.size() - reversed.size()), .value = {}};
-        lines.fault(quoted(code) + " stands where the code of a property should", 1);
+        order = Order::normal;
+        if (hosts && code == "U2") {
+            label = "Host Inventory";
+        } else if (!hosts && text.starts_with(normal)) {
+            label = text.substr(normal.size());
+        } else if (!hosts && text.ends_with(reversed)) {
+            label = text.substr(0, text.size() - reversed.size());
+            order = Order::reversed;
+        } else {
+            lines.fault(quoted(code) + " stands where the code of a property should", 1);
+        }
     }
 
     /// A value may hold line feeds, and even what looks like its end.
@@ -312,8 +304,11 @@ private:
     }
 
     Lines lines;
-    Document document;
+    Builder builder;
     std::vector<Open> open;
+    std::string code; ///< of the property that is read
+    std::string label;
+    Order order = Order::normal;
     bool whole = false; ///< the managed system is read
 };
 

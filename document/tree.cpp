@@ -26,17 +26,18 @@ constexpr size_t widestValue = 100;
 
 std::string told(const Property& property)
 {
-    const auto hosts = property.code == "U2" ? parseHosts(property.value) : std::nullopt;
-    if (!hosts) return property.code + ' ' + cutTo(shown(property.value), widestValue);
-    return property.code + ' ' + std::to_string(hosts->size()) + (hosts->size() == 1 ? " host" : " hosts");
+    const auto hosts = property.code() == "U2" ? parseHosts(property.value) : std::nullopt;
+    if (!hosts) return std::string(property.code()) + ' ' + cutTo(shown(property.value), widestValue);
+    return std::string(property.code()) + ' ' + std::to_string(hosts->size()) +
+           (hosts->size() == 1 ? " host" : " hosts");
 }
 
 /// A part's line, cell by cell.
-std::vector<std::string> cellsOf(const Part& part, const Surroundings& around)
+std::vector<std::string> cellsOf(const Part& part)
 {
     std::vector<std::string> cells = {shown(part.name), part.id == part.name ? "" : shown(part.id)};
     for (const Property& property : part.properties) {
-        if (!repeats(property, part, around)) cells.push_back(told(property));
+        if (!repeats(property, part)) cells.push_back(told(property));
     }
     return cells;
 }
@@ -57,11 +58,10 @@ private:
 
     void children(const Part& part, const std::string& indent)
     {
-        around.push_back(&part);
         std::vector<std::vector<std::string>> rows;
         std::map<Kind, Widths> widths;
         for (const Part& child : part.children) {
-            rows.push_back(cellsOf(child, around));
+            rows.push_back(cellsOf(child));
             widen(widths[child.kind], rows.back());
         }
         for (size_t i = 0; i < rows.size(); ++i) {
@@ -72,7 +72,6 @@ private:
             line(rows[i], widths[child.kind]);
             children(child, indent + std::string(last ? strokes.none : strokes.pass));
         }
-        around.pop_back();
     }
 
     static void widen(Widths& widths, const std::vector<std::string>& cells)
@@ -96,14 +95,13 @@ private:
 
     const Strokes& strokes;
     std::string text;
-    Surroundings around;
 };
 
 } // namespace
 
 std::string tree(const Document& document, Lines lines)
 {
-    const Part& system = document.system;
+    const Part& system = document.system();
     std::string text = shown(system.name);
     if (const auto facility = system.value("S3"); !facility.empty())
         text += " of storage facility " + shown(facility);
