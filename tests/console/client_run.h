@@ -46,7 +46,7 @@ public:
             sizeof(console::image::RunState) + header.ruleCount * sizeof(console::image::RuleState), '\0');
     }
 
-    [[nodiscard]] const std::filesystem::path& path() const { return folder_.path(); }
+    [[nodiscard]] const std::filesystem::path& path() const { return folder.path(); }
     [[nodiscard]] std::vector<Json> journal() const { return kordTest::readJournal(path()); }
 
     /// Starts the body in a process of its own, whose standard error goes to a file.
@@ -80,7 +80,7 @@ private:
         std::exit(testing::Test::HasFailure() ? 1 : 0); // NOLINT(concurrency-mt-unsafe): one thread
     }
 
-    kordTest::TempFolder folder_;
+    kordTest::TempFolder folder;
 };
 
 /// Plays the body, which must end well, and returns the journal.

@@ -7,11 +7,16 @@
 namespace kordTest
 {
 
-static std::string propertyOf(const std::string& tag, const std::string& code, const std::string& value)
+namespace
+{
+
+std::string propertyOf(const std::string& tag, const std::string& code, const std::string& value)
 {
     return "<Property " + tag + ">\n" + code + "\n<Value type=\"string\">" + value +
            "</Value>\n</Property>\n";
 }
+
+} // namespace
 
 std::string property(const std::string& code, const std::string& label, const std::string& value)
 {

@@ -15,11 +15,11 @@ constexpr size_t slots = 8;
 class Follower
 {
 public:
-    explicit Follower(const Result& result) : result_(result) {}
+    explicit Follower(const Result& run) : result(run) {}
 
     Account follow()
     {
-        for (const Call& call : callsOf(result_)) {
+        for (const Call& call : callsOf(result)) {
             if (call.name == "program") {
                 followProgram(call);
             } else if (call.name == "end_session") {
@@ -30,21 +30,21 @@ public:
         }
         closeDrawers();
         finish();
-        return std::move(account_);
+        return std::move(account);
     }
 
 private:
     void followProgram(const Call& call)
     {
         // The wrapper that answers in place of a log's removal prints to the operator, at once.
-        if (commandOf(call) == "rm") account_.output.insert(0, outputOf(*call.rule));
+        if (commandOf(call) == "rm") account.output.insert(0, outputOf(*call.rule));
         if (commandOf(call) != "qmstat") return;
         expectGoing(call);
-        ++stateChecks_;
+        ++stateChecks;
         // A console that gives no answer does not stop a run; one that gives another state does.
         const std::optional<std::string> state = stateOf(call);
         if (call.result == 0 && state && *state != "Operating") {
-            account_.events.emplace_back("BED00003");
+            account.events.emplace_back("BED00003");
             stop("Check State fails.\n");
         }
     }
@@ -61,13 +61,13 @@ private:
         if (call.rule != nullptr) return firstLine(outputOf(*call.rule));
         const auto mtms = std::find(call.arguments.begin(), call.arguments.end(), "-m");
         if (mtms == call.arguments.end() || mtms + 1 == call.arguments.end()) return std::nullopt;
-        return result_.facility.at("systems").value(*(mtms + 1), "");
+        return result.facility.at("systems").value(*(mtms + 1), "");
     }
 
     void followEnd(const Call& call)
     {
-        account_.ended.push_back(call.scope);
-        if (call.result != 0) account_.open.push_back(call.scope);
+        account.ended.push_back(call.scope);
+        if (call.result != 0) account.open.push_back(call.scope);
         file(reactionTo(call));
     }
 
@@ -78,31 +78,31 @@ private:
         const std::string line = lineOf(call);
         file(reaction);
         note(call, reaction);
-        if (reaction.course == Course::minor) account_.minorErrors = true;
-        if (reaction.course == Course::ends) partitionsEnded_ = true;
+        if (reaction.course == Course::minor) account.minorErrors = true;
+        if (reaction.course == Course::ends) partitionsEnded = true;
         if (reaction.course == Course::stops) stop(line);
     }
 
     void file(const Reaction& reaction)
     {
-        if (!reaction.code.empty()) account_.events.emplace_back(reaction.code);
+        if (!reaction.code.empty()) account.events.emplace_back(reaction.code);
     }
 
     void stop(const std::string& line)
     {
-        account_.failed = true;
-        account_.output += line;
+        account.failed = true;
+        account.output += line;
     }
 
     /// Nothing is asked after the step that stopped the run, and of partitions nothing after their end.
     void expectGoing(const Call& call)
     {
-        const bool afterStop = account_.failed;
-        const bool afterPartitions = partitionsEnded_ && call.name != "program" && !isStatusQuery(call);
-        if ((afterStop || afterPartitions) && account_.wrongCall.empty()) {
-            account_.wrongCall = call.name + " " + call.className + call.program + " (" +
-                                 std::to_string(call.seq) + ") after " +
-                                 (afterStop ? "the run failed" : "the partitions ended");
+        const bool afterStop = account.failed;
+        const bool afterPartitions = partitionsEnded && call.name != "program" && !isStatusQuery(call);
+        if ((afterStop || afterPartitions) && account.wrongCall.empty()) {
+            account.wrongCall = call.name + " " + call.className + call.program + " (" +
+                                std::to_string(call.seq) + ") after " +
+                                (afterStop ? "the run failed" : "the partitions ended");
         }
     }
 
@@ -136,7 +136,7 @@ private:
     /// before the line feed of the first check's line only.
     std::string statusLine()
     {
-        const size_t round = statusQueries_++ / std::max<size_t>(partitions_, 1);
+        const size_t round = statusQueries++ / std::max<size_t>(partitions, 1);
         if (round % 2 == 1) return "Query VALE Partner Status fails.\n";
         return round == 0 ? "Query VALE Status fails. \n" : "Query VALE Status fails.\n";
     }
@@ -152,7 +152,7 @@ private:
     void note(const Call& call, const Reaction& reaction)
     {
         if (call.name == "start_session") noteSession(call);
-        if (isPartitionCheck(call) && partitions_ == 0) partitions_ = std::min(call.count, slots);
+        if (isPartitionCheck(call) && partitions == 0) partitions = std::min(call.count, slots);
         noteDrawers(call);
         noteResources(call);
         noteCounts(call, reaction);
@@ -160,9 +160,9 @@ private:
 
     void noteSession(const Call& call)
     {
-        if (call.result == 0) started_.push_back(call.scope);
-        if (call.scope != 4) account_.cleanedUp = call.result == 0;
-        if (call.scope == 4) account_.document = call.result != -1;
+        if (call.result == 0) startedScopes.push_back(call.scope);
+        if (call.scope != 4) account.cleanedUp = call.result == 0;
+        if (call.scope == 4) account.document = call.result != -1;
     }
 
     static bool isAnswered(const Call& call)
@@ -175,19 +175,19 @@ private:
     void noteDrawers(const Call& call)
     {
         if (call.className != "Orvik.TarnNVC") return;
-        if (cardQueries_++ % std::max<size_t>(partitions_, 1) == 0) closeDrawers();
-        inDrawer_ = true;
-        if (isAnswered(call)) ++openLists_;
+        if (cardQueries++ % std::max<size_t>(partitions, 1) == 0) closeDrawers();
+        inDrawer = true;
+        if (isAnswered(call)) ++openLists;
     }
 
     void closeDrawers()
     {
-        if (!inDrawer_) return;
-        cardsSeen_ = cardsSeen_ || openLists_ > 0;
-        account_.missingClosings += std::max(0, openLists_ - 1);
-        if (openLists_ == 0 && cardsSeen_) ++account_.extraClosings;
-        openLists_ = 0;
-        inDrawer_ = false;
+        if (!inDrawer) return;
+        cardsSeen = cardsSeen || openLists > 0;
+        account.missingClosings += std::max(0, openLists - 1);
+        if (openLists == 0 && cardsSeen) ++account.extraClosings;
+        openLists = 0;
+        inDrawer = false;
     }
 
     void noteResources(const Call& call)
@@ -195,62 +195,63 @@ private:
         const std::string name(displayNameOf(call));
         if (name.empty()) return;
         const size_t one = call.answer == Answer::empty && showsNothingAsOne(call) ? 1 : 0;
-        account_.resources[name] += isAnswered(call) ? call.count : one;
+        account.resources[name] += isAnswered(call) ? call.count : one;
     }
 
     void noteCounts(const Call& call, const Reaction& reaction)
     {
         if (!isCounted(call)) return;
         const bool counted = call.answer == Answer::regular && reaction.course == Course::goes;
-        counts_.push_back(counted ? call.handles : 0);
-        if (counts_.size() < 17 || reaction.course == Course::stops) return;
-        account_.counts.push_back(countsText());
-        counts_.clear();
+        counts.push_back(counted ? call.handles : 0);
+        if (counts.size() < 17 || reaction.course == Course::stops) return;
+        account.counts.push_back(countsText());
+        counts.clear();
     }
 
     /// Volumes 0 to 7, ports 0 to 4, objects 0, 1, 3 and 4: nothing counts the objects 2.
     std::string countsText()
     {
-        counts_.insert(counts_.begin() + 15, 0);
+        counts.insert(counts.begin() + 15, 0);
         std::string text;
-        for (size_t i = 0; i < counts_.size(); ++i) {
+        for (size_t i = 0; i < counts.size(); ++i) {
             const std::string name = i < 8    ? "v" + std::to_string(i)
                                      : i < 13 ? "p" + std::to_string(i - 8)
                                               : "o" + std::to_string(i - 13);
-            text += name + "=" + std::to_string(counts_[i]) + ",";
+            text += name + "=" + std::to_string(counts[i]) + ",";
         }
         return text;
     }
 
     void finish()
     {
-        if (!account_.cleanedUp) {
-            account_.open = started_;
+        if (!account.cleanedUp) {
+            account.open = startedScopes;
         } else {
             for (const int scope : {1, 4, 2}) {
-                const bool started = std::find(started_.begin(), started_.end(), scope) != started_.end();
-                if (started) account_.toEnd.push_back(scope);
+                const bool started =
+                    std::find(startedScopes.begin(), startedScopes.end(), scope) != startedScopes.end();
+                if (started) account.toEnd.push_back(scope);
             }
         }
-        if (account_.failed) return;
-        account_.output += success;
-        if (statusQueries_ != 4 * partitions_ || stateChecks_ != 4) {
-            account_.wrongCall = "the checks were not all made twice";
+        if (account.failed) return;
+        account.output += success;
+        if (statusQueries != 4 * partitions || stateChecks != 4) {
+            account.wrongCall = "the checks were not all made twice";
         }
     }
 
-    const Result& result_;
-    Account account_;
-    size_t partitions_ = 0;
-    size_t statusQueries_ = 0;
-    size_t stateChecks_ = 0;
-    bool partitionsEnded_ = false;
-    std::vector<int> started_;
-    size_t cardQueries_ = 0;
-    int openLists_ = 0;
-    bool inDrawer_ = false;
-    bool cardsSeen_ = false;
-    std::vector<size_t> counts_;
+    const Result& result;
+    Account account;
+    size_t partitions = 0;
+    size_t statusQueries = 0;
+    size_t stateChecks = 0;
+    bool partitionsEnded = false;
+    std::vector<int> startedScopes;
+    size_t cardQueries = 0;
+    int openLists = 0;
+    bool inDrawer = false;
+    bool cardsSeen = false;
+    std::vector<size_t> counts;
 };
 
 Account accountOf(const Result& result)

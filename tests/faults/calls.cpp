@@ -25,7 +25,10 @@ std::optional<std::string> firstLine(const std::string& output)
     return output.substr(begin, output.find('\n', begin) - begin).c_str();
 }
 
-static Call callOf(const json& line)
+namespace
+{
+
+Call callOf(const json& line)
 {
     Call call;
     call.seq = line.at("seq");
@@ -47,7 +50,7 @@ static Call callOf(const json& line)
     return call;
 }
 
-static bool isRequest(const json& line)
+bool isRequest(const json& line)
 {
     static const Texts requests = {"start_session",  "end_session",         "query_p_select",
                                    "query_d_select", "enumerate_resources", "invoke_action"};
@@ -55,7 +58,7 @@ static bool isRequest(const json& line)
            std::find(requests.begin(), requests.end(), line.value("vale", "")) != requests.end();
 }
 
-static bool matches(const json& rule, const Call& call)
+bool matches(const json& rule, const Call& call)
 {
     const bool forPrograms = rule.contains("program") || rule.value("call", "") == "program";
     return forPrograms != isClientCall(call) && rule.value("call", call.name) == call.name &&
@@ -67,7 +70,7 @@ static bool matches(const json& rule, const Call& call)
 }
 
 /// A rule without one lets the call pass.
-static bool hasEffect(const json& rule)
+bool hasEffect(const json& rule)
 {
     for (const char* effect : {"fails", "error", "answer", "status", "output"}) {
         if (rule.contains(effect)) return true;
@@ -75,7 +78,7 @@ static bool hasEffect(const json& rule)
     return false;
 }
 
-static const json* decide(const json& rules, const Call& call, std::vector<size_t>& matched)
+const json* decide(const json& rules, const Call& call, std::vector<size_t>& matched)
 {
     const json* decided = nullptr;
     for (size_t i = 0; i < rules.size(); ++i) {
@@ -87,13 +90,13 @@ static const json* decide(const json& rules, const Call& call, std::vector<size_
     return decided != nullptr && hasEffect(*decided) ? decided : nullptr;
 }
 
-static bool isBare(const json& response)
+bool isBare(const json& response)
 {
     return response.value("attributes", json::array()).empty() &&
            response.value("elements", json::array()).empty() && response.value("handles", 0) == 0;
 }
 
-static void readAnswer(Call& call)
+void readAnswer(Call& call)
 {
     if (!isClientCall(call) || call.name == "start_session" || call.name == "end_session") return;
     const json* error = nullptr;
@@ -118,17 +121,19 @@ static void readAnswer(Call& call)
 }
 
 /// The wrapper's own line: it ran the command that the next line, if it is of a console program, tells of.
-static bool passesOn(const Call& call)
+bool passesOn(const Call& call)
 {
     return call.program == "mmquaycmd" && call.rule == nullptr;
 }
 
-static Texts commandOf(const json& line)
+Texts commandOf(const json& line)
 {
     Texts command = line["arguments"];
     command.insert(command.begin(), line["program"].get<std::string>());
     return command;
 }
+
+} // namespace
 
 std::vector<Call> callsOf(const Result& result)
 {

@@ -11,6 +11,9 @@
 namespace sweep
 {
 
+namespace
+{
+
 // ---- a regular run ----
 
 struct Recorded {
@@ -24,12 +27,12 @@ struct Recording {
     std::vector<Recorded> calls; ///< the client calls in order
 };
 
-static bool isSame(const Call& one, const Call& other)
+bool isSame(const Call& one, const Call& other)
 {
     return one.name == other.name && one.className == other.className && one.selection == other.selection;
 }
 
-static std::shared_ptr<const Recording> record(const std::string& facility)
+std::shared_ptr<const Recording> record(const std::string& facility)
 {
     auto recording = std::make_shared<Recording>();
     recording->facility = bundled(facility);
@@ -48,17 +51,17 @@ static std::shared_ptr<const Recording> record(const std::string& facility)
 
 // ---- the ways ----
 
-static bool isSession(const Call& call)
+bool isSession(const Call& call)
 {
     return call.name == "start_session" || call.name == "end_session";
 }
 
-static bool isQuery(const Call& call)
+bool isQuery(const Call& call)
 {
     return call.name == "query_p_select" || call.name == "query_d_select";
 }
 
-static bool isEnumeration(const Call& call)
+bool isEnumeration(const Call& call)
 {
     return call.name == "enumerate_resources";
 }
@@ -70,18 +73,18 @@ struct ClientWay {
     bool general = false; ///< the effect is the same for every call
 };
 
-static json failing(int code)
+json failing(int code)
 {
     return {{"fails", {{"code", code}, {"message", "the call failed with " + std::to_string(code) + "\n"}}}};
 }
 
-static ClientWay always(const std::string& name, const json& effect)
+ClientWay always(const std::string& name, const json& effect)
 {
     return {.name = name, .effect = [effect](const auto&, const auto&) { return effect; }, .general = true};
 }
 
 /// Only calls that have responses can be answered so.
-static ClientWay answered(const std::string& name, const json& effect)
+ClientWay answered(const std::string& name, const json& effect)
 {
     const auto forResponses = [effect](const Recording&, const Recorded& recorded) {
         return isSession(recorded.call) ? json() : effect;
@@ -89,25 +92,25 @@ static ClientWay answered(const std::string& name, const json& effect)
     return {.name = name, .effect = forResponses, .general = true};
 }
 
-static ClientWay inError(uint32_t number, const std::string& name)
+ClientWay inError(uint32_t number, const std::string& name)
 {
     return answered("error-" + name, {{"error", {{"number", number}, {"message", "error " + name + "\n"}}}});
 }
 
-static json answer(const json& responses)
+json answer(const json& responses)
 {
     return {{"answer", responses}};
 }
 
 /// As many responses as usual, each without anything in it.
-static json bareAnswer(const Recording&, const Recorded& recorded)
+json bareAnswer(const Recording&, const Recorded& recorded)
 {
     if (isSession(recorded.call)) return {};
     return answer(json(recorded.call.count, json::object()));
 }
 
 /// All that was asked for is there, but nothing is in it.
-static json nullAnswer(const Recording&, const Recorded& recorded)
+json nullAnswer(const Recording&, const Recorded& recorded)
 {
     if (recorded.call.name == "invoke_action") return answer({{{"elements", {0, nullptr}}}});
     if (!isQuery(recorded.call)) return {};
@@ -119,7 +122,7 @@ static json nullAnswer(const Recording&, const Recorded& recorded)
 }
 
 /// Every response has only its first attributes, as many as are kept but never all.
-static json shortAnswer(const Recording& recording, const Recorded& recorded, size_t kept)
+json shortAnswer(const Recording& recording, const Recorded& recorded, size_t kept)
 {
     if (!isQuery(recorded.call)) return {};
     json responses = regularAnswer(recording.facility, recorded.call, recorded.attributes);
@@ -131,13 +134,13 @@ static json shortAnswer(const Recording& recording, const Recorded& recorded, si
     return answer(responses);
 }
 
-static json oneHandleFewer(const Recording&, const Recorded& recorded)
+json oneHandleFewer(const Recording&, const Recorded& recorded)
 {
     if (!isEnumeration(recorded.call)) return {};
     return answer({{{"handles", recorded.call.handles - 1}}});
 }
 
-static std::vector<ClientWay> ways()
+std::vector<ClientWay> ways()
 {
     constexpr size_t all = 1000;
     return {
@@ -163,7 +166,7 @@ static std::vector<ClientWay> ways()
 
 // ---- the rules ----
 
-static json once(size_t number, json effect)
+json once(size_t number, json effect)
 {
     effect["nth"] = number;
     return json::array({effect});
@@ -171,7 +174,7 @@ static json once(size_t number, json effect)
 
 /// The same for every call from the number on, also for calls that a regular run does not make. The rule for
 /// them stands behind those that let the earlier calls pass. Answers and errors have no effect on sessions.
-static json onwards(size_t number, const json& effect)
+json onwards(size_t number, const json& effect)
 {
     json rules = json::array();
     for (size_t earlier = 1; earlier < number; ++earlier) {
@@ -182,7 +185,7 @@ static json onwards(size_t number, const json& effect)
 }
 
 /// For each recorded call from the number on the effect of its own.
-static json onwardsEach(const Recording& recording, size_t number, const ClientWay& way)
+json onwardsEach(const Recording& recording, size_t number, const ClientWay& way)
 {
     json rules = json::array();
     for (size_t i = number - 1; i < recording.calls.size(); ++i) {
@@ -202,8 +205,7 @@ static json onwardsEach(const Recording& recording, size_t number, const ClientW
 
 using Shared = std::shared_ptr<const Recording>;
 
-static Plan planOf(const Shared& recording, const std::string& name, std::function<json()> faults,
-                   size_t mustFire)
+Plan planOf(const Shared& recording, const std::string& name, std::function<json()> faults, size_t mustFire)
 {
     return {.name = name,
             .facility = [recording] { return recording->facility; },
@@ -211,8 +213,8 @@ static Plan planOf(const Shared& recording, const std::string& name, std::functi
             .mustFire = {mustFire}};
 }
 
-static void addPlans(std::vector<Plan>& plans, const std::string& prefix, const Shared& recording,
-                     const ClientWay& way)
+void addPlans(std::vector<Plan>& plans, const std::string& prefix, const Shared& recording,
+              const ClientWay& way)
 {
     for (size_t number = 1; number <= recording->calls.size(); ++number) {
         const json effect = way.effect(*recording, recording->calls[number - 1]);
@@ -227,6 +229,8 @@ static void addPlans(std::vector<Plan>& plans, const std::string& prefix, const 
         plans.push_back(planOf(recording, name + "on" + at, rules, way.general ? number - 1 : 0));
     }
 }
+
+} // namespace
 
 std::vector<Plan> planClient(const Options& options)
 {

@@ -11,61 +11,26 @@
 namespace sweep
 {
 
-static void broken(Findings& findings, const std::string& what)
+namespace
+{
+
+void broken(Findings& findings, const std::string& what)
 {
     findings.push_back({Kind::broken, what});
 }
 
-// ---- canaries ----
-
-const Texts canaryWatch = {"/bin/sh", "-c",
-                           R"("$@"; status=$?
-find . /opt/brisk /opt/tarnquay /var/adm/stockmere /var/tarnquay /var/brisk -mindepth 1 \
-    \( -path './*' -o -name 'canary*' \) -exec echo 'canary:' {} \; >&2
-exit $status)",
-                           "watch"};
-
-void judgeCanary(const Result& result, Findings& findings)
-{
-    for (const std::string& line : kordTest::splitLines(result.outcome.error)) {
-        if (line.starts_with("canary: ")) broken(findings, "a value was run: " + line);
-    }
-}
-
 // ---- end ----
 
-static constexpr const char* built = "XML file was built successfully. This is the normal return.";
-static constexpr const char* failures[] = {
+constexpr const char* built = "XML file was built successfully. This is the normal return.";
+
+constexpr const char* failures[] = {
     "Start VALE session fails.", "Query Partner System fails.", "Check State fails.",
     "Query Partition fails.",    "Query VALE Id fails.",        "Query VALE Status fails. ",
     "Query VALE Status fails.",  "Add System Kord fails.",      "Query VALE Partner Status fails.",
 };
 
-void judgePair(const Result& result, Findings& findings)
-{
-    // Failing segment pools print their error, whose message may hold anything, before the line.
-    const Texts lines = kordTest::splitLines(result.outcome.output);
-    const std::string last = lines.empty() ? "" : lines.back();
-    const bool failed = std::ranges::find(failures, last) != std::end(failures);
-    const bool fits = result.outcome.status == 3 ? last == built : failed;
-    const bool more = lines.size() > 1 && !lines.front().starts_with("Orvik.TarnSegmentPool ");
-    if (!fits || more || !result.outcome.output.ends_with('\n')) {
-        broken(findings, "status " + std::to_string(result.outcome.status) + " with \"" +
-                             result.outcome.output.substr(0, 200) + '"');
-    }
-}
-
-// ---- trace ----
-
-void judgeClosing(const Result& result, Findings& findings)
-{
-    const std::string status = result.outcome.status == 3 ? "3" : "-1";
-    const std::string closing = "0010:  exit " + status + " ------------------\n";
-    if (!result.log.ends_with(closing)) broken(findings, "the trace log does not end with " + closing);
-}
-
 /// The event tool's own output goes to the log as well, as it stands.
-static bool eventToolPrints(const Result& result)
+bool eventToolPrints(const Result& result)
 {
     return std::ranges::any_of(result.facility["faults"], [](const json& rule) {
         const std::string program = rule.value("program", "");
@@ -73,20 +38,10 @@ static bool eventToolPrints(const Result& result)
     });
 }
 
-void judgeTraceLines(const Result& result, Findings& findings)
-{
-    constexpr size_t longest = 80;
-    if (eventToolPrints(result)) return;
-    for (const std::string& line : kordTest::splitLines(result.log)) {
-        if (line.size() <= longest) continue;
-        return broken(findings, "a trace line of " + std::to_string(line.size()) + " bytes");
-    }
-}
-
 // ---- arguments of programs ----
 
 /// As a journal shows a text: each byte that is no UTF-8 by one replacement character; of a row of them, one.
-static std::string readable(const std::string& text)
+std::string readable(const std::string& text)
 {
     static const std::regex row("(\ufffd)+");
     const json shown = json::parse(json(text).dump(-1, ' ', false, json::error_handler_t::replace));
@@ -94,14 +49,13 @@ static std::string readable(const std::string& text)
 }
 
 /// Cut to a field of that size.
-static std::string cut(const std::string& text, size_t field)
+std::string cut(const std::string& text, size_t field)
 {
     return text.substr(0, field - 1);
 }
 
 /// The texts that an attribute of a class has, as far as a field of 30 holds them.
-static std::set<std::string> fieldsOf(const json& facility, const std::string& className,
-                                      const Texts& attributes)
+std::set<std::string> fieldsOf(const json& facility, const std::string& className, const Texts& attributes)
 {
     std::set<std::string> texts;
     for (const json& resource : facility["resources"].value(className, json::array())) {
@@ -114,7 +68,7 @@ static std::set<std::string> fieldsOf(const json& facility, const std::string& c
 
 /// The texts that fault rules put into answers about a class, whatever the attribute: a partner is the first
 /// text that is not the managed system.
-static std::set<std::string> answeredTexts(const json& facility, const std::string& className)
+std::set<std::string> answeredTexts(const json& facility, const std::string& className)
 {
     std::set<std::string> texts;
     for (const json& rule : facility["faults"]) {
@@ -130,7 +84,7 @@ static std::set<std::string> answeredTexts(const json& facility, const std::stri
 }
 
 /// The messages of the facility's fault rules.
-static std::set<std::string> messagesOf(const json& facility)
+std::set<std::string> messagesOf(const json& facility)
 {
     std::set<std::string> messages;
     for (const json& rule : facility["faults"]) {
@@ -141,7 +95,7 @@ static std::set<std::string> messagesOf(const json& facility)
     return messages;
 }
 
-static constexpr const char* fixedTexts[] = {
+constexpr const char* fixedTexts[] = {
     "Expected resources were not found",
     "VALE call resulted in a non zero return value",
     "Unknown error",
@@ -151,7 +105,7 @@ static constexpr const char* fixedTexts[] = {
 };
 
 /// The texts that an event of this name can have: a fixed one, or a message without its last byte.
-static std::set<std::string> eventTexts(const json& facility, const std::string& name)
+std::set<std::string> eventTexts(const json& facility, const std::string& name)
 {
     constexpr size_t messageField = 500;
     std::set<std::string> texts;
@@ -168,7 +122,7 @@ static std::set<std::string> eventTexts(const json& facility, const std::string&
 
 /// The event tool's text, without the quotation marks around it. Its beginning is a function, a class or a
 /// partition.
-static bool isEventText(const json& facility, const std::string& text)
+bool isEventText(const json& facility, const std::string& text)
 {
     static const std::regex plain("[A-Za-z0-9._]+");
     std::set<std::string> names = fieldsOf(facility, "Orvik.TarnStorageFacilityPartition", {"lparName"});
@@ -180,7 +134,7 @@ static bool isEventText(const json& facility, const std::string& text)
     });
 }
 
-static void checkEvent(const Plan& plan, const Result& result, const Texts& arguments, Findings& findings)
+void checkEvent(const Plan& plan, const Result& result, const Texts& arguments, Findings& findings)
 {
     const Event event = eventOf(arguments, plan.arguments.at(1));
     if (!event.wellFormed) {
@@ -193,7 +147,7 @@ static void checkEvent(const Plan& plan, const Result& result, const Texts& argu
     }
 }
 
-static void checkState(const Plan& plan, const Result& result, const Texts& arguments, Findings& findings)
+void checkState(const Plan& plan, const Result& result, const Texts& arguments, Findings& findings)
 {
     std::set<std::string> systems =
         fieldsOf(result.facility, "Orvik.TarnStorageFacility", {"managedSystem0MTMS", "managedSystem1MTMS"});
@@ -205,8 +159,8 @@ static void checkState(const Plan& plan, const Result& result, const Texts& argu
     }
 }
 
-static void checkProgram(const Plan& plan, const Result& result, std::string program, Texts arguments,
-                         Findings& findings)
+void checkProgram(const Plan& plan, const Result& result, std::string program, Texts arguments,
+                  Findings& findings)
 {
     if (program == "/opt/tarnquay/bin/mmquaycmd" && !arguments.empty()) {
         program = arguments.front();
@@ -222,18 +176,10 @@ static void checkProgram(const Plan& plan, const Result& result, std::string pro
     }
 }
 
-void judgeArguments(const Plan& plan, const Result& result, Findings& findings)
-{
-    for (const json& line : result.journal) {
-        if (line.contains("program"))
-            checkProgram(plan, result, line["program"], line["arguments"], findings);
-    }
-}
-
 // ---- document ----
 
 /// The texts of the power parts that the collector itself rids of angle brackets.
-static bool isCleaned(const std::string& className, const std::string& attribute)
+bool isCleaned(const std::string& className, const std::string& attribute)
 {
     static const std::map<std::string, std::set<std::string>> cleaned = {
         {"Orvik.TarnPPS", {"partNumber", "serialNumber", "ecLevel", "flashFirmwareLevel"}},
@@ -244,7 +190,7 @@ static bool isCleaned(const std::string& className, const std::string& attribute
     return found != cleaned.end() && found->second.contains(attribute);
 }
 
-static void replaceTexts(json& value, bool isClean)
+void replaceTexts(json& value, bool isClean)
 {
     if (value.is_array()) {
         for (json& item : value) {
@@ -259,7 +205,7 @@ static void replaceTexts(json& value, bool isClean)
     }
 }
 
-static json standInFacility(json facility)
+json standInFacility(json facility)
 {
     for (auto& [className, resources] : facility["resources"].items()) {
         for (json& resource : resources) {
@@ -272,7 +218,7 @@ static json standInFacility(json facility)
 }
 
 /// What was asked and what came of it, without the values.
-static Texts callsOf(const Result& result)
+Texts callsOf(const Result& result)
 {
     Texts calls;
     for (const json& line : result.journal) {
@@ -285,7 +231,7 @@ static Texts callsOf(const Result& result)
 
 /// In a selection quotation marks end a text and a percent sign stands for any: values with these ask for
 /// something else than their stand-ins do.
-static bool reachSelections(const Result& quiet)
+bool reachSelections(const Result& quiet)
 {
     static const std::string marks = withStandIns("\"'%");
     return std::ranges::any_of(quiet.journal, [](const json& line) {
@@ -295,21 +241,21 @@ static bool reachSelections(const Result& quiet)
     });
 }
 
-static bool anyText(const json& value, bool (*holds)(const std::string& text))
+bool anyText(const json& value, bool (*holds)(const std::string& text))
 {
     if (value.is_string()) return holds(value.get_ref<const std::string&>());
     return value.is_structured() &&
            std::ranges::any_of(value, [holds](const json& item) { return anyText(item, holds); });
 }
 
-static void judgeShape(const Result& result, Findings& findings)
+void judgeShape(const Result& result, Findings& findings)
 {
     if (!result.document) return;
     const Texts faults = kordTest::readDocument(*result.document).faults;
     if (!faults.empty()) broken(findings, "document, " + faults.front().substr(0, 200));
 }
 
-static void compareWithTwin(const Plan& plan, const Result& result, Findings& findings)
+void compareWithTwin(const Plan& plan, const Result& result, Findings& findings)
 {
     Plan twin = plan;
     twin.facility = [&result] { return standInFacility(result.facility); };
@@ -325,6 +271,61 @@ static void compareWithTwin(const Plan& plan, const Result& result, Findings& fi
     }
 }
 
+} // namespace
+
+const Texts canaryWatch = {"/bin/sh", "-c",
+                           R"("$@"; status=$?
+find . /opt/brisk /opt/tarnquay /var/adm/stockmere /var/tarnquay /var/brisk -mindepth 1 \
+    \( -path './*' -o -name 'canary*' \) -exec echo 'canary:' {} \; >&2
+exit $status)",
+                           "watch"};
+
+void judgeCanary(const Result& result, Findings& findings)
+{
+    for (const std::string& line : kordTest::splitLines(result.outcome.error)) {
+        if (line.starts_with("canary: ")) broken(findings, "a value was run: " + line);
+    }
+}
+
+void judgePair(const Result& result, Findings& findings)
+{
+    // Failing segment pools print their error, whose message may hold anything, before the line.
+    const Texts lines = kordTest::splitLines(result.outcome.output);
+    const std::string last = lines.empty() ? "" : lines.back();
+    const bool failed = std::ranges::find(failures, last) != std::end(failures);
+    const bool fits = result.outcome.status == 3 ? last == built : failed;
+    const bool more = lines.size() > 1 && !lines.front().starts_with("Orvik.TarnSegmentPool ");
+    if (!fits || more || !result.outcome.output.ends_with('\n')) {
+        broken(findings, "status " + std::to_string(result.outcome.status) + " with \"" +
+                             result.outcome.output.substr(0, 200) + '"');
+    }
+}
+
+void judgeClosing(const Result& result, Findings& findings)
+{
+    const std::string status = result.outcome.status == 3 ? "3" : "-1";
+    const std::string closing = "0010:  exit " + status + " ------------------\n";
+    if (!result.log.ends_with(closing)) broken(findings, "the trace log does not end with " + closing);
+}
+
+void judgeTraceLines(const Result& result, Findings& findings)
+{
+    constexpr size_t longest = 80;
+    if (eventToolPrints(result)) return;
+    for (const std::string& line : kordTest::splitLines(result.log)) {
+        if (line.size() <= longest) continue;
+        return broken(findings, "a trace line of " + std::to_string(line.size()) + " bytes");
+    }
+}
+
+void judgeArguments(const Plan& plan, const Result& result, Findings& findings)
+{
+    for (const json& line : result.journal) {
+        if (line.contains("program"))
+            checkProgram(plan, result, line["program"], line["arguments"], findings);
+    }
+}
+
 void judgeElements(const Plan& plan, const Result& result, Findings& findings)
 {
     const json& resources = result.facility["resources"];
@@ -334,8 +335,6 @@ void judgeElements(const Plan& plan, const Result& result, Findings& findings)
         compareWithTwin(plan, result, findings);
     }
 }
-
-// ---- all ----
 
 void judgeHostile(const Plan& plan, const Result& result, Findings& findings)
 {

@@ -15,26 +15,29 @@
 namespace sweep
 {
 
+namespace
+{
+
 using console::facility::AttributeForm;
 using console::facility::ClassForm;
 using Classes = std::set<std::string>;
 
-static constexpr const char* partitions = "Orvik.TarnStorageFacilityPartition";
-static constexpr const char* nodes = "Orvik.ManagedNode";
+constexpr const char* partitions = "Orvik.TarnStorageFacilityPartition";
+constexpr const char* nodes = "Orvik.ManagedNode";
 
-static json smallFacility()
+json smallFacility()
 {
     static const json facility = bundled("small.json");
     return facility;
 }
 
-static const std::vector<ClassForm>& classForms()
+const std::vector<ClassForm>& classForms()
 {
     static const console::facility::Schema schema;
     return schema.classes();
 }
 
-static std::string typeName(console::image::Type type)
+std::string typeName(console::image::Type type)
 {
     using console::image::Type;
     static const std::map<Type, std::string> names = {
@@ -45,13 +48,13 @@ static std::string typeName(console::image::Type type)
 }
 
 /// A generator that makes the same values for the same run, whatever runs before it.
-static Random randomFor(const std::string& name)
+Random randomFor(const std::string& name)
 {
     std::seed_seq seed(name.begin(), name.end());
     return Random(seed);
 }
 
-static Plan planned(const std::string& name)
+Plan planned(const std::string& name)
 {
     Plan plan;
     plan.name = name;
@@ -64,7 +67,7 @@ static Plan planned(const std::string& name)
 }
 
 /// A plan whose facility is the small one after a change.
-static Plan changed(const std::string& name, const std::function<void(json& facility)>& change)
+Plan changed(const std::string& name, const std::function<void(json& facility)>& change)
 {
     Plan plan = planned(name);
     plan.facility = [change] {
@@ -75,7 +78,7 @@ static Plan changed(const std::string& name, const std::function<void(json& faci
     return plan;
 }
 
-static Plan faulty(const std::string& name, const json& rule)
+Plan faulty(const std::string& name, const json& rule)
 {
     Plan plan = planned(name);
     plan.faults = [rule] { return json::array({rule}); };
@@ -84,7 +87,7 @@ static Plan faulty(const std::string& name, const json& rule)
 
 // ---- attributes ----
 
-static void addAttribute(std::vector<Plan>& plans, const ClassForm& form, const AttributeForm& attribute)
+void addAttribute(std::vector<Plan>& plans, const ClassForm& form, const AttributeForm& attribute)
 {
     const std::string place = form.name + " " + attribute.name;
     Random random = randomFor(place);
@@ -103,12 +106,12 @@ static void addAttribute(std::vector<Plan>& plans, const ClassForm& form, const 
 }
 
 /// The other system's MTMS goes to the console's state command.
-static bool isPartnerMTMS(const AttributeForm& attribute)
+bool isPartnerMTMS(const AttributeForm& attribute)
 {
     return attribute.name == "managedSystem0MTMS";
 }
 
-static void addAttributes(std::vector<Plan>& plans, const Classes&)
+void addAttributes(std::vector<Plan>& plans, const Classes&)
 {
     for (const ClassForm& form : classForms()) {
         for (const AttributeForm& attribute : form.attributes) {
@@ -117,7 +120,7 @@ static void addAttributes(std::vector<Plan>& plans, const Classes&)
     }
 }
 
-static void addPartnerMTMS(std::vector<Plan>& plans, const Classes&)
+void addPartnerMTMS(std::vector<Plan>& plans, const Classes&)
 {
     for (const ClassForm& form : classForms()) {
         const auto attribute = std::ranges::find_if(form.attributes, isPartnerMTMS);
@@ -128,7 +131,7 @@ static void addPartnerMTMS(std::vector<Plan>& plans, const Classes&)
 // ---- answers ----
 
 /// Each attribute of the class as an answer gives it: its name, its regular value or null.
-static json regularAttributes(const ClassForm& form)
+json regularAttributes(const ClassForm& form)
 {
     const json resource = smallFacility()["resources"].value(form.name, json::array({json::object()}))[0];
     json attributes = json::array();
@@ -139,7 +142,7 @@ static json regularAttributes(const ClassForm& form)
     return attributes;
 }
 
-static json nulls(json attributes)
+json nulls(json attributes)
 {
     for (json& attribute : attributes) {
         attribute[1] = nullptr;
@@ -147,19 +150,19 @@ static json nulls(json attributes)
     return attributes;
 }
 
-static json reversed(json attributes)
+json reversed(json attributes)
 {
     std::reverse(attributes.begin(), attributes.end());
     return attributes;
 }
 
-static json joined(json first, const json& second)
+json joined(json first, const json& second)
 {
     first.insert(first.end(), second.begin(), second.end());
     return first;
 }
 
-static json unknowns(size_t count)
+json unknowns(size_t count)
 {
     json attributes = json::array();
     for (size_t i = 0; i < count; ++i) {
@@ -170,7 +173,7 @@ static json unknowns(size_t count)
     return attributes;
 }
 
-static void addAnswers(std::vector<Plan>& plans, const Classes& asked)
+void addAnswers(std::vector<Plan>& plans, const Classes& asked)
 {
     for (const ClassForm& form : classForms()) {
         if (!asked.contains(form.name)) continue;
@@ -197,7 +200,7 @@ static void addAnswers(std::vector<Plan>& plans, const Classes& asked)
 // ---- partitions ----
 
 /// Partitions with these pool IDs, on both systems, each with its node.
-static void setPartitions(json& facility, const Texts& poolIds)
+void setPartitions(json& facility, const Texts& poolIds)
 {
     const json partition = facility["resources"][partitions][0];
     const json node = facility["resources"][nodes][0];
@@ -220,7 +223,7 @@ static void setPartitions(json& facility, const Texts& poolIds)
     facility["resources"][nodes] = allNodes;
 }
 
-static void addPartitions(std::vector<Plan>& plans, const Classes&)
+void addPartitions(std::vector<Plan>& plans, const Classes&)
 {
     for (const size_t count : {2U, 7U, 8U, 9U, 10U, 20U, 200U, 10'000U}) {
         Texts poolIds;
@@ -242,7 +245,7 @@ static void addPartitions(std::vector<Plan>& plans, const Classes&)
 
 // ---- arguments ----
 
-static bool isUsable(const std::string& mtms)
+bool isUsable(const std::string& mtms)
 {
     constexpr const char* usable = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789-*._";
     const std::string serial = mtms.size() > 9 ? mtms.substr(9, 7) : "";
@@ -250,7 +253,7 @@ static bool isUsable(const std::string& mtms)
            serial.find('*') == std::string::npos;
 }
 
-static void addArguments(std::vector<Plan>& plans, const Classes&)
+void addArguments(std::vector<Plan>& plans, const Classes&)
 {
     Random random = randomFor("arguments");
     for (const TextKind& kind : textKinds()) {
@@ -283,7 +286,7 @@ static void addArguments(std::vector<Plan>& plans, const Classes&)
 // ---- messages ----
 
 /// A class's answer in error, or its failing call.
-static json messageRule(const std::string& className, size_t effect, const std::string& message)
+json messageRule(const std::string& className, size_t effect, const std::string& message)
 {
     constexpr uint32_t unreachable = 0x40008;
     constexpr uint32_t other = 77;
@@ -293,7 +296,7 @@ static json messageRule(const std::string& className, size_t effect, const std::
 }
 
 /// Every class with every kind of message; the effects take turns.
-static void addMessages(std::vector<Plan>& plans, const Classes& asked)
+void addMessages(std::vector<Plan>& plans, const Classes& asked)
 {
     constexpr size_t effects = 3;
     size_t turn = 0;
@@ -309,7 +312,7 @@ static void addMessages(std::vector<Plan>& plans, const Classes& asked)
 }
 
 /// A partition that is not online is reported by its name.
-static void addReportedNames(std::vector<Plan>& plans, const Classes&)
+void addReportedNames(std::vector<Plan>& plans, const Classes&)
 {
     Random random = randomFor("partition names");
     for (const TextKind& kind : textKinds()) {
@@ -330,19 +333,19 @@ static void addReportedNames(std::vector<Plan>& plans, const Classes&)
 // ---- programs ----
 
 /// A program's output; the serial and the type-model of a console stand behind their names.
-static json outputRule(const std::string& program, int status, const std::string& text)
+json outputRule(const std::string& program, int status, const std::string& text)
 {
     const std::string output = text + "\n*TM " + text + "\n*SE " + text + "\n";
     return {{"program", program}, {"status", status}, {"output", output}};
 }
 
 /// So that there is an event.
-static void takePartnerOffline(json& facility)
+void takePartnerOffline(json& facility)
 {
     facility["resources"][nodes][1]["Status"] = 2;
 }
 
-static void addOutputs(std::vector<Plan>& plans, const std::string& program, int status)
+void addOutputs(std::vector<Plan>& plans, const std::string& program, int status)
 {
     const std::string place = "output " + program + " " + std::to_string(status);
     const bool reports = program == "pmProblemEventPoster" || program == "mmquaycmd";
@@ -355,7 +358,7 @@ static void addOutputs(std::vector<Plan>& plans, const std::string& program, int
     }
 }
 
-static void addPrograms(std::vector<Plan>& plans, const Classes&)
+void addPrograms(std::vector<Plan>& plans, const Classes&)
 {
     for (const char* program : {"whoami", "qmstat", "qconvpd", "mmquaycmd", "pmProblemEventPoster"}) {
         addOutputs(plans, program, 0);
@@ -365,7 +368,7 @@ static void addPrograms(std::vector<Plan>& plans, const Classes&)
 
 // ---- everything at once ----
 
-static void spoil(json& resource, const ClassForm& form, Random& random)
+void spoil(json& resource, const ClassForm& form, Random& random)
 {
     for (const AttributeForm& attribute : form.attributes) {
         if (random() % 12 != 0) continue;
@@ -374,7 +377,7 @@ static void spoil(json& resource, const ClassForm& form, Random& random)
     }
 }
 
-static void addMixtures(std::vector<Plan>& plans, const Classes&)
+void addMixtures(std::vector<Plan>& plans, const Classes&)
 {
     constexpr size_t count = 200;
     for (size_t seed = 1; seed <= count; ++seed) {
@@ -393,7 +396,7 @@ static void addMixtures(std::vector<Plan>& plans, const Classes&)
 
 // ---- the sweep ----
 
-static Classes askedClasses()
+Classes askedClasses()
 {
     Plan plan;
     plan.facility = smallFacility;
@@ -410,11 +413,13 @@ struct Group {
     size_t few; ///< how many stand for the group in the short form
 };
 // Messages, reported names and the partner's MTMS are what reaches a shell.
-static constexpr Group groups[] = {
+constexpr Group groups[] = {
     {.add = addAttributes, .few = 50},    {.add = addPartnerMTMS, .few = 15}, {.add = addAnswers, .few = 8},
     {.add = addPartitions, .few = 8},     {.add = addArguments, .few = 15},   {.add = addMessages, .few = 20},
     {.add = addReportedNames, .few = 15}, {.add = addPrograms, .few = 12},    {.add = addMixtures, .few = 7},
 };
+
+} // namespace
 
 std::vector<Plan> planHostile(const Options& options)
 {

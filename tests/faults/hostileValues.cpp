@@ -6,10 +6,13 @@
 namespace sweep
 {
 
+namespace
+{
+
 using nlohmann::json;
 
 /// Letters and digits, none of which the collector could want.
-static std::string plain(Random& random, size_t length)
+std::string plain(Random& random, size_t length)
 {
     constexpr std::string_view letters = "QWXYZqwxyz2345678";
     std::string text(length, ' ');
@@ -18,12 +21,12 @@ static std::string plain(Random& random, size_t length)
 }
 
 template <size_t length>
-static std::string ofLength(Random& random)
+std::string ofLength(Random& random)
 {
     return plain(random, length);
 }
 
-static std::string repeated(const std::string& piece, size_t length)
+std::string repeated(const std::string& piece, size_t length)
 {
     std::string text;
     while (text.size() + piece.size() <= length) {
@@ -32,19 +35,19 @@ static std::string repeated(const std::string& piece, size_t length)
     return text;
 }
 
-static std::string command()
+std::string command()
 {
     return std::string("touch ") + canary;
 }
 
-static std::string anyBytes(Random& random)
+std::string anyBytes(Random& random)
 {
     std::string text(random() % 300, ' ');
     std::ranges::generate(text, [&] { return static_cast<char>(1 + random() % 127); });
     return text;
 }
 
-static std::string controls(Random&)
+std::string controls(Random&)
 {
     std::string text;
     for (char c = 1; c < ' '; ++c) {
@@ -55,7 +58,7 @@ static std::string controls(Random&)
 
 // The fields around the collector's texts hold 30, 100, 256, 500 and 800 bytes, commands 4096. A command's
 // name in a field of 30 is whole, in a smaller one a redirection still is.
-static constexpr TextKind kinds[] = {
+constexpr TextKind kinds[] = {
     {"length0", ofLength<0>},
     {"length1", ofLength<1>},
     {"length29", ofLength<29>},
@@ -88,12 +91,7 @@ static constexpr TextKind kinds[] = {
     {"brackets", [](Random&) { return std::string("<a>[b](c){d}~#!"); }},
 };
 
-std::span<const TextKind> textKinds()
-{
-    return kinds;
-}
-
-static std::vector<HostileValue> texts(Random& random)
+std::vector<HostileValue> texts(Random& random)
 {
     std::vector<HostileValue> values;
     for (const TextKind& kind : kinds) {
@@ -102,10 +100,11 @@ static std::vector<HostileValue> texts(Random& random)
     return values;
 }
 
-static constexpr int64_t least = std::numeric_limits<int32_t>::min();
-static constexpr int64_t greatest = std::numeric_limits<int32_t>::max();
+constexpr int64_t least = std::numeric_limits<int32_t>::min();
 
-static json integerList(Random& random, size_t count)
+constexpr int64_t greatest = std::numeric_limits<int32_t>::max();
+
+json integerList(Random& random, size_t count)
 {
     json list = json::array();
     for (size_t i = 0; i < count; ++i) {
@@ -115,12 +114,12 @@ static json integerList(Random& random, size_t count)
 }
 
 /// Without the half of a character that a cut left.
-static json whole(const std::string& text)
+json whole(const std::string& text)
 {
     return json::parse(json(text).dump(-1, ' ', false, json::error_handler_t::ignore));
 }
 
-static json textList(Random& random, size_t count)
+json textList(Random& random, size_t count)
 {
     json list = json::array();
     for (size_t i = 0; i < count; ++i) {
@@ -129,7 +128,7 @@ static json textList(Random& random, size_t count)
     return list;
 }
 
-static std::vector<HostileValue> lists(Random& random, json (*make)(Random& random, size_t count))
+std::vector<HostileValue> lists(Random& random, json (*make)(Random& random, size_t count))
 {
     std::vector<HostileValue> values;
     for (const size_t count : {0U, 1U, 2U, 99U, 1000U, 10'000U}) {
@@ -139,13 +138,37 @@ static std::vector<HostileValue> lists(Random& random, json (*make)(Random& rand
 }
 
 /// Integers and texts by turns.
-static json mixedList(Random& random, size_t count)
+json mixedList(Random& random, size_t count)
 {
     json list = textList(random, count);
     for (size_t i = 0; i < count; i += 2) {
         list[i] = static_cast<int32_t>(random());
     }
     return list;
+}
+
+// ---- stand-ins ----
+
+// The separators '.', '*' and '-' are missing: the collector itself puts one for another.
+constexpr std::string_view meaningful = "\"<>\n$`;\\'%&|(){}[]~#!?";
+
+constexpr std::string_view standIns = "\x01\x02\x03\x04\x05\x06\x07\x08\x09\x0b\x0c\x0d\x0e\x0f\x10\x11"
+                                      "\x12\x13\x14\x15\x16\x17";
+
+std::string translated(std::string text, std::string_view from, std::string_view to)
+{
+    for (char& c : text) {
+        const size_t place = from.find(c);
+        if (place != std::string_view::npos) c = to[place];
+    }
+    return text;
+}
+
+} // namespace
+
+std::span<const TextKind> textKinds()
+{
+    return kinds;
 }
 
 std::vector<HostileValue> valuesOf(const std::string& type, Random& random)
@@ -167,23 +190,7 @@ std::vector<HostileValue> valuesOf(const std::string& type, Random& random)
     return values;
 }
 
-// ---- stand-ins ----
-
-// The separators '.', '*' and '-' are missing: the collector itself puts one for another.
-static constexpr std::string_view meaningful = "\"<>\n$`;\\'%&|(){}[]~#!?";
-static constexpr std::string_view standIns =
-    "\x01\x02\x03\x04\x05\x06\x07\x08\x09\x0b\x0c\x0d\x0e\x0f\x10\x11"
-    "\x12\x13\x14\x15\x16\x17";
 static_assert(meaningful.size() == standIns.size());
-
-static std::string translated(std::string text, std::string_view from, std::string_view to)
-{
-    for (char& c : text) {
-        const size_t place = from.find(c);
-        if (place != std::string_view::npos) c = to[place];
-    }
-    return text;
-}
 
 std::string withStandIns(const std::string& text)
 {

@@ -12,31 +12,172 @@
 namespace sweep
 {
 
-static void add(Findings& findings, Kind kind, const std::string& what)
+namespace
+{
+
+void add(Findings& findings, Kind kind, const std::string& what)
 {
     findings.push_back({kind, what});
 }
 
-static std::string shortened(const std::string& text)
+std::string shortened(const std::string& text)
 {
     constexpr size_t length = 160;
     return json(text.size() > length ? text.substr(0, length) + "..." : text)
         .dump(-1, ' ', false, json::error_handler_t::replace);
 }
 
-static void expectText(Findings& findings, const std::string& where, const std::string& expected,
-                       const std::string& found)
+void expectText(Findings& findings, const std::string& where, const std::string& expected,
+                const std::string& found)
 {
     if (expected == found) return;
     add(findings, Kind::broken, where + " is " + shortened(found) + ", not " + shortened(expected));
 }
 
-static void expectList(Findings& findings, const std::string& where, const json& expected, const json& found)
+void expectList(Findings& findings, const std::string& where, const json& expected, const json& found)
 {
     if (expected != found) expectText(findings, where, expected.dump(), found.dump());
 }
 
-// ---- the end ----
+// ---- releases ----
+
+const json* exitLine(const Result& result)
+{
+    const auto found = std::find_if(result.journal.begin(), result.journal.end(),
+                                    [](const json& line) { return line.value("vale", "") == "exit"; });
+    return found == result.journal.end() ? nullptr : &*found;
+}
+
+/// A failed call's record is fetched, then its message; the message is released, then the record.
+void judgeRecords(const Result& result, Findings& findings)
+{
+    static const Texts order = {"get_error", "get_errmsg", "rel_errmsg", "rel_error"};
+    size_t next = 0;
+    for (const json& line : result.journal) {
+        const std::string call = line.value("vale", "");
+        if (std::find(order.begin(), order.end(), call) == order.end()) continue;
+        if (call != order[next])
+            return add(findings, Kind::broken, call + " stands where " + order[next] + " should");
+        next = (next + 1) % order.size();
+    }
+}
+
+/// No failure goes unread but that of a domain session that counts as had.
+void judgeFetches(const Result& result, Findings& findings)
+{
+    size_t failed = 0;
+    for (const Call& call : callsOf(result)) {
+        const bool silent = call.name == "start_session" && call.scope == 4 && call.result > 0;
+        if (isClientCall(call) && call.result != 0 && !silent) ++failed;
+    }
+    const auto fetched = std::count_if(result.journal.begin(), result.journal.end(), [](const json& line) {
+        return line.value("vale", "") == "get_error";
+    });
+    expectText(findings, "number of error records fetched", std::to_string(failed), std::to_string(fetched));
+}
+
+// ---- events ----
+
+struct CodeText {
+    std::string_view code;
+    std::string_view text;
+};
+
+constexpr CodeText codeTexts[] = {
+    {"BED00000", "Expected resources were not found"},
+    {"BED00001", "VALE call resulted in a non zero return value"},
+    {"BED00002", "Unknown error"},
+    {"BED00003", "Subsystem is degraded"},
+    {"BED00004", "Invalid managed system MTMS"},
+    {"BED00005", "Microcode logic error"},
+};
+
+/// The messages that responses in error carried, as an event's text shows them.
+Texts messagesOf(const json& rules)
+{
+    Texts messages;
+    for (const json& rule : rules) {
+        if (!rule.contains("error")) continue;
+        const std::string message = rule["error"].value("message", "");
+        if (!message.empty()) messages.push_back(message.substr(0, message.size() - 1) + " ");
+    }
+    return messages;
+}
+
+/// "name : text", the text being the code's own or a response's.
+bool isEventText(const std::string& text, const std::string& code, const Texts& messages)
+{
+    const size_t separator = text.find(" : ");
+    const bool quoted = text.size() > 2 && text.starts_with('"') && text.ends_with('"');
+    if (!quoted || separator == std::string::npos) return false;
+    const std::string said = text.substr(separator + 3, text.size() - separator - 4);
+    const auto isOf = [&](const CodeText& known) { return known.code == code && known.text == said; };
+    return std::any_of(std::begin(codeTexts), std::end(codeTexts), isOf) ||
+           std::find(messages.begin(), messages.end(), said) != messages.end();
+}
+
+// ---- programs ----
+
+bool isRoot(const Result& result, const Plan& plan)
+{
+    const auto& console = result.facility.at("console");
+    std::string user = console.at("user").is_string() ? console["user"].get<std::string>() : "";
+    if (plan.user) user = *plan.user;
+    for (const Call& call : callsOf(result)) {
+        if (call.program != "whoami" || call.rule == nullptr) continue;
+        user = call.result == 0 ? firstLine(outputOf(*call.rule)).value_or("") : "";
+    }
+    return user == "root";
+}
+
+// ---- the document ----
+
+void countResources(const kordTest::Element& element, std::map<std::string, size_t>& found)
+{
+    if (!element.list) ++found[element.displayName];
+    for (const kordTest::Element& child : element.children) {
+        countResources(child, found);
+    }
+}
+
+void collectCounts(const kordTest::Element& element, Texts& counts)
+{
+    for (const kordTest::Property& property : element.properties) {
+        if (property.code == "U1") counts.push_back(property.value);
+    }
+    for (const kordTest::Element& child : element.children) {
+        collectCounts(child, counts);
+    }
+}
+
+/// The lines of counts, memory and processors aside. The last partition may have stopped before its line.
+void judgeCounts(const Account& account, const Texts& lines, Findings& findings)
+{
+    Texts found;
+    for (const std::string& line : lines) {
+        found.push_back(line.substr(0, line.find("h0=")));
+    }
+    Texts expected = account.counts;
+    if (account.failed && expected.size() == found.size() + 1) expected.pop_back();
+    expectList(findings, "counts", expected, found);
+}
+
+bool isProgramRule(const json& rule)
+{
+    return rule.contains("program") || rule.value("call", "") == "program";
+}
+
+/// A trace log without what differs from run to run, wherever in a line it stands (the event tool's output
+/// may end without a line feed): the stamps, the document's time of day, the address in the line on empty
+/// output.
+std::string withoutTimes(const std::string& log)
+{
+    static const std::regex times(
+        "[0-9]{6} [0-9]{2}:[0-9]{2}:[0-9]{2} |0701:  stamp=[0-9.]+|0062: empty file -?[0-9]+");
+    return std::regex_replace(log, times, "");
+}
+
+} // namespace
 
 void judgeEnd(const Plan&, const Result& result, Findings& findings)
 {
@@ -62,43 +203,6 @@ void judgeOutcome(const Plan&, const Result& result, Findings& findings)
     if (!account.wrongCall.empty()) add(findings, Kind::broken, account.wrongCall);
 }
 
-// ---- releases ----
-
-static const json* exitLine(const Result& result)
-{
-    const auto found = std::find_if(result.journal.begin(), result.journal.end(),
-                                    [](const json& line) { return line.value("vale", "") == "exit"; });
-    return found == result.journal.end() ? nullptr : &*found;
-}
-
-/// A failed call's record is fetched, then its message; the message is released, then the record.
-static void judgeRecords(const Result& result, Findings& findings)
-{
-    static const Texts order = {"get_error", "get_errmsg", "rel_errmsg", "rel_error"};
-    size_t next = 0;
-    for (const json& line : result.journal) {
-        const std::string call = line.value("vale", "");
-        if (std::find(order.begin(), order.end(), call) == order.end()) continue;
-        if (call != order[next])
-            return add(findings, Kind::broken, call + " stands where " + order[next] + " should");
-        next = (next + 1) % order.size();
-    }
-}
-
-/// No failure goes unread but that of a domain session that counts as had.
-static void judgeFetches(const Result& result, Findings& findings)
-{
-    size_t failed = 0;
-    for (const Call& call : callsOf(result)) {
-        const bool silent = call.name == "start_session" && call.scope == 4 && call.result > 0;
-        if (isClientCall(call) && call.result != 0 && !silent) ++failed;
-    }
-    const auto fetched = std::count_if(result.journal.begin(), result.journal.end(), [](const json& line) {
-        return line.value("vale", "") == "get_error";
-    });
-    expectText(findings, "number of error records fetched", std::to_string(failed), std::to_string(fetched));
-}
-
 void judgeReleases(const Plan&, const Result& result, Findings& findings)
 {
     const json* line = exitLine(result);
@@ -119,8 +223,6 @@ void judgeReleases(const Plan&, const Result& result, Findings& findings)
     expectList(findings, "scopes of open sessions", expected, open);
     expectList(findings, "scopes of sessions ended", account.ended, account.toEnd);
 }
-
-// ---- the trace log ----
 
 void judgeTrace(const Plan&, const Result& result, Findings& findings)
 {
@@ -144,46 +246,6 @@ void judgeTrace(const Plan&, const Result& result, Findings& findings)
         add(findings, Kind::broken,
             std::string("the trace log ") + (told ? "tells" : "does not tell") + " of minor errors");
     }
-}
-
-// ---- events ----
-
-struct CodeText {
-    std::string_view code;
-    std::string_view text;
-};
-
-constexpr CodeText codeTexts[] = {
-    {"BED00000", "Expected resources were not found"},
-    {"BED00001", "VALE call resulted in a non zero return value"},
-    {"BED00002", "Unknown error"},
-    {"BED00003", "Subsystem is degraded"},
-    {"BED00004", "Invalid managed system MTMS"},
-    {"BED00005", "Microcode logic error"},
-};
-
-/// The messages that responses in error carried, as an event's text shows them.
-static Texts messagesOf(const json& rules)
-{
-    Texts messages;
-    for (const json& rule : rules) {
-        if (!rule.contains("error")) continue;
-        const std::string message = rule["error"].value("message", "");
-        if (!message.empty()) messages.push_back(message.substr(0, message.size() - 1) + " ");
-    }
-    return messages;
-}
-
-/// "name : text", the text being the code's own or a response's.
-static bool isEventText(const std::string& text, const std::string& code, const Texts& messages)
-{
-    const size_t separator = text.find(" : ");
-    const bool quoted = text.size() > 2 && text.starts_with('"') && text.ends_with('"');
-    if (!quoted || separator == std::string::npos) return false;
-    const std::string said = text.substr(separator + 3, text.size() - separator - 4);
-    const auto isOf = [&](const CodeText& known) { return known.code == code && known.text == said; };
-    return std::any_of(std::begin(codeTexts), std::end(codeTexts), isOf) ||
-           std::find(messages.begin(), messages.end(), said) != messages.end();
 }
 
 std::string systemOf(const std::string& mtms)
@@ -231,20 +293,6 @@ void judgeEvents(const Plan& plan, const Result& result, Findings& findings)
     expectList(findings, "events", accountOf(result).events, codes);
 }
 
-// ---- programs ----
-
-static bool isRoot(const Result& result, const Plan& plan)
-{
-    const auto& console = result.facility.at("console");
-    std::string user = console.at("user").is_string() ? console["user"].get<std::string>() : "";
-    if (plan.user) user = *plan.user;
-    for (const Call& call : callsOf(result)) {
-        if (call.program != "whoami" || call.rule == nullptr) continue;
-        user = call.result == 0 ? firstLine(outputOf(*call.rule)).value_or("") : "";
-    }
-    return user == "root";
-}
-
 /// Any user but root has the system's and the event tool run by the wrapper; root has nothing run by it.
 void judgeWrapper(const Plan& plan, const Result& result, Findings& findings)
 {
@@ -255,38 +303,6 @@ void judgeWrapper(const Plan& plan, const Result& result, Findings& findings)
         if ((privileged && call.wrapped != wrapped) || (replaced && !wrapped))
             add(findings, Kind::broken, call.program + (call.wrapped ? " is" : " is not") + " wrapped");
     }
-}
-
-// ---- the document ----
-
-static void countResources(const kordTest::Element& element, std::map<std::string, size_t>& found)
-{
-    if (!element.list) ++found[element.displayName];
-    for (const kordTest::Element& child : element.children) {
-        countResources(child, found);
-    }
-}
-
-static void collectCounts(const kordTest::Element& element, Texts& counts)
-{
-    for (const kordTest::Property& property : element.properties) {
-        if (property.code == "U1") counts.push_back(property.value);
-    }
-    for (const kordTest::Element& child : element.children) {
-        collectCounts(child, counts);
-    }
-}
-
-/// The lines of counts, memory and processors aside. The last partition may have stopped before its line.
-static void judgeCounts(const Account& account, const Texts& lines, Findings& findings)
-{
-    Texts found;
-    for (const std::string& line : lines) {
-        found.push_back(line.substr(0, line.find("h0=")));
-    }
-    Texts expected = account.counts;
-    if (account.failed && expected.size() == found.size() + 1) expected.pop_back();
-    expectList(findings, "counts", expected, found);
 }
 
 void judgeDocument(const Plan&, const Result& result, Findings& findings)
@@ -316,16 +332,9 @@ void judgeDocument(const Plan&, const Result& result, Findings& findings)
     judgeCounts(account, counts, findings);
 }
 
-// ---- the rest ----
-
 void judgeTemporaryFiles(const Plan&, const Result& result, Findings& findings)
 {
     expectList(findings, "command output left", json::array(), result.temporaryFiles);
-}
-
-static bool isProgramRule(const json& rule)
-{
-    return rule.contains("program") || rule.value("call", "") == "program";
 }
 
 void judgeFaults(const Plan& plan, const Result& result, Findings& findings)
@@ -343,16 +352,6 @@ void judgeFaults(const Plan& plan, const Result& result, Findings& findings)
                                : std::find(unused.begin(), unused.end(), index) == unused.end();
         if (!fired) add(findings, Kind::broken, "fault rule " + std::to_string(index) + " was never met");
     }
-}
-
-/// A trace log without what differs from run to run, wherever in a line it stands (the event tool's output
-/// may end without a line feed): the stamps, the document's time of day, the address in the line on empty
-/// output.
-static std::string withoutTimes(const std::string& log)
-{
-    static const std::regex times(
-        "[0-9]{6} [0-9]{2}:[0-9]{2}:[0-9]{2} |0701:  stamp=[0-9.]+|0062: empty file -?[0-9]+");
-    return std::regex_replace(log, times, "");
 }
 
 void judgeRepetition(const Result& first, const Result& second, Findings& findings)

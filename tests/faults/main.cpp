@@ -8,18 +8,21 @@
 
 #include "sweep.h"
 
+namespace
+{
+
 using sweep::Options;
 using sweep::Sweep;
 using sweep::Tally;
 
-static constexpr Sweep sweeps[] = {
+constexpr Sweep sweeps[] = {
     {.name = "client", .help = "every client call fails in every way", .plan = sweep::planClient},
     {.name = "program", .help = "every console program misbehaves in every way", .plan = sweep::planProgram},
     {.name = "system", .help = "every call of the system fails in every way", .plan = sweep::planSystem},
     {.name = "hostile", .help = "every value and every message is hostile", .plan = sweep::planHostile},
 };
 
-static void addOptions(CLI::App& command, Options& options)
+void addOptions(CLI::App& command, Options& options)
 {
     command.add_flag("--full", options.full, "All runs; without it a share of them that takes seconds");
     command.add_flag("--verbose", options.verbose, "Say all of a failing run");
@@ -28,7 +31,7 @@ static void addOptions(CLI::App& command, Options& options)
 }
 
 /// One sweep, or all when none was asked for.
-static bool runAll(const CLI::App& app, const Options& options)
+bool runAll(const CLI::App& app, const Options& options)
 {
     std::vector<std::pair<const Sweep*, Tally>> done;
     for (const Sweep& sweep : sweeps) {
@@ -43,6 +46,8 @@ static bool runAll(const CLI::App& app, const Options& options)
     }
     return clean;
 }
+
+} // namespace
 
 int main(int argc, char** argv)
 {

@@ -6,6 +6,9 @@
 namespace sweep
 {
 
+namespace
+{
+
 /// A run in which the program is called, and how often.
 struct Scene {
     std::string program;
@@ -16,10 +19,10 @@ struct Scene {
 };
 
 /// Whoever is not root has the console's programs run by the wrapper.
-static const std::optional<std::string> operatorUser = "operator";
+const std::optional<std::string> operatorUser = "operator";
 
 /// Two minor errors, two events that do not stop the run.
-static json eventful()
+json eventful()
 {
     return json::array({
         {{"call", "query_p_select"}, {"class", "Orvik.TarnDDM"}, {"nth", 2}, {"answer", json::array()}},
@@ -27,13 +30,13 @@ static json eventful()
     });
 }
 
-static bool isOf(const Call& call, const Scene& scene)
+bool isOf(const Call& call, const Scene& scene)
 {
     return call.program == scene.program || (scene.program == "mmquaycmd" && call.wrapped);
 }
 
 /// The last of the rules must be met.
-static Plan planOf(const Scene& scene, const std::string& name, json rules)
+Plan planOf(const Scene& scene, const std::string& name, json rules)
 {
     std::vector<size_t> mustFire;
     if (!rules.empty()) mustFire.push_back(rules.size() - 1);
@@ -41,7 +44,7 @@ static Plan planOf(const Scene& scene, const std::string& name, json rules)
     return {.name = name, .faults = [rules] { return rules; }, .user = scene.user, .mustFire = mustFire};
 }
 
-static std::vector<Scene> scenes()
+std::vector<Scene> scenes()
 {
     std::vector<Scene> scenes = {
         {.program = "whoami", .faults = json::array()},
@@ -68,7 +71,7 @@ struct ProgramWay {
     std::string output = {};
 };
 
-static std::string megabyte(const std::string& text)
+std::string megabyte(const std::string& text)
 {
     std::string output = {};
     while (output.size() < 1'000'000)
@@ -76,13 +79,13 @@ static std::string megabyte(const std::string& text)
     return output;
 }
 
-static std::string binary()
+std::string binary()
 {
     std::string output("\0\x01\x7f\x1b\r", 5);
     return output + "\u00ff\u0080\U0010ffff" + output + "\n" + output + "\n";
 }
 
-static std::vector<ProgramWay> ways(const std::string& usual)
+std::vector<ProgramWay> ways(const std::string& usual)
 {
     return {
         {.name = "fails", .status = 1},
@@ -105,7 +108,7 @@ static std::vector<ProgramWay> ways(const std::string& usual)
     };
 }
 
-static std::string usualOutput(const std::string& program)
+std::string usualOutput(const std::string& program)
 {
     if (program == "whoami") return "root";
     if (program == "qconvpd") return "*TM 4821-K7Q\n*SE 10ABCDE";
@@ -113,7 +116,7 @@ static std::string usualOutput(const std::string& program)
 }
 
 /// The rule for the call of this number, or for all calls from it on: those before it are let pass.
-static json rulesOf(const Scene& scene, const ProgramWay& way, size_t number, bool once)
+json rulesOf(const Scene& scene, const ProgramWay& way, size_t number, bool once)
 {
     json rules = json::array();
     json rule = {{"program", scene.program}, {"status", way.status}, {"output", way.output}};
@@ -124,6 +127,8 @@ static json rulesOf(const Scene& scene, const ProgramWay& way, size_t number, bo
     rules.push_back(rule);
     return rules;
 }
+
+} // namespace
 
 // ---- the plans ----
 

@@ -11,6 +11,9 @@
 namespace sweep
 {
 
+namespace
+{
+
 // ---- the words of the table ----
 
 constexpr std::string_view missing = "BED00000"; // an expected resource
@@ -109,7 +112,7 @@ constexpr Row rows[] = {
 };
 // clang-format on
 
-static const Row* findRow(const Call& call)
+const Row* findRow(const Call& call)
 {
     const auto* found = std::find_if(std::begin(rows), std::end(rows), [&call](const Row& row) {
         return row.call == call.name && row.className == call.className &&
@@ -119,7 +122,7 @@ static const Row* findRow(const Call& call)
     return found == std::end(rows) ? nullptr : found;
 }
 
-static const Row& rowOf(const Call& call)
+const Row& rowOf(const Call& call)
 {
     const Row* row = findRow(call);
     if (row == nullptr)
@@ -127,7 +130,7 @@ static const Row& rowOf(const Call& call)
     return *row;
 }
 
-static Reaction reactionToError(const Row& row, uint32_t number)
+Reaction reactionToError(const Row& row, uint32_t number)
 {
     for (const ForNumber& known : row.numbers) {
         if (known.number == number) return known.reaction;
@@ -136,7 +139,7 @@ static Reaction reactionToError(const Row& row, uint32_t number)
 }
 
 /// Only an explicit refusal of the domain's session is a failure; ending a session never stops a run.
-static Reaction reactionToSession(const Call& call)
+Reaction reactionToSession(const Call& call)
 {
     if (call.result == 0) return on;
     if (call.name == "end_session") return told;
@@ -144,13 +147,15 @@ static Reaction reactionToSession(const Call& call)
 }
 
 /// An answered status other than 1.
-static bool isOffline(const Call& call)
+bool isOffline(const Call& call)
 {
     const bool answered = call.rule != nullptr && call.rule->contains("answer");
     if (call.name != "query_d_select" || call.answer != Answer::regular || !answered) return false;
     const json& attributes = call.rule->at("answer")[0].at("attributes");
     return std::find(attributes.begin(), attributes.end(), json::array({"Status", 1})) == attributes.end();
 }
+
+} // namespace
 
 Reaction reactionTo(const Call& call)
 {

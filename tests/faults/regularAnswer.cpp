@@ -8,13 +8,16 @@
 namespace sweep
 {
 
+namespace
+{
+
 struct Condition {
     std::string name;
     json value;
     bool prefix = false; ///< the value is what the attribute begins with
 };
 
-static std::vector<Condition> conditionsOf(const std::string& selection)
+std::vector<Condition> conditionsOf(const std::string& selection)
 {
     static const std::regex form(R"re((\w+)\s*(=\?|=)\s*(?:"([^"]*)"|'([^']*)%'|(\d+)))re");
     std::vector<Condition> conditions;
@@ -29,13 +32,15 @@ static std::vector<Condition> conditionsOf(const std::string& selection)
     return conditions;
 }
 
-static bool holds(const Condition& condition, const json& resource)
+bool holds(const Condition& condition, const json& resource)
 {
     const auto found = resource.find(condition.name);
     if (found == resource.end()) return false;
     return condition.prefix ? found->get<std::string>().starts_with(condition.value.get<std::string>())
                             : *found == condition.value;
 }
+
+} // namespace
 
 json regularAnswer(const json& facility, const Call& query, const Texts& attributes)
 {

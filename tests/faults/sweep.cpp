@@ -18,25 +18,17 @@ namespace sweep
 
 namespace fs = std::filesystem;
 
-json bundled(const std::string& name)
+namespace
 {
-    const fs::path file = fs::path(KORD_SOURCE_DIR) / "console/facilities" / name;
-    return json::parse(kordTest::readFile(file).value_or(""));
-}
 
-static fs::path programs()
+fs::path programs()
 {
     return fs::path(KORD_BUILD_DIR) / "bin";
 }
 
-fs::path collector()
-{
-    return programs() / "addTarnKord";
-}
-
 // ---- one run ----
 
-static json facilityOf(const Plan& plan)
+json facilityOf(const Plan& plan)
 {
     static const json usual = bundled("facility.json");
     json facility = plan.facility ? plan.facility() : usual;
@@ -44,7 +36,7 @@ static json facilityOf(const Plan& plan)
     return facility;
 }
 
-static Texts commandOf(const Plan& plan)
+Texts commandOf(const Plan& plan)
 {
     Texts command = plan.prefix;
     command.push_back(collector());
@@ -52,7 +44,7 @@ static Texts commandOf(const Plan& plan)
     return command;
 }
 
-static Texts namesIn(const fs::path& folder)
+Texts namesIn(const fs::path& folder)
 {
     Texts names;
     if (!fs::is_directory(folder)) return names;
@@ -61,6 +53,98 @@ static Texts namesIn(const fs::path& folder)
     }
     std::sort(names.begin(), names.end());
     return names;
+}
+
+Findings findingsOf(const Plan& plan)
+{
+    Findings findings;
+    try {
+        const Result result = runOnce(plan);
+        plan.judge ? plan.judge(plan, result, findings) : judgeRun(plan, result, findings);
+        if (plan.twice) judgeRepetition(result, runOnce(plan), findings);
+    } catch (const std::exception& failure) {
+        findings.push_back({Kind::broken, std::string("the run could not be judged: ") + failure.what()});
+    }
+    return findings;
+}
+
+// ---- many runs ----
+
+const char* nameOf(Kind kind)
+{
+    constexpr const char* names[] = {"crash", "hang", "leak", "broken"};
+    return names[static_cast<size_t>(kind)];
+}
+
+/// What the threads share.
+struct Progress {
+    std::atomic<size_t> next = 0;
+    std::mutex mutex; ///< of what follows, and of standard output
+    Tally tally;
+};
+
+void report(const Sweep& sweep, const Plan& plan, const Findings& findings, bool verbose)
+{
+    constexpr size_t brief = 3;
+    const size_t shown = verbose ? findings.size() : std::min(findings.size(), brief);
+    std::string line = std::string(sweep.name) + " " + plan.name;
+    for (size_t i = 0; i < shown; ++i) {
+        line += (i == 0    ? ": "
+                 : verbose ? "\n  "
+                           : "; ") +
+                std::string(nameOf(findings[i].kind)) + ": " + findings[i].what;
+    }
+    if (shown < findings.size()) line += "; " + std::to_string(findings.size() - shown) + " more";
+    if (verbose && plan.faults) line += "\n  faults " + plan.faults().dump();
+    std::printf("%s\n", line.c_str());
+    std::fflush(stdout);
+}
+
+void count(Tally& tally, const Findings& findings)
+{
+    ++tally.runs;
+    for (const Kind kind : {Kind::crash, Kind::hang, Kind::leak, Kind::broken}) {
+        const bool found =
+            std::any_of(findings.begin(), findings.end(), [kind](const auto& f) { return f.kind == kind; });
+        if (found) ++tally.found[kind];
+    }
+}
+
+void work(const Sweep& sweep, const std::vector<Plan>& plans, const Options& options, Progress& progress)
+{
+    for (size_t i; (i = progress.next++) < plans.size();) {
+        const Findings findings = findingsOf(plans[i]);
+        const std::lock_guard lock(progress.mutex);
+        count(progress.tally, findings);
+        if (!findings.empty()) report(sweep, plans[i], findings, options.verbose);
+    }
+}
+
+void keepOnly(std::vector<Plan>& plans, const std::string& name)
+{
+    std::erase_if(plans, [&name](const Plan& plan) { return plan.name != name; });
+    if (plans.empty()) throw std::runtime_error("there is no run " + name);
+}
+
+// ---- the table ----
+
+size_t foundIn(const Tally& tally, Kind kind)
+{
+    const auto found = tally.found.find(kind);
+    return found == tally.found.end() ? 0 : found->second;
+}
+
+} // namespace
+
+json bundled(const std::string& name)
+{
+    const fs::path file = fs::path(KORD_SOURCE_DIR) / "console/facilities" / name;
+    return json::parse(kordTest::readFile(file).value_or(""));
+}
+
+fs::path collector()
+{
+    return programs() / "addTarnKord";
 }
 
 Result runOnce(const Plan& plan)
@@ -92,78 +176,6 @@ Result runOnce(const Plan& plan)
     result.document = kordTest::readFile(kordTest::documentFile(root, mtms));
     result.temporaryFiles = namesIn(root / "var/brisk/log");
     return result;
-}
-
-static Findings findingsOf(const Plan& plan)
-{
-    Findings findings;
-    try {
-        const Result result = runOnce(plan);
-        plan.judge ? plan.judge(plan, result, findings) : judgeRun(plan, result, findings);
-        if (plan.twice) judgeRepetition(result, runOnce(plan), findings);
-    } catch (const std::exception& failure) {
-        findings.push_back({Kind::broken, std::string("the run could not be judged: ") + failure.what()});
-    }
-    return findings;
-}
-
-// ---- many runs ----
-
-static const char* nameOf(Kind kind)
-{
-    constexpr const char* names[] = {"crash", "hang", "leak", "broken"};
-    return names[static_cast<size_t>(kind)];
-}
-
-/// What the threads share.
-struct Progress {
-    std::atomic<size_t> next = 0;
-    std::mutex mutex; ///< of what follows, and of standard output
-    Tally tally;
-};
-
-static void report(const Sweep& sweep, const Plan& plan, const Findings& findings, bool verbose)
-{
-    constexpr size_t brief = 3;
-    const size_t shown = verbose ? findings.size() : std::min(findings.size(), brief);
-    std::string line = std::string(sweep.name) + " " + plan.name;
-    for (size_t i = 0; i < shown; ++i) {
-        line += (i == 0    ? ": "
-                 : verbose ? "\n  "
-                           : "; ") +
-                std::string(nameOf(findings[i].kind)) + ": " + findings[i].what;
-    }
-    if (shown < findings.size()) line += "; " + std::to_string(findings.size() - shown) + " more";
-    if (verbose && plan.faults) line += "\n  faults " + plan.faults().dump();
-    std::printf("%s\n", line.c_str());
-    std::fflush(stdout);
-}
-
-static void count(Tally& tally, const Findings& findings)
-{
-    ++tally.runs;
-    for (const Kind kind : {Kind::crash, Kind::hang, Kind::leak, Kind::broken}) {
-        const bool found =
-            std::any_of(findings.begin(), findings.end(), [kind](const auto& f) { return f.kind == kind; });
-        if (found) ++tally.found[kind];
-    }
-}
-
-static void work(const Sweep& sweep, const std::vector<Plan>& plans, const Options& options,
-                 Progress& progress)
-{
-    for (size_t i; (i = progress.next++) < plans.size();) {
-        const Findings findings = findingsOf(plans[i]);
-        const std::lock_guard lock(progress.mutex);
-        count(progress.tally, findings);
-        if (!findings.empty()) report(sweep, plans[i], findings, options.verbose);
-    }
-}
-
-static void keepOnly(std::vector<Plan>& plans, const std::string& name)
-{
-    std::erase_if(plans, [&name](const Plan& plan) { return plan.name != name; });
-    if (plans.empty()) throw std::runtime_error("there is no run " + name);
 }
 
 Tally runSweep(const Sweep& sweep, const Options& options)
@@ -198,14 +210,6 @@ std::vector<Plan> selected(std::vector<Plan> plans, const Options& options, size
         plans[i].twice = all || i % repeated == 0;
     }
     return plans;
-}
-
-// ---- the table ----
-
-static size_t foundIn(const Tally& tally, Kind kind)
-{
-    const auto found = tally.found.find(kind);
-    return found == tally.found.end() ? 0 : found->second;
 }
 
 void printHeading()

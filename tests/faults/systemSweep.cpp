@@ -22,6 +22,9 @@ namespace sweep
 
 namespace fs = std::filesystem;
 
+namespace
+{
+
 // ---- what fails ----
 
 /// A way in which a kind of call fails: with an error, or as the interposer's word says.
@@ -79,7 +82,7 @@ constexpr SystemWay ways[] = {
 };
 
 /// What a way is called and what the interposer is told.
-static std::string effectOf(const SystemWay& way)
+std::string effectOf(const SystemWay& way)
 {
     return *way.word != '\0' ? way.word : std::to_string(way.error);
 }
@@ -107,13 +110,13 @@ constexpr const char* ownDocument = "adm/stockmere/VPD/addTarnKord_9999-B2C*7ABC
 constexpr const char* ownLog = "tarnquay/log/kord.7ABCD12.log";
 constexpr const char* ownOutput = "brisk/log/tmp.7ABCD12";
 
-static void write(const fs::path& file, const std::string& text)
+void write(const fs::path& file, const std::string& text)
 {
     std::ofstream(file, std::ios::binary) << text;
 }
 
 /// A log of so many lines, and so many bytes each, that no two lines are alike.
-static std::string earlierLog(int lines, int bytes)
+std::string earlierLog(int lines, int bytes)
 {
     std::ostringstream text;
     for (int line = 1; line <= lines; ++line) {
@@ -124,7 +127,7 @@ static std::string earlierLog(int lines, int bytes)
     return text.str();
 }
 
-static std::string shortLog()
+std::string shortLog()
 {
     return earlierLog(3, 60);
 }
@@ -132,19 +135,19 @@ static std::string shortLog()
 constexpr int lineToCut = 299; ///< bytes
 
 /// Above 3,000,000 bytes, where a log is cut to its lines from 10,000 on.
-static std::string logToCut()
+std::string logToCut()
 {
     return earlierLog(10'040, lineToCut);
 }
 
 /// Above 3,010,000 bytes, where a log is removed.
-static std::string logToRemove()
+std::string logToRemove()
 {
     return earlierLog(10'100, 300);
 }
 
 /// Links to other files at all names that a run makes anew.
-static void layLinks(const fs::path& var)
+void layLinks(const fs::path& var)
 {
     fs::remove(var / ownDocument);
     fs::create_symlink(fs::path("/var") / neighbourDocument, var / ownDocument);
@@ -153,7 +156,7 @@ static void layLinks(const fs::path& var)
     fs::create_symlink(fs::path("/var") / neighbourLog, (var / ownLog).string() + "01");
 }
 
-static json withoutPartner()
+json withoutPartner()
 {
     json facility = bundled("small.json");
     facility["systems"].erase("9999-B2C*7ABCD34");
@@ -163,7 +166,7 @@ static json withoutPartner()
 }
 
 /// Failures that the run outlives but reports: ports in error, sessions that do not end.
-static json reportedFaults()
+json reportedFaults()
 {
     const json portsInError = {{"class", "Orvik.TarnScsiHostPort"},
                                {"error", {{"number", 0x30002}, {"message", "no ports\n"}}}};
@@ -228,7 +231,7 @@ struct Case {
 };
 
 /// The run's "var" is a link to the case's folder, which outlives the run.
-static void layOut(const Case& run, const fs::path& root)
+void layOut(const Case& run, const fs::path& root)
 {
     const Setup& setup = *run.ground->setup;
     const fs::path var = run.var();
@@ -243,7 +246,7 @@ static void layOut(const Case& run, const fs::path& root)
     setup.lay(var);
 }
 
-static Plan planOf(const Case& run)
+Plan planOf(const Case& run)
 {
     const Setup& setup = *run.ground->setup;
     Plan plan;
@@ -266,7 +269,7 @@ static Plan planOf(const Case& run)
 }
 
 /// The interposer's report: how often each kind was called, and under "failed" how many calls it made fail.
-static std::map<std::string, unsigned long> readReport(const Case& run)
+std::map<std::string, unsigned long> readReport(const Case& run)
 {
     std::map<std::string, unsigned long> calls;
     std::ifstream file(run.report());
@@ -276,20 +279,20 @@ static std::map<std::string, unsigned long> readReport(const Case& run)
     return calls;
 }
 
-static std::string textOf(const fs::path& file)
+std::string textOf(const fs::path& file)
 {
     return kordTest::readFile(file).value_or("");
 }
 
 // ---- the judge ----
 
-static void add(Findings& findings, const std::string& what)
+void add(Findings& findings, const std::string& what)
 {
     findings.push_back({Kind::broken, what});
 }
 
 /// A process that did not reach its end has left no report, and is judged for that.
-static void judgeMet(const Case& run, const Result& result, Findings& findings)
+void judgeMet(const Case& run, const Result& result, Findings& findings)
 {
     std::map<std::string, unsigned long> calls = readReport(run);
     const bool ended = result.outcome.status == 3 || result.outcome.status == 255;
@@ -297,7 +300,7 @@ static void judgeMet(const Case& run, const Result& result, Findings& findings)
 }
 
 /// The console lines of failures.
-static bool isFailureLine(const std::string& output)
+bool isFailureLine(const std::string& output)
 {
     static const std::regex line("(Start VALE session|Query Partner System|Check State|Query Partition|"
                                  "Query VALE (Id|Status|Partner Status)|(Orvik\\.TarnScsiHostPort Out of "
@@ -307,7 +310,7 @@ static bool isFailureLine(const std::string& output)
 
 /// No failure of the system changes how a run ends, but for want of memory for the hosts' descriptions, and
 /// what the client makes of its own failures.
-static bool endsAsItMay(const Case& run, const kordTest::Outcome& outcome)
+bool endsAsItMay(const Case& run, const kordTest::Outcome& outcome)
 {
     const Setup& setup = *run.ground->setup;
     const bool asUsual = outcome.status == setup.status && outcome.output == setup.output;
@@ -322,7 +325,7 @@ static bool endsAsItMay(const Case& run, const kordTest::Outcome& outcome)
     return asUsual;
 }
 
-static void judgeEnding(const Case& run, const Result& result, Findings& findings)
+void judgeEnding(const Case& run, const Result& result, Findings& findings)
 {
     if (endsAsItMay(run, result.outcome)) return;
     add(findings, "status " + std::to_string(result.outcome.status) + ", output " +
@@ -330,7 +333,7 @@ static void judgeEnding(const Case& run, const Result& result, Findings& finding
 }
 
 /// The trace lines, but for the one that holds the time.
-static Texts linesOf(const Result& result)
+Texts linesOf(const Result& result)
 {
     Texts lines;
     for (const kordTest::TraceLine& line : result.trace) {
@@ -340,7 +343,7 @@ static Texts linesOf(const Result& result)
 }
 
 /// The calls that neither write the trace nor change what it tells.
-static bool leavesTheTraceAlone(const Case& run)
+bool leavesTheTraceAlone(const Case& run)
 {
     const bool goesOn = run.way->word == std::string_view("short") || run.way->error == EINTR;
     return run.fails({"fchmod", "setvbuf", "streamWrite", "streamClose", "consoleWrite", "time", "localtime",
@@ -349,7 +352,7 @@ static bool leavesTheTraceAlone(const Case& run)
 }
 
 /// A line whose own calls fail is lost, and no other.
-static void judgeLines(const Case& run, const Result& result, Findings& findings)
+void judgeLines(const Case& run, const Result& result, Findings& findings)
 {
     const Texts& regular = run.ground->trace;
     const Texts lines = linesOf(result);
@@ -363,7 +366,7 @@ static void judgeLines(const Case& run, const Result& result, Findings& findings
 }
 
 /// The last line says how the run ended, unless its own calls fail.
-static void judgeClosing(const Case& run, const Result& result, Findings& findings)
+void judgeClosing(const Case& run, const Result& result, Findings& findings)
 {
     const bool isLast = run.onward || run.nth >= run.ground->calls.at(std::string(run.way->call));
     if (isLast && run.fails({"open", "statx", "write", "close"})) return;
@@ -374,7 +377,7 @@ static void judgeClosing(const Case& run, const Result& result, Findings& findin
 
 /// A document without its time, and without the consoles: the name of one is made of its type-model and
 /// serial, which are unknown where their commands fail. One that is cut off leaves nothing.
-static std::string comparable(const std::string& document)
+std::string comparable(const std::string& document)
 {
     constexpr std::string_view end = "</Resource>\n";
     std::string text = kordTest::withFixedTimestamp(document);
@@ -389,14 +392,14 @@ static std::string comparable(const std::string& document)
 }
 
 /// What is wrong with a document; empty when nothing is.
-static std::string malformation(const std::string& document)
+std::string malformation(const std::string& document)
 {
     const kordTest::Document read = kordTest::readDocument(document);
     return read.faults.empty() ? "" : read.faults.front();
 }
 
 /// The document is whole; where its disk fails, it is cut off; where the run stops early, it is closed.
-static void judgeContent(const Case& run, const Result& result, Findings& findings)
+void judgeContent(const Case& run, const Result& result, Findings& findings)
 {
     const std::string found = comparable(result.document.value_or(""));
     const std::string& regular = run.ground->document;
@@ -410,7 +413,7 @@ static void judgeContent(const Case& run, const Result& result, Findings& findin
     }
 }
 
-static void judgeDocumentLeft(const Case& run, const Result& result, Findings& findings)
+void judgeDocumentLeft(const Case& run, const Result& result, Findings& findings)
 {
     const bool isStarted = run.ground->document != earlierDocument;
     const bool isEmpty = result.document.value_or("").empty();
@@ -428,7 +431,7 @@ static void judgeDocumentLeft(const Case& run, const Result& result, Findings& f
 
 /// What was in the log is still there, but for what a log of its size loses. One that can never be cut grows
 /// until it is removed.
-static void judgeLog(const Case& run, const Result& result, Findings& findings)
+void judgeLog(const Case& run, const Result& result, Findings& findings)
 {
     constexpr size_t cutAbove = 3'000'000;
     constexpr size_t removeAbove = 3'010'000;
@@ -443,7 +446,7 @@ static void judgeLog(const Case& run, const Result& result, Findings& findings)
     if (!isLarge || (!result.log.starts_with(kept) && !isNeverCut)) add(findings, "the trace log lost lines");
 }
 
-static void judgeLogFiles(const Case& run, Findings& findings)
+void judgeLogFiles(const Case& run, Findings& findings)
 {
     const fs::path log = run.var() / ownLog;
     std::error_code absent;
@@ -459,7 +462,7 @@ static void judgeLogFiles(const Case& run, Findings& findings)
     }
 }
 
-static void judgeNeighbours(const Case& run, Findings& findings)
+void judgeNeighbours(const Case& run, Findings& findings)
 {
     for (const char* neighbour : {neighbourDocument, neighbourLog}) {
         const std::string found = textOf(run.var() / neighbour);
@@ -468,7 +471,7 @@ static void judgeNeighbours(const Case& run, Findings& findings)
 }
 
 /// The simulated client has no answer to want of memory: it ends the process.
-static bool endedByClient(const Case& run, const kordTest::Outcome& outcome)
+bool endedByClient(const Case& run, const kordTest::Outcome& outcome)
 {
     constexpr int aborted = 134;
     const bool saidSo = outcome.error.find("bad_alloc") != std::string::npos ||
@@ -478,7 +481,7 @@ static bool endedByClient(const Case& run, const kordTest::Outcome& outcome)
 
 /// What the client handed out came back to it. Its own account of fetched records misses those that fail
 /// here, and is of no use where the client itself fails.
-static void judgeHeld(const Case& run, const Plan& plan, const Result& result, Findings& findings)
+void judgeHeld(const Case& run, const Plan& plan, const Result& result, Findings& findings)
 {
     if (run.fails({"clientMemory"})) return;
     if (!run.fails({"errorRecord", "errorMessage"})) return judgeReleases(plan, result, findings);
@@ -489,7 +492,7 @@ static void judgeHeld(const Case& run, const Plan& plan, const Result& result, F
     }
 }
 
-static void judgeSystem(const Case& run, const Plan& plan, const Result& result, Findings& findings)
+void judgeSystem(const Case& run, const Plan& plan, const Result& result, Findings& findings)
 {
     judgeMet(run, result, findings);
     judgeLog(run, result, findings);
@@ -509,8 +512,7 @@ static void judgeSystem(const Case& run, const Plan& plan, const Result& result,
 // ---- the plan ----
 
 /// Runs a setup while nothing of the system fails. It ends as it should, or the sweep would prove nothing.
-static std::shared_ptr<const Ground> groundOf(const std::shared_ptr<kordTest::TempFolder>& home,
-                                              const Setup& setup)
+std::shared_ptr<const Ground> groundOf(const std::shared_ptr<kordTest::TempFolder>& home, const Setup& setup)
 {
     auto ground = std::make_shared<Ground>();
     ground->setup = &setup;
@@ -529,7 +531,7 @@ static std::shared_ptr<const Ground> groundOf(const std::shared_ptr<kordTest::Te
 }
 
 /// Which of so many calls fail in turn.
-static std::vector<unsigned long> numbers(unsigned long count, unsigned long every)
+std::vector<unsigned long> numbers(unsigned long count, unsigned long every)
 {
     std::vector<unsigned long> chosen;
     for (unsigned long n = 1; n <= count; ++n) {
@@ -539,7 +541,7 @@ static std::vector<unsigned long> numbers(unsigned long count, unsigned long eve
 }
 
 /// In the short form: the first two, one between and the last.
-static std::vector<unsigned long> fewOf(unsigned long count)
+std::vector<unsigned long> fewOf(unsigned long count)
 {
     if (count <= 2) return numbers(count, count);
     std::vector<unsigned long> chosen = {1, 2, (count + 1) / 2, count};
@@ -548,13 +550,13 @@ static std::vector<unsigned long> fewOf(unsigned long count)
 }
 
 /// In the short form, too, each rare call of the first setup fails in turn.
-static bool isSweptInShort(const Setup& setup, unsigned long count, bool onward)
+bool isSweptInShort(const Setup& setup, unsigned long count, bool onward)
 {
     constexpr unsigned long rare = 25;
     return &setup == std::begin(setups) && count <= rare && !onward;
 }
 
-static void addPlan(std::vector<Plan>& plans, const Case& run)
+void addPlan(std::vector<Plan>& plans, const Case& run)
 {
     Plan plan = planOf(run);
     plan.judge = [run](const Plan& planned, const Result& result, Findings& findings) {
@@ -564,7 +566,7 @@ static void addPlan(std::vector<Plan>& plans, const Case& run)
     plans.push_back(std::move(plan));
 }
 
-static void addWay(std::vector<Plan>& plans, Case run, const SystemWay& way, bool isFull)
+void addWay(std::vector<Plan>& plans, Case run, const SystemWay& way, bool isFull)
 {
     const Setup& setup = *run.ground->setup;
     const auto counted = run.ground->calls.find(std::string(way.call));
@@ -589,7 +591,7 @@ static void addWay(std::vector<Plan>& plans, Case run, const SystemWay& way, boo
 }
 
 /// The functions of a program or library that `nm` lists with the option.
-static Texts symbols(const char* option, const fs::path& file)
+Texts symbols(const char* option, const fs::path& file)
 {
     const kordTest::Outcome listed =
         kordTest::runProcess({.arguments = {KORD_NM, "-D", "-j", option, file}, .folder = {}});
@@ -601,7 +603,7 @@ static Texts symbols(const char* option, const fs::path& file)
 }
 
 /// A call of the collector that nobody has thought of would go unswept.
-[[maybe_unused]] static void requireKnownCalls()
+[[maybe_unused]] void requireKnownCalls()
 {
     const Texts interposed = symbols("--defined-only", KORD_INTERPOSER);
     for (const std::string& name : symbols("--undefined-only", collector())) {
@@ -611,6 +613,8 @@ static Texts symbols(const char* option, const fs::path& file)
         if (!known) throw std::runtime_error("the collector calls " + name + ", which nothing makes fail");
     }
 }
+
+} // namespace
 
 /// The short form has the first setup's runs, and of all others' a share.
 std::vector<Plan> planSystem(const Options& options)

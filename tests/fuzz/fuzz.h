@@ -30,29 +30,29 @@ inline void require(bool holds, const char* property)
 class Input
 {
 public:
-    Input(const uint8_t* data, size_t size) : rest_(reinterpret_cast<const char*>(data), size) {}
+    Input(const uint8_t* data, size_t size) : rest(reinterpret_cast<const char*>(data), size) {}
 
     /// The next byte as a number; 0 behind the end.
     size_t number()
     {
-        if (rest_.empty()) return 0;
-        const auto byte = static_cast<unsigned char>(rest_.front());
-        rest_.remove_prefix(1);
+        if (rest.empty()) return 0;
+        const auto byte = static_cast<unsigned char>(rest.front());
+        rest.remove_prefix(1);
         return byte;
     }
 
     /// The text up to the next line feed, which goes too.
     std::string line()
     {
-        const size_t end = rest_.find('\n');
-        const std::string text = terminated(rest_.substr(0, end));
-        rest_.remove_prefix(end == std::string_view::npos ? rest_.size() : end + 1);
+        const size_t end = rest.find('\n');
+        const std::string text = terminated(rest.substr(0, end));
+        rest.remove_prefix(end == std::string_view::npos ? rest.size() : end + 1);
         return text;
     }
 
     /// All that is left.
-    [[nodiscard]] std::string text() const { return terminated(rest_); }
-    [[nodiscard]] std::string_view bytes() const { return rest_; }
+    [[nodiscard]] std::string text() const { return terminated(rest); }
+    [[nodiscard]] std::string_view bytes() const { return rest; }
 
 private:
     /// A C text ends at its first NUL.
@@ -61,43 +61,43 @@ private:
         return std::string(text.substr(0, text.find('\0')));
     }
 
-    std::string_view rest_;
+    std::string_view rest;
 };
 
 /// A field of some size that knows when something was written around it.
 class Field
 {
 public:
-    explicit Field(size_t size) : bytes_(size + 2 * guard, mark), size_(size) {}
+    explicit Field(size_t length) : guarded(length + 2 * guard, mark), size(length) {}
 
-    operator std::span<char>() { return {bytes_.data() + guard, size_}; }
+    operator std::span<char>() { return {guarded.data() + guard, size}; }
 
     /// What the field holds.
     [[nodiscard]] std::string text() const
     {
-        const std::string_view all = bytes_;
+        const std::string_view all = guarded;
         require(all.substr(0, guard).find_first_not_of(mark) == std::string_view::npos,
                 "nothing before a field");
-        require(all.substr(guard + size_).find_first_not_of(mark) == std::string_view::npos,
+        require(all.substr(guard + size).find_first_not_of(mark) == std::string_view::npos,
                 "nothing behind a field");
-        const std::string_view held = all.substr(guard, size_);
+        const std::string_view held = all.substr(guard, size);
         const size_t end = held.find('\0');
-        require(size_ == 0 || end != std::string_view::npos, "a field's text is terminated");
+        require(size == 0 || end != std::string_view::npos, "a field's text is terminated");
         return std::string(held.substr(0, end));
     }
 
     /// A text as the field can hold it.
     [[nodiscard]] std::string cut(const std::string& text) const
     {
-        return text.substr(0, size_ == 0 ? 0 : size_ - 1);
+        return text.substr(0, size == 0 ? 0 : size - 1);
     }
 
 private:
     static constexpr size_t guard = 16;
     static constexpr char mark = '#';
 
-    std::string bytes_;
-    size_t size_;
+    std::string guarded;
+    size_t size;
 };
 
 } // namespace fuzz

@@ -28,9 +28,9 @@ protected:
         const std::string build = KORD_BUILD_DIR;
         const Command command{.arguments = {build + "/bin/kord-console", "run", "--facility",
                                             std::string(KORD_SOURCE_DIR) + "/console/facilities/small.json",
-                                            "--root", folder_.path() / "root", "--",
+                                            "--root", folder.path() / "root", "--",
                                             build + "/bin/addTarnKord", "x", mtms},
-                              .folder = folder_.path()};
+                              .folder = folder.path()};
         const std::optional<CallRecord> record = recordSystemCalls(command, "addTarnKord");
         unsetenv("ASAN_OPTIONS");
         if (!record) {
@@ -40,30 +40,30 @@ protected:
             GTEST_SKIP() << "ptrace is forbidden";
         }
         ASSERT_EQ(record->status, 3);
-        calls_ = record->calls;
-        ASSERT_FALSE(calls_.empty());
+        calls = record->calls;
+        ASSERT_FALSE(calls.empty());
     }
 
     /// The calls on files whose path ends like this; of one name, if it is given.
     [[nodiscard]] long count(const std::string& fileEnd, const std::string& name = "") const
     {
-        return std::ranges::count_if(calls_, [&](const SystemCall& call) {
+        return std::ranges::count_if(calls, [&](const SystemCall& call) {
             return call.file.ends_with(fileEnd) && (name.empty() || call.name == name);
         });
     }
 
     [[nodiscard]] long processesMade() const
     {
-        return std::ranges::count_if(calls_, [](const SystemCall& call) {
+        return std::ranges::count_if(calls, [](const SystemCall& call) {
             return call.name == "clone" || call.name == "clone3" || call.name.ends_with("fork");
         });
     }
 
-    [[nodiscard]] std::filesystem::path root() const { return folder_.path() / "root"; }
+    [[nodiscard]] std::filesystem::path root() const { return folder.path() / "root"; }
 
 private:
-    TempFolder folder_;
-    std::vector<SystemCall> calls_;
+    TempFolder folder;
+    std::vector<SystemCall> calls;
 };
 
 constexpr long commandsOfARun =

@@ -13,7 +13,12 @@ namespace kordTest
 using nlohmann::json;
 namespace fs = std::filesystem;
 
-static constexpr const char* successLine = "XML file was built successfully. This is the normal return.\n";
+namespace
+{
+
+constexpr const char* successLine = "XML file was built successfully. This is the normal return.\n";
+
+} // namespace
 
 std::string NumberedLines::line(int number) const
 {
@@ -23,15 +28,18 @@ std::string NumberedLines::line(int number) const
     return text;
 }
 
+namespace
+{
+
 /// The fields of one JSON object, each taken once.
 class Fields
 {
 public:
-    Fields(const json& object, std::string place) : object_(object), place_(std::move(place))
+    Fields(const json& from, std::string where) : object(from), place(std::move(where))
     {
-        if (!object.is_object()) throw std::runtime_error(place_ + ": not an object");
+        if (!object.is_object()) throw std::runtime_error(place + ": not an object");
         for (const auto& [key, value] : object.items()) {
-            left_.insert(key);
+            left.insert(key);
         }
     }
 
@@ -50,20 +58,20 @@ public:
     template <typename T>
     void require(const char* key, T& value)
     {
-        if (!object_.contains(key)) throw std::runtime_error(place_ + ": no \"" + key + "\"");
+        if (!object.contains(key)) throw std::runtime_error(place + ": no \"" + key + "\"");
         take(key, value);
     }
 
     const json* find(const char* key)
     {
-        left_.erase(key);
-        const auto field = object_.find(key);
-        return field == object_.end() ? nullptr : &*field;
+        left.erase(key);
+        const auto field = object.find(key);
+        return field == object.end() ? nullptr : &*field;
     }
 
     void finish() const
     {
-        if (!left_.empty()) throw std::runtime_error(place_ + ": unknown key \"" + *left_.begin() + "\"");
+        if (!left.empty()) throw std::runtime_error(place + ": unknown key \"" + *left.begin() + "\"");
     }
 
 private:
@@ -73,13 +81,13 @@ private:
         try {
             return field.get<T>();
         } catch (const json::exception&) {
-            throw std::runtime_error(place_ + ": \"" + key + "\" is of another type");
+            throw std::runtime_error(place + ": \"" + key + "\" is of another type");
         }
     }
 
-    const json& object_;
-    std::string place_;
-    std::set<std::string> left_;
+    const json& object;
+    std::string place;
+    std::set<std::string> left;
 };
 
 /// Spreads one case out into plain ones: rows of tables, variants, and whatever its texts refer to by name.
@@ -290,7 +298,7 @@ private:
     std::vector<json> plain;
 };
 
-static FileState readFileState(const json& object, const std::string& place)
+FileState readFileState(const json& object, const std::string& place)
 {
     FileState state;
     Fields fields(object, place);
@@ -317,7 +325,7 @@ static FileState readFileState(const json& object, const std::string& place)
     return state;
 }
 
-static std::vector<FileState> readFileStates(const json* list, const std::string& place)
+std::vector<FileState> readFileStates(const json* list, const std::string& place)
 {
     std::vector<FileState> states;
     if (list == nullptr) return states;
@@ -327,7 +335,7 @@ static std::vector<FileState> readFileStates(const json* list, const std::string
     return states;
 }
 
-static std::vector<Event> readEvents(const json* list, const std::string& place)
+std::vector<Event> readEvents(const json* list, const std::string& place)
 {
     std::vector<Event> events;
     if (list == nullptr) return events;
@@ -339,7 +347,7 @@ static std::vector<Event> readEvents(const json* list, const std::string& place)
     return events;
 }
 
-static DocumentState readDocumentState(const json* object, const std::string& place)
+DocumentState readDocumentState(const json* object, const std::string& place)
 {
     DocumentState state;
     if (object == nullptr) return state;
@@ -360,7 +368,7 @@ static DocumentState readDocumentState(const json* object, const std::string& pl
     return state;
 }
 
-static void readGiven(Fields& fields, RunCase& run, const std::string& place)
+void readGiven(Fields& fields, RunCase& run, const std::string& place)
 {
     run.facility = "small.json";
     run.patch = json::array();
@@ -375,7 +383,7 @@ static void readGiven(Fields& fields, RunCase& run, const std::string& place)
     fields.take("missing", run.missing);
 }
 
-static void readExpected(Fields& fields, RunCase& run, const std::string& place)
+void readExpected(Fields& fields, RunCase& run, const std::string& place)
 {
     fields.take("status", run.status);
     run.output = successLine;
@@ -404,7 +412,7 @@ static void readExpected(Fields& fields, RunCase& run, const std::string& place)
     fields.take("left", run.left);
 }
 
-static RunCase readCase(const json& object, const std::string& prefix)
+RunCase readCase(const json& object, const std::string& prefix)
 {
     RunCase run;
     Fields fields(object, prefix);
@@ -420,6 +428,8 @@ static RunCase readCase(const json& object, const std::string& prefix)
     fields.finish();
     return run;
 }
+
+} // namespace
 
 std::ostream& operator<<(std::ostream& stream, const RunCase& run)
 {
@@ -460,13 +470,16 @@ std::vector<RunCase> readCases(const json& file, const json& fragments, const st
     return runs;
 }
 
-static json parseFile(const fs::path& file)
+namespace
+{
+
+json parseFile(const fs::path& file)
 {
     std::ifstream stream(file);
     return json::parse(stream);
 }
 
-static std::vector<fs::path> caseFiles(const fs::path& folder)
+std::vector<fs::path> caseFiles(const fs::path& folder)
 {
     std::vector<fs::path> files;
     for (const auto& entry : fs::directory_iterator(folder)) {
@@ -475,6 +488,8 @@ static std::vector<fs::path> caseFiles(const fs::path& folder)
     std::sort(files.begin(), files.end());
     return files;
 }
+
+} // namespace
 
 std::string expandedFolder(const fs::path& folder, const fs::path& fragments, const std::string& only)
 {

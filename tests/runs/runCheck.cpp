@@ -34,10 +34,15 @@ bool matches(const std::string& pattern, const std::string& text)
     return false;
 }
 
-static std::string lineOf(const Texts& lines, size_t index)
+namespace
+{
+
+std::string lineOf(const Texts& lines, size_t index)
 {
     return index < lines.size() ? "\"" + lines[index] + "\"" : "(nothing)";
 }
+
+} // namespace
 
 std::string difference(const Texts& expected, const Texts& found)
 {
@@ -73,7 +78,10 @@ std::string missingStretch(const Texts& expected, const Texts& found)
     return missing.empty() ? "the lines from \"" + expected[0] + "\" on are not in one stretch" : missing;
 }
 
-static std::string forbiddenLine(const Texts& forbidden, const Texts& found)
+namespace
+{
+
+std::string forbiddenLine(const Texts& forbidden, const Texts& found)
 {
     for (const std::string& line : found) {
         for (const std::string& pattern : forbidden) {
@@ -127,14 +135,14 @@ struct Finished {
 
 // ---- before the run ----
 
-static void writeFile(const fs::path& file, const std::string& text)
+void writeFile(const fs::path& file, const std::string& text)
 {
     std::ofstream stream(file, std::ios::binary);
     stream << text;
     if (!stream.flush()) throw std::runtime_error(file.string() + ": cannot be written");
 }
 
-static std::string numberedText(const NumberedLines& lines)
+std::string numberedText(const NumberedLines& lines)
 {
     std::string text;
     for (int number = 1; number <= lines.count; ++number) {
@@ -143,7 +151,7 @@ static std::string numberedText(const NumberedLines& lines)
     return text;
 }
 
-static void layOut(const FileState& state, const Finished& finished)
+void layOut(const FileState& state, const Finished& finished)
 {
     const fs::path file = finished.root / state.file;
     fs::create_directories(file.parent_path());
@@ -154,7 +162,7 @@ static void layOut(const FileState& state, const Finished& finished)
     if (state.mode) fs::permissions(file, static_cast<fs::perms>(*state.mode));
 }
 
-static void writeFacility(const RunCase& run, const fs::path& folder, const fs::path& file)
+void writeFacility(const RunCase& run, const fs::path& folder, const fs::path& file)
 {
     json facility = json::parse(readFile(folder / run.facility).value_or(""));
     facility = facility.patch(run.patch);
@@ -163,7 +171,7 @@ static void writeFacility(const RunCase& run, const fs::path& folder, const fs::
 }
 
 /// The collector's call; folders that must be missing are removed once the launcher has laid them out.
-static Texts programOf(const Finished& finished)
+Texts programOf(const Finished& finished)
 {
     Texts program = {"addTarnKord"};
     if (!finished.run.missing.empty()) {
@@ -181,7 +189,7 @@ static Texts programOf(const Finished& finished)
 
 // ---- what holds for every run ----
 
-static const json* exitLine(const Finished& finished)
+const json* exitLine(const Finished& finished)
 {
     for (const json& line : finished.journal) {
         if (line.value("vale", "") == "exit") return &line;
@@ -189,14 +197,14 @@ static const json* exitLine(const Finished& finished)
     return nullptr;
 }
 
-static bool usedClient(const Finished& finished)
+bool usedClient(const Finished& finished)
 {
     return std::any_of(finished.journal.begin(), finished.journal.end(),
                        [](const json& line) { return line.contains("vale"); });
 }
 
 /// Every session ended, every answer, error record and message released, every client fault rule met.
-static void checkExit(Finished& finished)
+void checkExit(Finished& finished)
 {
     if (!usedClient(finished)) return;
     const json* line = exitLine(finished);
@@ -214,7 +222,7 @@ static void checkExit(Finished& finished)
 }
 
 /// A failed call's record is fetched, then its message; the message is released, then the record.
-static void checkErrorRecords(Finished& finished)
+void checkErrorRecords(Finished& finished)
 {
     static const Texts order = {"get_error", "get_errmsg", "rel_errmsg", "rel_error"};
     size_t next = 0;
@@ -227,13 +235,13 @@ static void checkErrorRecords(Finished& finished)
     }
 }
 
-static bool startsWith(const json& line, const std::string& text)
+bool startsWith(const json& line, const std::string& text)
 {
     return line.value("program", "").starts_with(text);
 }
 
 /// A program's line as the command that it was.
-static Texts commandOf(const json& line)
+Texts commandOf(const json& line)
 {
     Texts command = line["arguments"];
     command.insert(command.begin(), line["program"].get<std::string>());
@@ -242,7 +250,7 @@ static Texts commandOf(const json& line)
 
 /// For any user but root the console's programs are run by the wrapper, but for those that only read the
 /// console's own data; for root none is. A log's removal always is.
-static void checkWrapper(Finished& finished)
+void checkWrapper(Finished& finished)
 {
     for (size_t i = 0; i < finished.journal.size(); ++i) {
         const json& line = finished.journal[i];
@@ -258,7 +266,7 @@ static void checkWrapper(Finished& finished)
     }
 }
 
-static std::vector<json> eventLines(const Finished& finished)
+std::vector<json> eventLines(const Finished& finished)
 {
     std::vector<json> lines;
     for (const json& line : finished.journal) {
@@ -267,7 +275,7 @@ static std::vector<json> eventLines(const Finished& finished)
     return lines;
 }
 
-static void checkEvents(Finished& finished)
+void checkEvents(Finished& finished)
 {
     const std::string mtms = finished.mtms();
     const std::string system = mtms.size() > 9 ? mtms.substr(0, 8) + "*" + mtms.substr(9, 7) : mtms;
@@ -287,14 +295,14 @@ static void checkEvents(Finished& finished)
 }
 
 /// The console's stamp, as the trace log writes it, of a moment.
-static std::string stampOf(time_t moment)
+std::string stampOf(time_t moment)
 {
     char text[32] = "";
     std::strftime(text, sizeof text, "%m%d%y %H:%M:%S", std::localtime(&moment));
     return text;
 }
 
-static bool isStampWithin(const std::string& stamp, time_t begin, time_t end)
+bool isStampWithin(const std::string& stamp, time_t begin, time_t end)
 {
     for (time_t moment = begin; moment <= end; ++moment) {
         if (stampOf(moment) == stamp) return true;
@@ -303,7 +311,7 @@ static bool isStampWithin(const std::string& stamp, time_t begin, time_t end)
 }
 
 /// Stamps lie within the run; the first of a text's lines has at most 79 characters, each further one 80.
-static void checkTraceForm(Finished& finished)
+void checkTraceForm(Finished& finished)
 {
     for (const TraceLine& line : finished.trace) {
         if (!isStampWithin(line.stamp, finished.begin, finished.end))
@@ -320,7 +328,7 @@ static void checkTraceForm(Finished& finished)
     }
 }
 
-static void checkLastTrace(Finished& finished)
+void checkLastTrace(Finished& finished)
 {
     if (finished.trace.empty() && !finished.run.lastTrace) return;
     const std::string exit = finished.run.status == 3 ? "3" : "-1";
@@ -332,7 +340,7 @@ static void checkLastTrace(Finished& finished)
 
 // ---- what the case says ----
 
-static void checkOutcome(Finished& finished)
+void checkOutcome(Finished& finished)
 {
     if (finished.outcome.timedOut) finished.fault("run", "did not end in time");
     finished.equal("status", std::to_string(finished.run.status), std::to_string(finished.outcome.status));
@@ -345,15 +353,15 @@ static void checkOutcome(Finished& finished)
     }
 }
 
-static void checkLines(Finished& finished, const std::string& where, const std::optional<Texts>& exact,
-                       const Texts& has, const Texts& lacks, const Texts& found)
+void checkLines(Finished& finished, const std::string& where, const std::optional<Texts>& exact,
+                const Texts& has, const Texts& lacks, const Texts& found)
 {
     if (exact) finished.fault(where, difference(finished.rooted(*exact), found));
     finished.fault(where, missingLine(finished.rooted(has), found));
     finished.fault(where, forbiddenLine(finished.rooted(lacks), found));
 }
 
-static void checkTrace(Finished& finished)
+void checkTrace(Finished& finished)
 {
     Texts joined;
     Texts raw;
@@ -368,7 +376,7 @@ static void checkTrace(Finished& finished)
     checkLastTrace(finished);
 }
 
-static void checkJournal(Finished& finished)
+void checkJournal(Finished& finished)
 {
     Texts all;
     Texts programs;
@@ -383,7 +391,7 @@ static void checkJournal(Finished& finished)
     checkLines(finished, "calls", run.calls, {}, {}, calls);
 }
 
-static void checkExactDocument(Finished& finished, const std::string& name, const std::string& document)
+void checkExactDocument(Finished& finished, const std::string& name, const std::string& document)
 {
     const fs::path file = finished.places.expected / name;
     const std::string found = withFixedTimestamp(document);
@@ -399,7 +407,7 @@ static void checkExactDocument(Finished& finished, const std::string& name, cons
     }
 }
 
-static void checkDocument(Finished& finished)
+void checkDocument(Finished& finished)
 {
     const DocumentState& expected = finished.run.document;
     const auto text = readFile(documentFile(finished.root, finished.mtms()));
@@ -428,7 +436,7 @@ static void checkDocument(Finished& finished)
     if (expected.exact) checkExactDocument(finished, *expected.exact, *text);
 }
 
-static std::string numberedFault(const FileState& state, const std::string& text)
+std::string numberedFault(const FileState& state, const std::string& text)
 {
     const Texts lines = splitLines(text);
     const int count = state.numbered->count - state.firstNumber + 1;
@@ -445,7 +453,7 @@ static std::string numberedFault(const FileState& state, const std::string& text
     return old == count ? "" : "holds " + std::to_string(old) + " old lines, not " + std::to_string(count);
 }
 
-static std::string contentFault(const FileState& state, const Finished& finished, const std::string& text)
+std::string contentFault(const FileState& state, const Finished& finished, const std::string& text)
 {
     if (state.content && text != finished.rooted(*state.content))
         return "holds \"" + text.substr(0, 200) + "\"";
@@ -455,7 +463,7 @@ static std::string contentFault(const FileState& state, const Finished& finished
     return state.numbered ? numberedFault(state, text) : "";
 }
 
-static std::string fileFault(const FileState& state, const Finished& finished)
+std::string fileFault(const FileState& state, const Finished& finished)
 {
     const fs::path file = finished.root / state.file;
     const fs::file_status status = fs::symlink_status(file);
@@ -473,7 +481,7 @@ static std::string fileFault(const FileState& state, const Finished& finished)
 }
 
 /// What lies in the console's three folders of results.
-static Texts filesLeft(const Finished& finished)
+Texts filesLeft(const Finished& finished)
 {
     Texts left;
     for (const char* folder : {"var/adm/stockmere/VPD", "var/tarnquay/log", "var/brisk/log"}) {
@@ -487,7 +495,7 @@ static Texts filesLeft(const Finished& finished)
     return left;
 }
 
-static void checkFiles(Finished& finished)
+void checkFiles(Finished& finished)
 {
     for (const FileState& state : finished.run.files) {
         finished.fault(state.file, fileFault(state, finished));
@@ -503,7 +511,7 @@ static void checkFiles(Finished& finished)
     if (!fs::is_empty(finished.folder)) finished.fault("working folder", "something was written there");
 }
 
-static void checkAll(Finished& finished)
+void checkAll(Finished& finished)
 {
     checkOutcome(finished);
     checkExit(finished);
@@ -515,6 +523,8 @@ static void checkAll(Finished& finished)
     checkDocument(finished);
     checkFiles(finished);
 }
+
+} // namespace
 
 std::vector<std::string> checkRun(const RunCase& run, const Places& places)
 {

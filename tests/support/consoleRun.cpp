@@ -65,13 +65,18 @@ std::vector<json> readJournal(const fs::path& root)
     return journal;
 }
 
+namespace
+{
+
 /// A program's argument as it stands when it is a plain word, else in JSON's quotes.
-static std::string argumentText(const std::string& argument)
+std::string argumentText(const std::string& argument)
 {
     constexpr const char* plain = "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789-_./*:=";
     const bool isPlain = !argument.empty() && argument.find_first_not_of(plain) == std::string::npos;
     return isPlain ? argument : json(argument).dump(-1, ' ', false, json::error_handler_t::replace);
 }
+
+} // namespace
 
 std::string commandText(const std::vector<std::string>& command)
 {
@@ -82,15 +87,18 @@ std::string commandText(const std::vector<std::string>& command)
     return text;
 }
 
+namespace
+{
+
 /// What follows an option, empty when it is not there.
-static std::string valueOf(const std::vector<std::string>& command, const std::string& option)
+std::string valueOf(const std::vector<std::string>& command, const std::string& option)
 {
     const auto found = std::find(command.begin(), command.end(), option);
     return found == command.end() || found + 1 == command.end() ? "" : *(found + 1);
 }
 
 /// "event", its reference code and its text for the event tool; the wrapper's path before what it runs.
-static std::string programText(std::vector<std::string> command)
+std::string programText(std::vector<std::string> command)
 {
     if (command[0] == "/opt/tarnquay/bin/mmquaycmd" && command.size() > 1) {
         command.erase(command.begin());
@@ -102,14 +110,14 @@ static std::string programText(std::vector<std::string> command)
                    : commandText(command);
 }
 
-static std::vector<std::string> commandOf(const json& line)
+std::vector<std::string> commandOf(const json& line)
 {
     std::vector<std::string> command = line.at("arguments");
     command.insert(command.begin(), line.at("program").get<std::string>());
     return command;
 }
 
-static std::string listText(const json& list)
+std::string listText(const json& list)
 {
     std::string text;
     for (const json& item : list) {
@@ -117,6 +125,8 @@ static std::string listText(const json& list)
     }
     return "[" + text + "]";
 }
+
+} // namespace
 
 std::string journalText(const json& line)
 {
@@ -142,8 +152,11 @@ std::string TraceLine::joined() const
     return whole;
 }
 
+namespace
+{
+
 /// The length of "071505 13:04:59", or 0 when the line does not begin with such a stamp and a blank.
-static size_t stampLength(const std::string& line)
+size_t stampLength(const std::string& line)
 {
     constexpr std::string_view shape = "dddddd dd:dd:dd ";
     if (line.size() < shape.size()) return 0;
@@ -153,6 +166,8 @@ static size_t stampLength(const std::string& line)
     }
     return shape.size() - 1;
 }
+
+} // namespace
 
 std::vector<TraceLine> readTrace(const fs::path& file)
 {

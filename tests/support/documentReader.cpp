@@ -13,6 +13,9 @@
 namespace kordTest
 {
 
+namespace
+{
+
 enum class Order { normal, reversed, both };
 
 struct Label {
@@ -22,7 +25,7 @@ struct Label {
 };
 
 // The misspelt labels are the document's own: consumers match them.
-static constexpr Label labels[] = {
+constexpr Label labels[] = {
     {.code = "S3", .label = "Storage Facility MTMS"},
     {.code = "S4", .label = "Storage Facility Image MTMS"},
     {.code = "EC", .label = "EC Level"},
@@ -57,7 +60,7 @@ static constexpr Label labels[] = {
     {.code = "LS", .label = "Logical Space Characteristics"},
 };
 
-static constexpr std::string_view listNames[] = {
+constexpr std::string_view listNames[] = {
     "Enclosures", "Enclosures Partitions",  "Partition Resources", "Global Resources",
     "Partitions", "Storage Configurations", "Array Sites",         "Arrays",
     "Ranks",      "Segment Pool",
@@ -69,7 +72,7 @@ struct Shape {
     std::string_view codes;
 };
 
-static constexpr Shape shapes[] = {
+constexpr Shape shapes[] = {
     {.displayName = "CEC", .codes = "S3"},
     {.displayName = "Orvik Non Volatile Control Card", .codes = "S4 PN SN EC"},
     {.displayName = "Larkspur", .codes = "S3 IF"},
@@ -94,11 +97,11 @@ static constexpr Shape shapes[] = {
     {.displayName = "Segment Pool", .codes = "S3 S4 CI LS DS YL"},
 };
 
-static constexpr std::string_view cardLists = "Enclosures Partitions";
-static constexpr std::string_view cardDrawer = "CEC";
+constexpr std::string_view cardLists = "Enclosures Partitions";
+constexpr std::string_view cardDrawer = "CEC";
 
 /// What stands between a line's fixed beginning and its fixed end.
-static std::optional<std::string> between(std::string_view line, std::string_view begin, std::string_view end)
+std::optional<std::string> between(std::string_view line, std::string_view begin, std::string_view end)
 {
     if (line.size() < begin.size() + end.size() || !line.starts_with(begin) || !line.ends_with(end)) {
         return std::nullopt;
@@ -107,15 +110,15 @@ static std::optional<std::string> between(std::string_view line, std::string_vie
 }
 
 /// The two values of a start tag, told apart at the text between them.
-static std::optional<std::pair<std::string, std::string>> splitAt(const std::string& text,
-                                                                  std::string_view separator)
+std::optional<std::pair<std::string, std::string>> splitAt(const std::string& text,
+                                                           std::string_view separator)
 {
     const size_t at = text.find(separator);
     if (at == std::string::npos) return std::nullopt;
     return std::pair{text.substr(0, at), text.substr(at + separator.size())};
 }
 
-static std::string codesOf(const Element& element)
+std::string codesOf(const Element& element)
 {
     std::string codes;
     for (const Property& property : element.properties) {
@@ -127,7 +130,7 @@ static std::string codesOf(const Element& element)
 class Reader
 {
 public:
-    explicit Reader(const std::string& text) : lines_(splitLines(text))
+    explicit Reader(const std::string& text) : lines(splitLines(text))
     {
         if (!text.ends_with('\n')) fault("the last line has no line feed");
     }
@@ -135,28 +138,28 @@ public:
     Document read()
     {
         readHead();
-        while (at_ < lines_.size() && lines_[at_] != "</ResourceSet>") {
+        while (at < lines.size() && lines[at] != "</ResourceSet>") {
             readElementLine();
         }
         readTail();
-        return std::move(document_);
+        return std::move(document);
     }
 
 private:
     void fault(const std::string& text)
     {
-        document_.faults.push_back("line " + std::to_string(at_ + 1) + ": " + text);
+        document.faults.push_back("line " + std::to_string(at + 1) + ": " + text);
     }
 
     [[nodiscard]] std::string line(size_t ahead = 0) const
     {
-        return at_ + ahead < lines_.size() ? lines_[at_ + ahead] : "";
+        return at + ahead < lines.size() ? lines[at + ahead] : "";
     }
 
     void expectLine(const std::string& expected)
     {
         if (line() == expected) {
-            ++at_;
+            ++at;
         } else {
             fault("\"" + line() + "\" stands where \"" + expected + "\" should");
         }
@@ -165,8 +168,8 @@ private:
     void readHead()
     {
         expectLine(R"(<?xml version="1.0" encoding="UTF-8"?>)");
-        document_.stylesheet = line() == R"(<?xml-stylesheet type="text/xsl" href="v03.xsl"?>)";
-        if (document_.stylesheet) ++at_;
+        document.stylesheet = line() == R"(<?xml-stylesheet type="text/xsl" href="v03.xsl"?>)";
+        if (document.stylesheet) ++at;
         expectLine(R"(<com.orvik.inventory verion="1.0">)");
 
         static const std::regex resourceSet(
@@ -174,8 +177,8 @@ private:
         std::smatch match;
         const std::string start = line();
         if (std::regex_match(start, match, resourceSet)) {
-            document_.timestamp = match[1];
-            ++at_;
+            document.timestamp = match[1];
+            ++at;
         } else {
             fault("\"" + start + "\" is no start of the resource set");
         }
@@ -183,18 +186,18 @@ private:
 
     void readTail()
     {
-        for (; !open_.empty(); close()) {
-            fault("\"" + open_.back().displayName + "\" is never closed");
+        for (; !openElements.empty(); close()) {
+            fault("\"" + openElements.back().displayName + "\" is never closed");
         }
-        if (document_.resources.size() > 1) fault("more than one managed system");
+        if (document.resources.size() > 1) fault("more than one managed system");
         expectLine("</ResourceSet>");
         expectLine("</com.orvik.inventory>");
-        if (at_ < lines_.size()) fault("text after the end: \"" + line() + "\"");
+        if (at < lines.size()) fault("text after the end: \"" + line() + "\"");
     }
 
     void readElementLine()
     {
-        const std::string& current = lines_[at_];
+        const std::string& current = lines[at];
         if (const auto list = between(current, R"(<ResourceList displayName=")", R"(">)")) {
             openList(*list);
         } else if (const auto resource = between(current, R"(<Resource displayName=")", R"(">)")) {
@@ -208,16 +211,16 @@ private:
         } else {
             fault("\"" + current + "\" is no element");
         }
-        ++at_;
+        ++at;
     }
 
-    [[nodiscard]] bool inList() const { return !open_.empty() && open_.back().list; }
-    [[nodiscard]] bool inResource() const { return !open_.empty() && !open_.back().list; }
+    [[nodiscard]] bool inList() const { return !openElements.empty() && openElements.back().list; }
+    [[nodiscard]] bool inResource() const { return !openElements.empty() && !openElements.back().list; }
 
     [[nodiscard]] bool inCardList() const
     {
-        return inList() && open_.back().displayName == cardLists && open_.size() > 1 &&
-               open_[open_.size() - 2].displayName == cardDrawer;
+        return inList() && openElements.back().displayName == cardLists && openElements.size() > 1 &&
+               openElements[openElements.size() - 2].displayName == cardDrawer;
     }
 
     void openList(const std::string& displayName)
@@ -227,7 +230,7 @@ private:
         if (std::find(std::begin(listNames), std::end(listNames), displayName) == std::end(listNames)) {
             fault("list \"" + displayName + "\" is not known");
         }
-        open_.push_back(
+        openElements.push_back(
             {.list = true, .displayName = displayName, .uniqueId = "", .properties = {}, .children = {}});
     }
 
@@ -236,22 +239,23 @@ private:
         const auto names = splitAt(tag, R"(" uniqueId=")");
         if (!names) fault("the resource has no identifier");
         const auto [displayName, uniqueId] = names.value_or(std::pair{tag, std::string()});
-        if (!open_.empty() && !inList()) fault("resource \"" + displayName + "\" is not inside a list");
-        if (line(1) == uniqueId && at_ + 1 < lines_.size()) {
-            ++at_;
+        if (!openElements.empty() && !inList())
+            fault("resource \"" + displayName + "\" is not inside a list");
+        if (line(1) == uniqueId && at + 1 < lines.size()) {
+            ++at;
         } else {
             fault("\"" + line(1) + "\" stands where the identifier \"" + uniqueId + "\" should");
         }
-        open_.push_back({.list = false,
-                         .displayName = displayName,
-                         .uniqueId = uniqueId,
-                         .properties = {},
-                         .children = {}});
+        openElements.push_back({.list = false,
+                                .displayName = displayName,
+                                .uniqueId = uniqueId,
+                                .properties = {},
+                                .children = {}});
     }
 
     void closeMissing()
     {
-        ++document_.missingClosings;
+        ++document.missingClosings;
         close();
     }
 
@@ -259,8 +263,8 @@ private:
     {
         if (inList()) {
             close();
-        } else if (inResource() && open_.back().displayName == cardDrawer) {
-            ++document_.extraClosings;
+        } else if (inResource() && openElements.back().displayName == cardDrawer) {
+            ++document.extraClosings;
         } else {
             fault("the end of a list, but no list is open");
         }
@@ -270,7 +274,7 @@ private:
     {
         if (inCardList()) closeMissing();
         if (inResource()) {
-            checkResource(open_.back());
+            checkResource(openElements.back());
             close();
         } else {
             fault("the end of a resource, but no resource is open");
@@ -279,9 +283,9 @@ private:
 
     void close()
     {
-        Element element = std::move(open_.back());
-        open_.pop_back();
-        auto& siblings = open_.empty() ? document_.resources : open_.back().children;
+        Element element = std::move(openElements.back());
+        openElements.pop_back();
+        auto& siblings = openElements.empty() ? document.resources : openElements.back().children;
         siblings.push_back(std::move(element));
     }
 
@@ -302,8 +306,8 @@ private:
     void checkValue(const Element& resource, const Property& property)
     {
         if (property.code == "S3") {
-            if (!facility_) facility_ = property.value;
-            if (property.value != *facility_) fault("a second facility \"" + property.value + "\"");
+            if (!facility) facility = property.value;
+            if (property.value != *facility) fault("a second facility \"" + property.value + "\"");
         } else if (property.code == "DS" && property.value != resource.displayName) {
             fault("the DS of " + resource.displayName + " is \"" + property.value + "\"");
         } else if (property.code == "YL" && property.value != resource.uniqueId) {
@@ -316,23 +320,23 @@ private:
         Property property = readPropertyStart();
         const std::string prefix = R"(<Value type="string">)";
         std::string value = line(1);
-        ++at_;
-        while (!value.ends_with("</Value>") && at_ + 1 < lines_.size()) {
+        ++at;
+        while (!value.ends_with("</Value>") && at + 1 < lines.size()) {
             value += "\n" + line(1);
-            ++at_;
+            ++at;
         }
         if (const auto text = between(value, prefix, "</Value>")) {
             property.value = *text;
         } else {
             fault("\"" + value + "\" is no value");
         }
-        ++at_;
+        ++at;
         if (line() != "</Property>") fault("\"" + line() + "\" stands where the property should end");
         if (!inResource()) {
             fault("property " + property.code + " is not inside a resource");
         } else {
-            if (!open_.back().children.empty()) fault("property " + property.code + " after a list");
-            open_.back().properties.push_back(std::move(property));
+            if (!openElements.back().children.empty()) fault("property " + property.code + " after a list");
+            openElements.back().properties.push_back(std::move(property));
         }
     }
 
@@ -346,7 +350,7 @@ private:
                            : tag ? splitAt(*tag, R"(" displayName=")")
                                  : std::nullopt;
         if (!names) fault("\"" + line() + "\" is no start of a property");
-        ++at_;
+        ++at;
         Property property;
         property.code = line();
         if (names) checkLabel(property, names->first, names->second);
@@ -371,19 +375,24 @@ private:
         }
     }
 
-    std::vector<std::string> lines_;
-    size_t at_ = 0;
-    std::vector<Element> open_;
-    std::optional<std::string> facility_;
-    Document document_;
+    std::vector<std::string> lines;
+    size_t at = 0;
+    std::vector<Element> openElements;
+    std::optional<std::string> facility;
+    Document document;
 };
+
+} // namespace
 
 Document readDocument(const std::string& text)
 {
     return Reader(text).read();
 }
 
-static void outlineOf(const Element& element, size_t level, size_t depth, std::vector<std::string>& lines)
+namespace
+{
+
+void outlineOf(const Element& element, size_t level, size_t depth, std::vector<std::string>& lines)
 {
     if (level >= depth) return;
     const std::string indent(2 * level, ' ');
@@ -393,6 +402,8 @@ static void outlineOf(const Element& element, size_t level, size_t depth, std::v
         outlineOf(child, level + 1, depth, lines);
     }
 }
+
+} // namespace
 
 std::vector<std::string> outline(const Document& document, size_t depth)
 {

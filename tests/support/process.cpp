@@ -59,8 +59,11 @@ struct Pipe {
     _exit(126);
 }
 
+namespace
+{
+
 /// Takes what a pipe holds. False when its writers have closed it.
-static bool drain(int end, std::string& text)
+bool drain(int end, std::string& text)
 {
     std::array<char, 65536> buffer;
     const ssize_t count = read(end, buffer.data(), buffer.size());
@@ -69,7 +72,7 @@ static bool drain(int end, std::string& text)
 }
 
 /// Reads both pipes to their end. False when the limit passed first.
-static bool collect(Pipe& output, Pipe& error, Outcome& outcome, Clock::time_point limit)
+bool collect(Pipe& output, Pipe& error, Outcome& outcome, Clock::time_point limit)
 {
     while (output.ends[0] >= 0 || error.ends[0] >= 0) {
         const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(limit - Clock::now()).count();
@@ -81,6 +84,8 @@ static bool collect(Pipe& output, Pipe& error, Outcome& outcome, Clock::time_poi
     }
     return true;
 }
+
+} // namespace
 
 Outcome runProcess(const Command& command)
 {

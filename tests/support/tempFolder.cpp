@@ -16,13 +16,13 @@ TempFolder::TempFolder()
     if (mkdtemp(name.data()) == nullptr) {
         throw std::system_error(errno, std::generic_category(), name);
     }
-    path_ = name;
+    folder = name;
 }
 
 TempFolder::~TempFolder()
 {
     std::error_code ignored;
-    std::filesystem::remove_all(path_, ignored);
+    std::filesystem::remove_all(folder, ignored);
 }
 
 } // namespace kordTest

@@ -15,10 +15,10 @@ public:
     TempFolder(const TempFolder&) = delete;
     TempFolder& operator=(const TempFolder&) = delete;
 
-    [[nodiscard]] const std::filesystem::path& path() const { return path_; }
+    [[nodiscard]] const std::filesystem::path& path() const { return folder; }
 
 private:
-    std::filesystem::path path_;
+    std::filesystem::path folder;
 };
 
 } // namespace kordTest

@@ -132,17 +132,17 @@ class VitalProductData
 public:
     explicit VitalProductData(const std::string& script)
     {
-        std::filesystem::rename(program_, aside_);
-        unit::writeFile(program_, "#!/bin/sh\n" + script);
-        std::filesystem::permissions(program_, std::filesystem::perms::owner_all);
+        std::filesystem::rename(program, aside);
+        unit::writeFile(program, "#!/bin/sh\n" + script);
+        std::filesystem::permissions(program, std::filesystem::perms::owner_all);
     }
-    ~VitalProductData() { std::filesystem::rename(aside_, program_); }
+    ~VitalProductData() { std::filesystem::rename(aside, program); }
     VitalProductData(const VitalProductData&) = delete;
     VitalProductData& operator=(const VitalProductData&) = delete;
 
 private:
-    const std::string program_ = "/opt/brisk/bin/qconvpd";
-    const std::string aside_ = program_ + ".aside";
+    const std::string program = "/opt/brisk/bin/qconvpd";
+    const std::string aside = program + ".aside";
 };
 
 TEST(Console, takesTheTypeModelFromItsBrackets)

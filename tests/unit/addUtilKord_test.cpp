@@ -135,20 +135,20 @@ class WithoutOverride
 public:
     WithoutOverride()
     {
-        syscall(SYS_capget, &header_, before_);
-        __user_cap_data_struct data[] = {before_[0], before_[1]};
+        syscall(SYS_capget, &header, before);
+        __user_cap_data_struct data[] = {before[0], before[1]};
         data[0].effective &= ~((1U << CAP_DAC_OVERRIDE) | (1U << CAP_FOWNER));
-        dropped = syscall(SYS_capset, &header_, data) == 0;
+        dropped = syscall(SYS_capset, &header, data) == 0;
     }
-    ~WithoutOverride() { syscall(SYS_capset, &header_, before_); }
+    ~WithoutOverride() { syscall(SYS_capset, &header, before); }
     WithoutOverride(const WithoutOverride&) = delete;
     WithoutOverride& operator=(const WithoutOverride&) = delete;
 
     bool dropped = false;
 
 private:
-    __user_cap_header_struct header_ = {.version = _LINUX_CAPABILITY_VERSION_3, .pid = 0};
-    __user_cap_data_struct before_[2] = {};
+    __user_cap_header_struct header = {.version = _LINUX_CAPABILITY_VERSION_3, .pid = 0};
+    __user_cap_data_struct before[2] = {};
 };
 
 TEST(CommandRunner, writesToNothingThatStaysInTheWay)

@@ -20,59 +20,59 @@ ScriptedClient::ScriptedClient()
 ScriptedClient::~ScriptedClient()
 {
     current = nullptr;
-    EXPECT_EQ(script_.size(), 0U) << "calls never made";
-    EXPECT_EQ(held_.size(), 0U) << "answers, records or messages never released";
-    EXPECT_EQ(emptyAnswers_, 0U) << "empty answers never released";
+    EXPECT_EQ(script.size(), 0U) << "calls never made";
+    EXPECT_EQ(unreleased.size(), 0U) << "answers, records or messages never released";
+    EXPECT_EQ(emptyAnswers, 0U) << "empty answers never released";
 }
 
 int32_t ScriptedClient::play(const char* className, const char* selection, void** responses, uint32_t* count)
 {
     const std::string call = std::string(className) + " " + (selection != nullptr ? selection : "(none)");
-    if (script_.empty()) {
+    if (script.empty()) {
         ADD_FAILURE() << "a call that the script has not: " << call;
         return 1;
     }
-    const ScriptedCall next = script_.front();
-    script_.pop_front();
+    const ScriptedCall next = script.front();
+    script.pop_front();
     EXPECT_EQ(call, next.className + " " + next.selection);
     *responses = next.responses;
     *count = next.count;
     if (next.rc != 0) return next.rc;
     if (next.responses != nullptr)
-        held_.insert(next.responses);
+        unreleased.insert(next.responses);
     else
-        ++emptyAnswers_;
+        ++emptyAnswers;
     return 0;
 }
 
 int32_t ScriptedClient::release(const void* held)
 {
-    if (held == nullptr && emptyAnswers_ > 0) {
-        --emptyAnswers_;
+    if (held == nullptr && emptyAnswers > 0) {
+        --emptyAnswers;
         return 0;
     }
-    const auto found = held_.find(held);
-    if (found == held_.end()) {
+    const auto found = unreleased.find(held);
+    if (found == unreleased.end()) {
         ADD_FAILURE() << "released twice, or never handed out";
         return 1;
     }
-    held_.erase(found);
+    unreleased.erase(found);
     return 0;
 }
 
 int32_t ScriptedClient::giveRecord(ValeErrorHandle* record)
 {
-    if (!error_.hasRecord) return 1;
+    if (!lastError.hasRecord) return 1;
     *record = reinterpret_cast<ValeErrorHandle>(&theRecord);
-    held_.insert(&theRecord);
+    unreleased.insert(&theRecord);
     return 0;
 }
 
 int32_t ScriptedClient::giveMessage(const char** message)
 {
-    if (error_.message == nullptr) return 1;
-    *message = error_.message;
-    held_.insert(error_.message);
+    if (lastError.message == nullptr) return 1;
+    *message = lastError.message;
+    unreleased.insert(lastError.message);
     return 0;
 }
 

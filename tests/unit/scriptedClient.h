@@ -43,17 +43,17 @@ public:
     template <typename Response>
     void answers(std::string className, std::string selection, std::vector<Response>& responses)
     {
-        script_.push_back({std::move(className), std::move(selection), 0, responses.data(),
-                           static_cast<uint32_t>(responses.size())});
+        script.push_back({std::move(className), std::move(selection), 0, responses.data(),
+                          static_cast<uint32_t>(responses.size())});
     }
     void answersNothing(std::string className, std::string selection)
     {
-        script_.push_back({std::move(className), std::move(selection)});
+        script.push_back({std::move(className), std::move(selection)});
     }
     void fails(std::string className, std::string selection, int32_t rc, ScriptedError error)
     {
-        script_.push_back({std::move(className), std::move(selection), rc});
-        error_ = error;
+        script.push_back({std::move(className), std::move(selection), rc});
+        lastError = error;
     }
 
     int32_t play(const char* className, const char* selection, void** responses, uint32_t* count);
@@ -62,10 +62,10 @@ public:
     int32_t giveMessage(const char** message);
 
 private:
-    std::deque<ScriptedCall> script_;
-    ScriptedError error_;
-    std::multiset<const void*> held_;
-    size_t emptyAnswers_ = 0; ///< answers without responses, whose release carries a null
+    std::deque<ScriptedCall> script;
+    ScriptedError lastError;
+    std::multiset<const void*> unreleased;
+    size_t emptyAnswers = 0; ///< answers without responses, whose release carries a null
 };
 
 } // namespace unit
