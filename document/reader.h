@@ -7,19 +7,12 @@
 #pragma once
 
 #include "document/document.h"
+#include "document/input.h"
 
 #include <istream>
-#include <stdexcept>
 
 namespace document
 {
-
-/// What is wrong with a document: "FILE:LINE: what".
-class Malformed : public std::runtime_error
-{
-public:
-    using std::runtime_error::runtime_error;
-};
 
 /// \param name what failures call the document: its file
 Document read(std::istream& input, const std::string& name);

@@ -1,0 +1,611 @@
+#include "document/scanner.h"
+
+#include "document/references.h"
+#include "document/words.h"
+#include "platform/text.h"
+
+#include <algorithm>
+#include <cstring>
+
+namespace document
+{
+
+using namespace words;
+
+namespace
+{
+
+constexpr size_t block = size_t{256} << 10U;
+constexpr size_t longestHeadLine = 4096;
+constexpr uint64_t mostTagLines = 16; ///< a name and an identifier may hold line feeds
+constexpr size_t deepest = 32;        ///< documents are 7 elements deep
+
+std::string quoted(std::string_view text)
+{
+    constexpr size_t width = 60;
+    return '"' + platform::cutTo(platform::shown(text.substr(0, 4 * width)), width) + '"';
+}
+
+/// Letters and digits count to 36; anything else is 36.
+constexpr size_t placeOf(char character)
+{
+    if (character >= '0' && character <= '9') return static_cast<size_t>(character - '0');
+    if (character >= 'A' && character <= 'Z') return static_cast<size_t>(character - 'A') + 10;
+    return 36;
+}
+
+bool isCode(std::string_view text)
+{
+    return text.size() == 2 && placeOf(text[0]) < 36 && placeOf(text[1]) < 36;
+}
+
+size_t indexOf(std::string_view code)
+{
+    return placeOf(code[0]) * 36 + placeOf(code[1]);
+}
+
+bool isTimestamp(std::string_view text)
+{
+    const size_t point = text.find('.');
+    const auto number = [](std::string_view digits) {
+        return !digits.empty() && digits.find_first_not_of("0123456789") == std::string_view::npos;
+    };
+    return point != std::string_view::npos && number(text.substr(0, point)) && number(text.substr(point + 1));
+}
+
+} // namespace
+
+Scanner::Scanner(Input& fromInput, size_t longestAllowed)
+    : input(fromInput), longest(longestAllowed), bytes(block)
+{
+}
+
+// --- Bytes
+
+/// Reads on. \return false: there is no more
+bool Scanner::fill()
+{
+    if (atEnd) return false;
+    std::memmove(bytes.data(), bytes.data() + first, last - first);
+    last -= first;
+    first = 0;
+    if (last > longest) fault("an element is longer than " + std::to_string(longest >> 20U) + " MiB");
+    if (last == bytes.size()) bytes.resize(2 * bytes.size());
+    const size_t count = input.read(std::span(bytes).subspan(last));
+    last += count;
+    if (count > 0) return true;
+    atEnd = true;
+    // A whole document whose last line feed is lost is a whole document.
+    if (last == bytes.size()) bytes.resize(last + 1);
+    const std::string_view end(bytes.data(), last);
+    if (end != rootEnd && !end.ends_with("\n" + std::string(rootEnd))) return false;
+    bytes[last++] = '\n';
+    return true;
+}
+
+bool Scanner::have(size_t count)
+{
+    while (last - first < count) {
+        if (!fill()) {
+            ranOut = true;
+            return false;
+        }
+    }
+    return true;
+}
+
+/// The line that begins there, without its line feed. \return false: it has no end
+bool Scanner::lineAt(size_t from, Stretch& text)
+{
+    for (size_t searched = from;; searched = last - first) {
+        if (!have(searched + 1)) return false;
+        const char* const begin = bytes.data() + first + searched;
+        const void* const end = std::memchr(begin, '\n', last - first - searched);
+        if (end == nullptr) continue;
+        text = {.from = from, .to = searched + static_cast<size_t>(static_cast<const char*>(end) - begin)};
+        return true;
+    }
+}
+
+bool Scanner::startsWith(size_t from, std::string_view text)
+{
+    const size_t known = std::min(text.size(), last - first - std::min(from, last - first));
+    if (std::memcmp(bytes.data() + first + std::min(from, last - first), text.data(), known) != 0)
+        return false;
+    return have(from + text.size()) &&
+           std::memcmp(bytes.data() + first + from, text.data(), text.size()) == 0;
+}
+
+bool Scanner::isLine(size_t from, std::string_view text)
+{
+    return startsWith(from, text) && have(from + text.size() + 1) &&
+           bytes[first + from + text.size()] == '\n';
+}
+
+std::string_view Scanner::at(Stretch stretch) const
+{
+    return {bytes.data() + first + stretch.from, stretch.size()};
+}
+
+void Scanner::take(size_t count, uint64_t lines)
+{
+    taken = count;
+    takenLines = lines;
+}
+
+void Scanner::advance()
+{
+    first += taken;
+    line += takenLines;
+    take(0, 0);
+}
+
+// --- The frame
+
+void Scanner::start()
+{
+    expect(declaration);
+    const bool styled = isLine(0, stylesheet);
+    if (styled) expect(stylesheet);
+    expect(root);
+    const std::string_view text = headLine();
+    const bool whole = first + text.size() < last && bytes[first + text.size()] == '\n';
+    const bool set = whole && text.size() >= setStart.size() + tagEnd.size() && text.starts_with(setStart) &&
+                     text.ends_with(tagEnd);
+    const size_t length = set ? text.size() - setStart.size() - tagEnd.size() : 0;
+    const std::string_view timestamp = set ? text.substr(setStart.size(), length) : text;
+    if (!isTimestamp(timestamp)) fault(quoted(text) + " is no start of a resource set");
+    emit(Event::Kind::start);
+    event.timestamp = timestamp;
+    event.stylesheet = styled;
+    take(text.size() + 1, 1);
+}
+
+/// The next line, which is short, or as much of it as tells that it is not.
+std::string_view Scanner::headLine()
+{
+    have(longestHeadLine);
+    const std::string_view text(bytes.data() + first, std::min(last - first, longestHeadLine));
+    if (text.empty()) fault("the document ends before its first part");
+    return text.substr(0, text.find('\n'));
+}
+
+void Scanner::expect(std::string_view text)
+{
+    if (!isLine(0, text)) {
+        const bool ended = last == first;
+        fault((ended ? "the end" : quoted(headLine())) + " stands where " + quoted(text) + " should");
+    }
+    take(text.size() + 1, 1);
+    advance();
+}
+
+/// At the line that ends the set.
+bool Scanner::setEnd()
+{
+    const size_t next = words::setEnd.size() + 1;
+    ranOut = false;
+    if (!isLine(next, rootEnd)) {
+        if (ranOut) return endEarly();
+        return leaveOut({.from = 0, .to = words::setEnd.size()});
+    }
+    if (!open.empty()) {
+        if (!cut) find("elements end here that have no end tags");
+        return close(true);
+    }
+    take(next + rootEnd.size() + 1, 2);
+    advance();
+    if (have(1)) find("there is more after the end, which is left out");
+    finished = true;
+    return emit(Event::Kind::end);
+}
+
+/// Where the bytes end and the document does not.
+bool Scanner::endEarly()
+{
+    exhausted = true;
+    if (!cut) {
+        cut = true;
+        return emit(Event::Kind::cut);
+    }
+    if (!open.empty()) return close(true);
+    finished = true;
+    return emit(Event::Kind::end);
+}
+
+// --- Elements
+
+const Event& Scanner::next()
+{
+    advance();
+    if (finished) {
+        emit(Event::Kind::end);
+    } else if (!started) {
+        started = true;
+        start();
+    } else {
+        while (!element()) {
+        }
+    }
+    return event;
+}
+
+/// Reads an element's lines, or some that are left out. \return whether there is an event
+bool Scanner::element()
+{
+    Stretch text;
+    if (exhausted) return endEarly();
+    if (headKnown || startsWith(0, propertyName)) return property();
+    if (!lineAt(0, text)) return endEarly();
+    if (startsWith(0, resourceName)) return resourceStart(text);
+    if (isLine(0, words::resourceEnd)) return resourceEnd(text);
+    if (startsWith(0, listName)) return listStart(text);
+    if (isLine(0, words::listEnd)) return listEnd(text);
+    if (isLine(0, words::setEnd)) return setEnd();
+    if (cut || !isLine(0, incomplete) || !mayEnd(0)) return leaveOut(text);
+    cut = true;
+    take(text.to + 1, 1);
+    return emit(Event::Kind::cut);
+}
+
+bool Scanner::emit(Event::Kind kind)
+{
+    event = {};
+    event.kind = kind;
+    event.line = line;
+    return true;
+}
+
+/// Ends the innermost element, by an end tag of that length or without one.
+bool Scanner::close(bool implied, size_t written)
+{
+    emit(open.back().list ? Event::Kind::listEnd : Event::Kind::resourceEnd);
+    event.implied = implied;
+    open.pop_back();
+    if (!implied) take(written + 1, 1);
+    return true;
+}
+
+bool Scanner::leaveOut(Stretch text)
+{
+    find(quoted(at(text)) + " has no place here and is left out");
+    take(text.to + 1, 1);
+    advance();
+    return false;
+}
+
+Scanner::Role Scanner::roleOf(std::string_view displayName) const
+{
+    if (open.size() == 1 && displayName == enclosures) return Role::enclosures;
+    if (inList() && open.back().role == Role::enclosures && displayName == drawer) return Role::drawer;
+    if (inResource() && open.back().role == Role::drawer && displayName == shares) return Role::shares;
+    return Role::other;
+}
+
+bool Scanner::listStart(Stretch text)
+{
+    if (!at(text).ends_with(tagEnd) || text.size() < listName.size() + tagEnd.size() || open.empty())
+        return leaveOut(text);
+    const Stretch name = {.from = listName.size(), .to = text.to - tagEnd.size()};
+    if (inList()) {
+        // Each partition of a drawer opens a list of its own; only the last one is closed.
+        if (open.back().role != Role::shares || at(name) != shares)
+            find("a list begins inside the list before it, which ends here");
+        return close(true);
+    }
+    if (open.size() == deepest) fault("elements are nested deeper than in any document");
+    const Role role = roleOf(at(name));
+    if (open.size() == 1) systemList = at(name);
+    open.back().hadList = true;
+    open.push_back({.list = true, .hadList = false, .role = role, .codes = {}});
+    emit(Event::Kind::listStart);
+    event.name = at(name);
+    take(text.to + 1, 1);
+    return true;
+}
+
+bool Scanner::listEnd(Stretch text)
+{
+    if (inList()) return close(false, text.size());
+    // A drawer without cards closes the list that one before it had.
+    if (!inResource() || open.back().role != Role::drawer || open.back().hadList) return leaveOut(text);
+    open.back().hadList = true;
+    take(text.to + 1, 1);
+    advance();
+    return false;
+}
+
+bool Scanner::resourceStart(Stretch text)
+{
+    Tag tag;
+    ranOut = false;
+    if (!readTag(tag) && !otherIdentifier(text, tag))
+        return ranOut && !endsWhole() ? endEarly() : leaveOut(text);
+    if (inResource()) return misplacedResource(text);
+    if (open.empty() && hadSystem) return leaveOut(text);
+    if (open.size() == deepest) fault("elements are nested deeper than in any document");
+    if (!tag.repeated) find("the line behind this tag is not its identifier");
+    hadSystem = true;
+    const Role role = roleOf(at(tag.name));
+    open.push_back({.list = false, .hadList = false, .role = role, .codes = {}});
+    emit(Event::Kind::resourceStart);
+    event.name = at(tag.name);
+    event.id = at(tag.id);
+    event.idLine = at(tag.idLine);
+    take(tag.end, tag.lines);
+    return true;
+}
+
+/// A resource that begins in a resource and in none of its lists.
+bool Scanner::misplacedResource(Stretch text)
+{
+    if (open.size() > 1) {
+        find("a resource begins inside the resource before it, which ends here");
+        return close(true);
+    }
+    if (!open.back().hadList) return leaveOut(text);
+    find("a resource begins behind its list, which begins again");
+    open.push_back({.list = true, .hadList = false, .role = roleOf(systemList), .codes = {}});
+    emit(Event::Kind::listStart);
+    event.implied = true;
+    event.name = systemList;
+    return true;
+}
+
+bool Scanner::resourceEnd(Stretch text)
+{
+    if (open.empty()) return leaveOut(text);
+    if (inList()) {
+        find("a resource ends inside a list, which ends here");
+        return close(true);
+    }
+    // The managed system's end comes once.
+    ranOut = false;
+    const size_t next = text.to + 1;
+    const bool misplaced =
+        open.size() == 1 && !isLine(next, words::setEnd) && !isLine(next, incomplete) && !ranOut;
+    return misplaced ? leaveOut(text) : close(false, text.size());
+}
+
+bool Scanner::property()
+{
+    Head head = nextHead;
+    Stretch value;
+    ranOut = false;
+    if (!headKnown && !readHead(0, head)) {
+        Stretch text;
+        if (!lineAt(0, text) || (ranOut && !endsWhole())) return endEarly();
+        return leaveOut(text);
+    }
+    headKnown = false;
+    if (!readValue(head, value)) return endEarly();
+    const size_t index = indexOf(at(head.code));
+    const auto lines = 4 + static_cast<uint64_t>(std::ranges::count(at(value), '\n'));
+    take(value.to + valueEnd.size() + 1 + propertyEnd.size() + 1, lines);
+    if (!inResource() || open.back().hadList || open.back().codes[index]) {
+        find("the property " + quoted(at(head.code)) + " has no place here and is left out");
+        advance();
+        return false;
+    }
+    open.back().codes.set(index);
+    emit(Event::Kind::property);
+    event.code = at(head.code);
+    event.label = at(head.label);
+    event.reversed = head.reversed;
+    event.value = at(value);
+    return true;
+}
+
+// --- What an element's lines say
+
+/// A value in a tag may hold line feeds, and even what looks like the tag's end.
+bool Scanner::readTag(Tag& tag)
+{
+    Stretch text = {.from = 0, .to = 0};
+    for (tag.lines = 1; tag.lines <= mostTagLines; ++tag.lines) {
+        if (!lineAt(text.from, text)) return false;
+        const Stretch inner = {.from = resourceName.size(), .to = text.to - tagEnd.size()};
+        if (text.to >= resourceName.size() + tagEnd.size() && at(text).ends_with(tagEnd)) {
+            if (writtenTwice(inner, tag)) return true;
+            if (tag.lines == 1 && mendedTag(inner, tag)) return true;
+        }
+        text.from = text.to + 1;
+    }
+    return false;
+}
+
+/// The lines behind a tag repeat the identifier, which tells where in the tag it begins.
+bool Scanner::writtenTwice(Stretch inner, Tag& tag)
+{
+    const size_t from = inner.to + tagEnd.size() + 1;
+    Stretch text = {.from = from, .to = from};
+    for (uint64_t lines = 1; lines <= tag.lines; ++lines) {
+        if (!lineAt(text.from, text)) return false;
+        const size_t length = text.to - from;
+        if (length + idName.size() > inner.size()) return false;
+        const Stretch id = {.from = inner.to - length, .to = inner.to};
+        const Stretch before = {.from = id.from - idName.size(), .to = id.from};
+        const Stretch idLine = {.from = from, .to = text.to};
+        if (at(before) == idName && at(id) == at(idLine)) {
+            tag = {{inner.from, before.from}, id, idLine, tag.lines + lines, text.to + 1};
+            return true;
+        }
+        text.from = text.to + 1;
+    }
+    return false;
+}
+
+/// Where references stand in a tag, the lines behind it mean the same and need not look the same.
+bool Scanner::mendedTag(Stretch inner, Tag& tag)
+{
+    const size_t name = at(inner).find(idName);
+    if (name == std::string_view::npos || at(inner).rfind(idName) != name) return false;
+    const Stretch id = {.from = inner.from + name + idName.size(), .to = inner.to};
+    std::string idMeant;
+    appendMeant(idMeant, at(id));
+    const auto lines = 1 + static_cast<uint64_t>(std::ranges::count(idMeant, '\n'));
+    const size_t from = inner.to + tagEnd.size() + 1;
+    Stretch text = {.from = from, .to = from};
+    for (uint64_t read = 0; read < lines; ++read, text.from = text.to + 1) {
+        if (lines > mostTagLines || !lineAt(text.from, text)) return false;
+    }
+    const Stretch idLine = {.from = from, .to = text.to};
+    std::string lineMeant;
+    appendMeant(lineMeant, at(idLine));
+    if (lineMeant != idMeant) return false;
+    tag = {{inner.from, inner.from + name}, id, idLine, 1 + lines, text.to + 1};
+    return true;
+}
+
+/// A tag whose identifier is not repeated as it should be.
+bool Scanner::otherIdentifier(Stretch text, Tag& tag)
+{
+    const Stretch inner = {.from = resourceName.size(), .to = text.to - tagEnd.size()};
+    if (text.to < resourceName.size() + tagEnd.size() || !at(text).ends_with(tagEnd)) return false;
+    const size_t name = at(inner).rfind(idName);
+    Stretch next;
+    if (name == std::string_view::npos || !lineAt(text.to + 1, next)) return false;
+    const Stretch id = {.from = inner.from + name + idName.size(), .to = inner.to};
+    const bool repeated = !at(next).starts_with('<');
+    tag = {{inner.from, inner.from + name},
+           id,
+           repeated ? next : id,
+           repeated ? 2U : 1U,
+           repeated ? next.to + 1 : next.from};
+    find("the line behind this tag is not its identifier");
+    return true;
+}
+
+/// The code is in the tag's name, or, in the tags of some parts, in its display name.
+bool Scanner::readHead(size_t from, Head& head)
+{
+    Stretch tag;
+    Stretch code;
+    if (!lineAt(from, tag) || !lineAt(tag.to + 1, code) || !isCode(at(code))) return false;
+    if (!startsWith(code.to + 1, valueStart)) return false;
+    const size_t value = code.to + 1 + valueStart.size();
+    const std::string_view text = at(tag);
+    if (text == hostsTag) {
+        const size_t label = tag.to - tagEnd.size() - hostsLabel.size();
+        head = {code, {label, label + hostsLabel.size()}, false, value};
+        return at(code) == hostsCode;
+    }
+    if (!text.starts_with(propertyStart) || !text.ends_with(tagEnd)) return false;
+    const Stretch inner = {.from = from + propertyStart.size(), .to = tag.to - tagEnd.size()};
+    const size_t least = labelName.size() + code.size();
+    if (text.size() < propertyStart.size() + tagEnd.size() + least) return false;
+    if (at(inner).starts_with(at(code)) && at(inner).substr(code.size()).starts_with(labelName)) {
+        head = {code, {inner.from + least, inner.to}, false, value};
+        return true;
+    }
+    head = {code, {inner.from, inner.to - least}, true, value};
+    return at(inner).ends_with(at(code)) &&
+           at({head.label.to, head.label.to + labelName.size()}) == labelName && !isCode(at(head.label));
+}
+
+/// A value may hold line feeds, and even what looks like its end: it ends where the collector can have gone
+/// on. Where there is no such place, it ends where it looks so, and so do those behind it.
+bool Scanner::readValue(const Head& head, Stretch& value)
+{
+    size_t firstEnd = 0;
+    Stretch text = {.from = head.value, .to = head.value};
+    for (;; text.from = text.to + 1) {
+        const bool far = firstEnd > 0 && text.from > longest / 4;
+        if (far || !lineAt(text.from, text)) {
+            if (firstEnd == 0 || (!far && !endsWhole())) return false;
+            lenient = true;
+            text.to = firstEnd;
+            break;
+        }
+        if (!at(text).ends_with(valueEnd)) continue;
+        const size_t next = text.to + 1;
+        if (!isLine(next, propertyEnd)) continue;
+        if (lenient || !inResource() || mayFollow(next + propertyEnd.size() + 1)) break;
+        if (firstEnd == 0) firstEnd = text.to;
+    }
+    value = {.from = head.value, .to = text.to - valueEnd.size()};
+    if (firstEnd != 0 && firstEnd != text.to)
+        find("the value of " + quoted(at(head.code)) + " holds lines that look like the document's", 2);
+    return true;
+}
+
+/// Whether the bytes, which are all read, end as a document does.
+bool Scanner::endsWhole() const
+{
+    return at({0, last - first}).ends_with(std::string(rootEnd) + '\n');
+}
+
+/// Whether what stands there can follow a property; where the document ends, anything could.
+bool Scanner::mayFollow(size_t from)
+{
+    ranOut = false;
+    Stretch text;
+    bool may = false;
+    if (startsWith(from, propertyName))
+        may = nextProperty(from);
+    else if (startsWith(from, listName))
+        may = lineAt(from, text) && at(text).ends_with(tagEnd) &&
+              (startsWith(text.to + 1, resourceName) || isLine(text.to + 1, words::listEnd));
+    else if (open.back().role == Role::drawer && isLine(from, words::listEnd))
+        may = isLine(from + words::listEnd.size() + 1, words::resourceEnd);
+    else
+        may = mayEnd(from);
+    return may || ranOut;
+}
+
+/// Whether ends stand there that fit what is open, and behind them something that can follow; behind the mark
+/// of a cut document, all of them.
+bool Scanner::mayEnd(size_t from)
+{
+    bool marked = false;
+    for (size_t depth = open.size();; --depth) {
+        if (!marked && isLine(from, incomplete)) {
+            marked = true;
+            from += incomplete.size() + 1;
+        }
+        if (depth == 0) return isWholeEnd(from);
+        const Open& element = open[depth - 1];
+        if (!marked && depth < open.size() && mayGoOn(element, from)) return true;
+        const std::string_view end = element.list ? words::listEnd : words::resourceEnd;
+        if (!isLine(from, end)) return false;
+        from += end.size() + 1;
+    }
+}
+
+/// Whether the document's last lines stand there, and nothing behind them.
+bool Scanner::isWholeEnd(size_t from)
+{
+    const size_t rootLine = from + words::setEnd.size() + 1;
+    return isLine(from, words::setEnd) && isLine(rootLine, rootEnd) && !have(rootLine + rootEnd.size() + 2);
+}
+
+/// Whether what stands there can follow an element inside that one.
+bool Scanner::mayGoOn(const Open& element, size_t from)
+{
+    if (!element.list) return startsWith(from, listName);
+    return startsWith(from, resourceName) || (element.role == Role::shares && startsWith(from, listName));
+}
+
+/// A resource has each property once.
+bool Scanner::nextProperty(size_t from)
+{
+    Head head;
+    if (!readHead(from, head)) return false;
+    if (inResource() && open.back().codes[indexOf(at(head.code))]) return false;
+    const auto moved = [from](Stretch stretch) { return Stretch{stretch.from - from, stretch.to - from}; };
+    nextHead = {moved(head.code), moved(head.label), head.reversed, head.value - from};
+    headKnown = true;
+    return true;
+}
+
+void Scanner::fault(const std::string& what) const
+{
+    throw Malformed(input.name() + ':' + std::to_string(line) + ": " + what);
+}
+
+void Scanner::find(const std::string& what, uint64_t behind)
+{
+    if (++foundCount <= mostFindings) found.push_back({.line = line + behind, .what = what});
+}
+
+} // namespace document
