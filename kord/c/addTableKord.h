@@ -45,3 +45,4 @@ extern const ToldLines addPartitionLines;
 extern const ToldLines addXmlLines;
 extern const ToldLines addErrLogLines;
 extern const ToldLines addUtilLines;
+extern const ToldLines addUncalledXmlLines;

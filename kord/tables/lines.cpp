@@ -14,8 +14,9 @@ constexpr const ToldQueries* toldQueries[] = {
 };
 
 constexpr const ToldLines* toldLines[] = {
-    &addTarnLines,     &addCecEnclLines,   &addIoEnclLines, &addStorEnclLines, &addRackEnclLines,
-    &addQuayEnclLines, &addPartitionLines, &addXmlLines,    &addErrLogLines,   &addUtilLines,
+    &addTarnLines,     &addCecEnclLines,  &addIoEnclLines,      &addStorEnclLines,
+    &addRackEnclLines, &addQuayEnclLines, &addPartitionLines,   &addXmlLines,
+    &addErrLogLines,   &addUtilLines,     &addUncalledXmlLines,
 };
 
 /// What every line of a role means, and what to do about it.

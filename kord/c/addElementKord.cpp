@@ -1,0 +1,165 @@
+#include "addElementKord.h"
+
+#include "addTrcKord.h"
+
+#include <cstdarg>
+#include <cstring>
+
+namespace
+{
+
+constexpr std::string_view endList = "</ResourceList>\n";
+constexpr std::string_view endResource = "</Resource>\n";
+constexpr std::string_view endBoth = "</Resource>\n</ResourceList>\n";
+
+/// Gathers the pieces of an element on their way to the document: a stream takes one large piece faster than
+/// many small ones.
+struct Element {
+    FILE* stream;
+    size_t used = 0;
+    char bytes[4096];
+
+    explicit Element(const kordRec* pKordRec) : stream(pKordRec->inp) {}
+    ~Element() { flush(); }
+    Element(const Element&) = delete;
+    Element& operator=(const Element&) = delete;
+
+    void add(std::string_view piece)
+    {
+        if (piece.size() > sizeof bytes - used) flush();
+        if (piece.size() > sizeof bytes) return write(piece);
+        memmove(bytes + used, piece.data(), piece.size()); // a bounded memcpy is made in place, slowly
+        used += piece.size();
+    }
+    void add(const Property& property)
+    {
+        add(property.start);
+        add(property.value);
+        add("</Value>\n</Property>\n");
+    }
+    void flush();
+    void write(std::string_view text) const;
+};
+
+void Element::flush()
+{
+    write({bytes, used});
+    used = 0;
+}
+
+[[gnu::noinline]] void Element::write(std::string_view text) const
+{
+    // What follows a piece that was lost would stand where it does not belong: the document ends there.
+    if (stream != nullptr && ferror_unlocked(stream) == 0)
+        fwrite_unlocked(text.data(), 1, text.size(), stream);
+}
+
+const char* nameOf(const Frame& frame, const char* uniqueId)
+{
+    return frame.displayName != nullptr ? frame.displayName : uniqueId;
+}
+
+void addResource(Element& element, const char* displayName, const char* uniqueId, Properties properties)
+{
+    const std::string_view id = textOrEmpty(uniqueId);
+    element.add("<Resource displayName=\"");
+    element.add(textOrEmpty(displayName));
+    element.add("\" uniqueId=\"");
+    element.add(id);
+    element.add("\">\n");
+    element.add(id);
+    element.add("\n");
+    for (const Property& property : properties)
+        element.add(property);
+}
+
+int32_t closeElement(const kordRec* pKordRec, const Frame& frame, std::string_view endTags)
+{
+    trace(pKordRec, ">>", "%s", frame.closed);
+    put(pKordRec, {endTags});
+    return 0;
+}
+
+} // namespace
+
+int32_t openList(const kordRec* pKordRec, const Frame& frame)
+{
+    trace(pKordRec, ">>", "%s", frame.opened);
+    put(pKordRec, {"<ResourceList displayName=\"", frame.displayName, "\">\n"});
+    return 0;
+}
+
+int32_t closeList(const kordRec* pKordRec, const Frame& frame)
+{
+    return closeElement(pKordRec, frame, endList);
+}
+
+int32_t openResource(const kordRec* pKordRec, const Frame& frame, const char* uniqueId, Properties properties)
+{
+    trace(pKordRec, ">>", "%s", frame.opened);
+    Element element(pKordRec);
+    addResource(element, nameOf(frame, uniqueId), uniqueId, properties);
+    return 0;
+}
+
+int32_t closeResource(const kordRec* pKordRec, const Frame& frame)
+{
+    return closeElement(pKordRec, frame, endResource);
+}
+
+int32_t openSubList(const kordRec* pKordRec, const Frame& frame, const char* uniqueId)
+{
+    openList(pKordRec, {.opened = frame.opened, .displayName = "Enclosures Partitions", .closed = nullptr});
+    Element element(pKordRec);
+    addResource(element, nameOf(frame, uniqueId), uniqueId, {});
+    return 0;
+}
+
+int32_t closeSubList(const kordRec* pKordRec, const Frame& frame)
+{
+    return closeElement(pKordRec, frame, endBoth);
+}
+
+int32_t writeResource(const kordRec* pKordRec, const char* displayName, const char* uniqueId,
+                      Properties properties)
+{
+    Element element(pKordRec);
+    addResource(element, displayName, uniqueId, properties);
+    element.add(endResource);
+    return 0;
+}
+
+int32_t writeProperty(const kordRec* pKordRec, const char* traceText, const Property& property)
+{
+    trace(pKordRec, ">>", "%s", traceText);
+    Element element(pKordRec);
+    element.add(property);
+    return 0;
+}
+
+void put(const kordRec* pKordRec, std::initializer_list<std::string_view> pieces)
+{
+    Element element(pKordRec);
+    for (const std::string_view piece : pieces)
+        element.add(piece);
+}
+
+Composed compose(const char* format, ...)
+{
+    Composed composed;
+    va_list arguments;
+    va_start(arguments, format);
+    formatArguments(composed.text, format, arguments);
+    va_end(arguments);
+    return composed;
+}
+
+Composed partitionOf(const char* owner, const char* lparId)
+{
+    return compose("%s-%s", owner, lparId);
+}
+
+Composed partOf(const char* image, const char* kind, int32_t number)
+{
+    return compose("%s/%s%d", image, kind, number);
+}

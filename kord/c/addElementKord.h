@@ -1,0 +1,112 @@
+// The shapes of the document (list, resource, property, end tags) and the values in them. Nothing else writes
+// to it.
+
+#pragma once
+
+#include "addTextKord.h"
+#include "kordRec.h"
+
+#include <initializer_list>
+#include <string_view>
+
+// --- Properties
+
+/// Text that the compiler puts together.
+struct Constant {
+    char bytes[200] = {};
+    size_t size = 0;
+
+    consteval Constant(std::initializer_list<std::string_view> pieces)
+    {
+        for (const std::string_view piece : pieces) {
+            for (const char character : piece)
+                bytes[size++] = character;
+        }
+    }
+    constexpr operator std::string_view() const { return {bytes, size}; }
+};
+
+/// A property's start, all that stands before its value.
+consteval Constant startOf(std::string_view code, std::string_view name, std::string_view displayName)
+{
+    return {"<Property name=\"",        name, "\" displayName=\"", displayName, "\">\n", code,
+            "\n<Value type=\"string\">"};
+}
+
+struct Wording {
+    std::string_view code;
+    std::string_view text;
+};
+
+/// A property's label, in both orders.
+struct Label {
+    Constant normal;
+    Constant reversed;
+};
+
+consteval Label label(Wording of)
+{
+    return {startOf(of.code, of.code, of.text), startOf(of.code, of.text, of.code)};
+}
+
+struct Property {
+    std::string_view start;
+    std::string_view value;
+};
+using Properties = std::initializer_list<Property>;
+
+inline Property normal(const Label& label, const char* value)
+{
+    return {label.normal, textOrEmpty(value)};
+}
+
+/// Name and display name change places; consumers of these cards expect them so.
+inline Property reversed(const Label& label, const char* value)
+{
+    return {label.reversed, textOrEmpty(value)};
+}
+
+// --- Elements
+
+/// An element that is opened and closed: the trace lines of both, and its display name (null: its unique ID).
+struct Frame {
+    const char* opened;
+    const char* displayName;
+    const char* closed;
+};
+
+int32_t openList(const kordRec* pKordRec, const Frame& frame);
+int32_t closeList(const kordRec* pKordRec, const Frame& frame);
+
+int32_t openResource(const kordRec* pKordRec, const Frame& frame, const char* uniqueId,
+                     Properties properties = {});
+int32_t closeResource(const kordRec* pKordRec, const Frame& frame);
+
+/// A sub-list of a partition within an enclosure: a list and, in it, the partition's resource.
+int32_t openSubList(const kordRec* pKordRec, const Frame& frame, const char* uniqueId);
+int32_t closeSubList(const kordRec* pKordRec, const Frame& frame);
+
+/// A whole resource.
+int32_t writeResource(const kordRec* pKordRec, const char* displayName, const char* uniqueId,
+                      Properties properties);
+
+/// A property that stands by itself.
+int32_t writeProperty(const kordRec* pKordRec, const char* traceText, const Property& property);
+
+/// What is no shape of its own: the document's frame.
+void put(const kordRec* pKordRec, std::initializer_list<std::string_view> pieces);
+
+// --- Composed values
+
+struct Composed {
+    char text[100];
+};
+
+[[gnu::format(printf, 1, 2)]] Composed compose(const char* format, ...);
+
+/// A partition within an enclosure or a system.
+Composed partitionOf(const char* owner, const char* lparId);
+
+/// A numbered part of an image's storage configuration: "S" array site, "A" array, "R" rank, "P" segment
+/// pool.
+Composed partOf(const char* image, const char* kind, int32_t number);
