@@ -39,5 +39,6 @@ extern const ToldQueries addStorEnclQueries;
 extern const ToldQueries addRackEnclQueries;
 extern const ToldQueries addQuayEnclQueries;
 extern const ToldQueries addPartitionQueries;
-extern const ToldQueries addLogVolQueries;
-extern const ToldQueries addHAPortQueries;
+extern const ToldQueries addCountQueries;
+extern const ToldQueries addHostQueries;
+extern const ToldQueries addStorConfigQueries;

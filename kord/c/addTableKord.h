@@ -42,6 +42,8 @@ extern const ToldLines addStorEnclLines;
 extern const ToldLines addRackEnclLines;
 extern const ToldLines addQuayEnclLines;
 extern const ToldLines addPartitionLines;
+extern const ToldLines addHostLines;
+extern const ToldLines addStorConfigLines;
 extern const ToldLines addXmlLines;
 extern const ToldLines addErrLogLines;
 extern const ToldLines addUtilLines;

@@ -10,13 +10,13 @@ namespace
 
 constexpr const ToldQueries* toldQueries[] = {
     &addTarnQueries,     &addCecEnclQueries,   &addIoEnclQueries, &addStorEnclQueries, &addRackEnclQueries,
-    &addQuayEnclQueries, &addPartitionQueries, &addLogVolQueries, &addHAPortQueries,
+    &addQuayEnclQueries, &addPartitionQueries, &addCountQueries,  &addHostQueries,     &addStorConfigQueries,
 };
 
 constexpr const ToldLines* toldLines[] = {
-    &addTarnLines,     &addCecEnclLines,  &addIoEnclLines,      &addStorEnclLines,
-    &addRackEnclLines, &addQuayEnclLines, &addPartitionLines,   &addXmlLines,
-    &addErrLogLines,   &addUtilLines,     &addUncalledXmlLines,
+    &addTarnLines,     &addCecEnclLines,   &addIoEnclLines,      &addStorEnclLines,   &addRackEnclLines,
+    &addQuayEnclLines, &addPartitionLines, &addHostLines,        &addStorConfigLines, &addXmlLines,
+    &addErrLogLines,   &addUtilLines,      &addUncalledXmlLines,
 };
 
 /// What every line of a role means, and what to do about it.
