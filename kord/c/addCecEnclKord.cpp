@@ -81,53 +81,6 @@ constexpr Query cardQuery = {
     .progress = " writeNVC open/close resource",
 };
 
-// --- Power states
-
-constexpr Attribute facilityAttributes[] = {{.name = "PowerState"}};
-
-constexpr Query facilityQuery = {
-    .entry = " querySFState",
-    .session = &kordRec::sess_hndl_SR,
-    .className = "Orvik.TarnStorageFacility",
-    .call = Call::dynamicQuery,
-    .attributes = facilityAttributes,
-    .selection = "storageFacilityMTMS=\"%s\"",
-    .callFailed = {.trace = {"0100", " SF rRc= %d, %s"}},
-    .noResources = {.trace = {"0101", " no res  array_cnt_sf=%d"}},
-    .responseTrace = {"0101", " response %d, %s"},
-    .otherError = {.report = underFunction},
-    .emptyFirst = {.trace = {"0101", " no res  array_cnt_sf=%d"}},
-};
-constexpr Failure badFacilityState = {.trace = {"0102", " power state =%d"}};
-
-constexpr Attribute systemAttributes[] = {{.name = "powerRunState"}};
-
-constexpr Query systemQuery = {
-    .entry = " querySFSystemState",
-    .session = &kordRec::sess_hndl_SR,
-    .className = "Orvik.TarnStorageFacilitySystem",
-    .call = Call::dynamicQuery,
-    .attributes = systemAttributes,
-    .selection = "managedSystemMTMS=\"%s\"",
-    .selectionTrace = {"0103", "%s"},
-    .callFailed = {.trace = {"0103", " SF returned %d, %s"}},
-    .noResources = {.trace = {"0104", " no res  array_cnt_sfs=%d"}},
-    .responseTrace = {"0104", " response error %d, %s"},
-    .otherError = {.report = underFunction},
-    .emptyFirst = {.trace = {"0104", " no res  array_cnt_sfs=%d"}},
-};
-constexpr Failure badSystemState = {.trace = {"0105", " power run state =%d"}};
-
-/// The one attribute of the first response must have the expected value.
-int32_t checkPower(kordRec* pKordRec, const Query& query, const char* mtms, int32_t expected,
-                   const Failure& bad)
-{
-    return runQuery(pKordRec, query, requestOf(query.selection, mtms), [&](Resources found) {
-        const int32_t state = integerOf(found[0].attributes[0]);
-        return state == expected ? collected : fail(pKordRec, query, bad, state);
-    });
-}
-
 /// Writes one drawer with its partitions' cards.
 int32_t addDrawer(kordRec* pKordRec, const char* locationCode_cec, int32_t* openCecEnclPartListHeader)
 {
@@ -149,13 +102,6 @@ int32_t addDrawer(kordRec* pKordRec, const char* locationCode_cec, int32_t* open
 constexpr ToldQuery queries[] = {
     {.query = &drawerQuery},
     {.query = &cardQuery},
-    {.query = &facilityQuery},
-    {.query = &systemQuery},
-};
-
-constexpr ToldFailure walkFailures[] = {
-    {.query = &facilityQuery, .failure = &badFacilityState},
-    {.query = &systemQuery, .failure = &badSystemState},
 };
 
 constexpr ToldLine lines[] = {
@@ -166,8 +112,7 @@ constexpr ToldLine lines[] = {
 
 } // namespace
 
-const ToldQueries addCecEnclQueries = {
-    .module = "addCecEnclKord", .queries = queries, .failures = walkFailures};
+const ToldQueries addCecEnclQueries = {.module = "addCecEnclKord", .queries = queries};
 const ToldLines addCecEnclLines = {.module = "addCecEnclKord", .lines = lines};
 
 int32_t addCecEnclKord(kordRec* pKordRec)
@@ -212,16 +157,4 @@ int32_t queryNVC(kordRec* pKordRec, const char* StorageFacilityImageMTMS, const 
         closeCecEnclosurePartitions(pKordRec);
         return collected;
     });
-}
-
-int32_t querySFState(kordRec* pKordRec)
-{
-    constexpr int32_t off = 0;
-    return checkPower(pKordRec, facilityQuery, pKordRec->storageFacilityMTMS, off, badFacilityState);
-}
-
-int32_t querySFSystemState(kordRec* pKordRec)
-{
-    constexpr int32_t running = 6;
-    return checkPower(pKordRec, systemQuery, pKordRec->managedSystemMTMS, running, badSystemState);
 }

@@ -2,7 +2,6 @@
 
 #include "addTextKord.h"
 #include "addTrcKord.h"
-#include "addUtilKord.h"
 
 #include <cstdlib>
 #include <cstring>
@@ -97,48 +96,6 @@ int32_t fileEvent(const kordRec* pKordRec, const Reporter& reporter, const Event
     return -1;
 }
 
-/// One console command that reads the vital product data, and how its answer is traced.
-struct QuayReader {
-    const char* entry;
-    const char* command;
-    TraceText found;
-    TraceText notFound;
-};
-
-constexpr QuayReader serialReader = {
-    .entry = " getQuaySE",
-    .command = "/opt/brisk/bin/qconvpd -v | grep SE | awk -FSE '{print $2}' |awk ' {print $1}'",
-    .found = {.code = "053", .format = " rc=%d, xargc=%d,  QuaySE=%s "},
-    .notFound = {.code = "052", .format = "rc=%d, xargc=%d "},
-};
-constexpr QuayReader typeModelReader = {
-    .entry = " getQuayTM",
-    .command = "/opt/brisk/bin/qconvpd -v | grep TM | awk -FTM '{print $2}'| awk -F- '{print $2}'"
-               " | awk -F[ '{print $2}' | awk -F] '{print $1}' ",
-    .found = {.code = "053", .format = " rc=%d, xargc=%d,  QuayTM=%s "},
-    .notFound = {.code = "053", .format = " rc=%d, xargc=%d "},
-};
-
-constexpr int32_t readerFound = 2;
-constexpr int32_t readerNotFound = 1;
-
-int32_t readQuay(const kordRec* pKordRec, const QuayReader& reader, std::span<char> field)
-{
-    trace(pKordRec, "==>", "%s", reader.entry);
-    int32_t xargc = 0;
-    char** xargv = nullptr;
-    const int32_t rc = excuteCommand(pKordRec, reader.command, &xargc, &xargv);
-    const bool found = rc == 0 && xargc > 0;
-    if (found) {
-        copyText(field, xargv[0]);
-        trace(pKordRec, reader.found.code, reader.found.format, rc, xargc, field.data());
-    } else {
-        trace(pKordRec, reader.notFound.code, reader.notFound.format, rc, xargc);
-    }
-    releaseOutput(xargv);
-    return found ? readerFound : readerNotFound;
-}
-
 // --- What the tables tell
 
 constexpr Explanation toolFailed = {.meaning = "the event tool failed: the command and its status",
@@ -147,18 +104,6 @@ constexpr Explanation toolFailed = {.meaning = "the event tool failed: the comma
 constexpr ToldLine lines[] = {
     {.function = "handleErrKord", .line = plainReporter.toolFailed, .explanation = toolFailed},
     {.function = "handleErrKord_new", .line = messageReporter.toolFailed, .explanation = toolFailed},
-    {.function = "getQuaySE",
-     .line = serialReader.found,
-     .explanation = {.meaning = "what the console says of itself"}},
-    {.function = "getQuaySE",
-     .line = serialReader.notFound,
-     .explanation = {.meaning = "the console does not say its serial", .advice = "see qconvpd -v"}},
-    {.function = "getQuayTM",
-     .line = typeModelReader.found,
-     .explanation = {.meaning = "what the console says of itself"}},
-    {.function = "getQuayTM",
-     .line = typeModelReader.notFound,
-     .explanation = {.meaning = "the console does not say its type-model", .advice = "see qconvpd -v"}},
 };
 
 constexpr ToldCommand commands[] = {
@@ -166,8 +111,6 @@ constexpr ToldCommand commands[] = {
     {.function = "handleErrKord", .command = plainReporter.direct, .arguments = eventArguments},
     {.function = "handleErrKord_new", .command = messageReporter.wrapped, .arguments = eventArguments},
     {.function = "handleErrKord_new", .command = messageReporter.direct, .arguments = eventArguments},
-    {.function = "getQuaySE", .command = serialReader.command},
-    {.function = "getQuayTM", .command = typeModelReader.command},
 };
 
 } // namespace
@@ -197,14 +140,4 @@ int32_t handleErrKord_new(const kordRec* pKordRec, const char* loggingFileName, 
         formatText(errortext, "%s : %s", loggingFileName, kind.text);
     }
     return fileEvent(pKordRec, messageReporter, kind, loggingFileName, errortype, errortext);
-}
-
-int32_t getQuaySE(const kordRec* pKordRec, std::span<char> QuaySE)
-{
-    return readQuay(pKordRec, serialReader, QuaySE);
-}
-
-int32_t getQuayTM(const kordRec* pKordRec, std::span<char> QuayTM)
-{
-    return readQuay(pKordRec, typeModelReader, QuayTM);
 }

@@ -1,4 +1,4 @@
-// Error reporting: files a serviceable event on the console, and reads the console's own identity.
+// Error reporting: files a serviceable event on the console.
 
 #pragma once
 
@@ -37,8 +37,3 @@ int32_t handleErrKord(const kordRec* pKordRec, const char* loggingFileName, cons
 /// the type's own. A failing event tool is traced with "051". Always -1.
 int32_t handleErrKord_new(const kordRec* pKordRec, const char* loggingFileName, const char* errortype,
                           const char* errorMessage);
-
-/// The console's serial and type-model, from its vital product data: 2 when found, 1 when not, and the field
-/// is then left untouched. Both want a field of at least 10 characters.
-int32_t getQuaySE(const kordRec* pKordRec, std::span<char> QuaySE);
-int32_t getQuayTM(const kordRec* pKordRec, std::span<char> QuayTM);

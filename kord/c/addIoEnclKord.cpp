@@ -145,17 +145,22 @@ void readDaPair(Resources adapters, const ValeQueryResponse& adapter, std::span<
     }
 }
 
-/// Writes one partition's sub-list of a drawer: its adapters, device adapters first.
+using QueryAdapters = decltype(&queryDA);
+
+/// What a drawer holds of a partition's, in the document's order.
+constexpr QueryAdapters drawerAdapters[] = {queryDA, queryHA};
+
+/// Writes one partition's sub-list of a drawer.
 int32_t addPartitionAdapters(kordRec* pKordRec, const Drawer& drawer, int32_t i)
 {
-    const char* image = pKordRec->StorageFacilityImageMTMS[i];
     const char* LParID = pKordRec->LParID[i];
-
     openEnclosurePartitionsIOD(pKordRec, drawer.locationCode_iod, LParID);
     openPartitionResources(pKordRec);
-    int32_t rc = queryDA(pKordRec, image, drawer.interfaceIdentifier_iod, drawer.locationCode_iod, LParID);
-    if (rc != failed) {
-        rc = queryHA(pKordRec, image, drawer.interfaceIdentifier_iod, drawer.locationCode_iod, LParID);
+    int32_t rc = collected;
+    for (const QueryAdapters queryAdapters : drawerAdapters) {
+        rc = queryAdapters(pKordRec, pKordRec->StorageFacilityImageMTMS[i], drawer.interfaceIdentifier_iod,
+                           drawer.locationCode_iod, LParID);
+        if (rc == failed) break;
     }
     closePartitionResources(pKordRec);
     closeEnclosurePartitionsIOD(pKordRec);
@@ -184,19 +189,13 @@ const ToldLines addIoEnclLines = {.module = "addIoEnclKord", .lines = lines};
 int32_t addIoEnclKord(kordRec* pKordRec)
 {
     const Request request = requestOf(drawerQuery.selection, pKordRec->managedSystemMTMS);
-    return runQuery(pKordRec, drawerQuery, request, [&](Resources drawers) {
-        Drawer drawer{};
-        for (const ValeQueryResponse& resource : drawers) {
-            readItem(pKordRec, drawerQuery, resource, &drawer);
-            openIOEncl(pKordRec, drawer.interfaceIdentifier_iod, drawer.locationCode_iod);
-            int32_t rc = collected;
-            for (int32_t i = 0; i < partitionCount(pKordRec) && rc != failed; ++i) {
-                rc = addPartitionAdapters(pKordRec, drawer, i);
-            }
-            closeIOEncl(pKordRec);
-            if (rc == failed) return failed;
-        }
-        return collected;
+    return forEachItem<Drawer>(pKordRec, drawerQuery, request, [&](const Drawer& drawer) {
+        openIOEncl(pKordRec, drawer.interfaceIdentifier_iod, drawer.locationCode_iod);
+        int32_t rc = collected;
+        for (int32_t i = 0; i < partitionCount(pKordRec) && rc != failed; ++i)
+            rc = addPartitionAdapters(pKordRec, drawer, i);
+        closeIOEncl(pKordRec);
+        return rc;
     });
 }
 
@@ -228,13 +227,8 @@ int32_t queryHA(kordRec* pKordRec, const char* StorageFacilityImageMTMS,
     convertStringFromMMToDash(image, StorageFacilityImageMTMS);
     const Request request = requestOf(hostAdapterQuery.selection, StorageFacilityImageMTMS, locationCode_iod);
 
-    return runQuery(pKordRec, hostAdapterQuery, request, [&](Resources adapters) {
-        Adapter adapter{};
-        for (const ValeQueryResponse& resource : adapters) {
-            readItem(pKordRec, hostAdapterQuery, resource, &adapter);
-            writeHA(pKordRec, adapter.interfaceIdentifier, adapter.locationCode, image, adapter.partNumber,
-                    adapter.serialNumber, adapter.ecLevel, adapter.firmwareLevel, adapter.CCIN);
-        }
-        return collected;
+    return forEachItem<Adapter>(pKordRec, hostAdapterQuery, request, [&](const Adapter& adapter) {
+        return writeHA(pKordRec, adapter.interfaceIdentifier, adapter.locationCode, image, adapter.partNumber,
+                       adapter.serialNumber, adapter.ecLevel, adapter.firmwareLevel, adapter.CCIN);
     });
 }

@@ -1,6 +1,5 @@
 #include "addQuayEnclKord.h"
 
-#include "addErrLogKord.h"
 #include "addQueryKord.h"
 #include "addQueryTableKord.h"
 #include "addUtilKord.h"
@@ -34,69 +33,64 @@ constexpr Query quayQuery = {
 };
 
 constexpr TraceText consoleLine = {"0504", "quayLocationCode=%s"};
-constexpr TraceText noTypeModelLine = {"0512", " rc=%d, xargc=%d "};
-constexpr TraceText typeModelLine = {"0512", " rc=%d, xargc=%d,  QuayTM=%s, len=%d, %d "};
 constexpr TraceText serialLine = {"getResQuaySE", "input  %s output %s i=%d"};
 
-// --- Rack enclosure MTMS
+// --- The console's vital product data
 
-struct Rack {
-    char rackEnclosureMTMS[100];
+/// One console command that reads it, and how its answer is traced.
+struct QuayReader {
+    const char* entry;
+    const char* command;
+    TraceText found;    ///< gets the status, the lines, the value, its length and the line's
+    TraceText notFound; ///< gets the status and the lines
+    bool skipsFirst = false;
 };
 
-constexpr Attribute rackAttributes[] = {
-    {.name = "rackEnclosureMTMS", .field = fieldOf<&Rack::rackEnclosureMTMS>},
+constexpr QuayReader fullTypeModelReader = {
+    .entry = " getQuayFullTM",
+    .command = "/opt/brisk/bin/qconvpd -v | grep TM | awk -FTM '{print $2}'",
+    .found = {"0512", " rc=%d, xargc=%d,  QuayTM=%s, len=%d, %d "},
+    .notFound = {"0512", " rc=%d, xargc=%d "},
+    .skipsFirst = true, // the blank behind "TM"
+};
+constexpr QuayReader quaySerialReader = {
+    .entry = " getQuaySE",
+    .command = "/opt/brisk/bin/qconvpd -v | grep SE | awk -FSE '{print $2}' |awk ' {print $1}'",
+    .found = {"053", " rc=%d, xargc=%d,  QuaySE=%s "},
+    .notFound = {"052", "rc=%d, xargc=%d "},
+};
+constexpr QuayReader typeModelReader = {
+    .entry = " getQuayTM",
+    .command = "/opt/brisk/bin/qconvpd -v | grep TM | awk -FTM '{print $2}'| awk -F- '{print $2}'"
+               " | awk -F[ '{print $2}' | awk -F] '{print $1}' ",
+    .found = {"053", " rc=%d, xargc=%d,  QuayTM=%s "},
+    .notFound = {"053", " rc=%d, xargc=%d "},
 };
 
-constexpr Query rackQuery = {
-    .entry = " queryRackEnclMTMS",
-    .session = &kordRec::sess_hndl_SR,
-    .className = "Orvik.TarnRack",
-    .attributes = rackAttributes,
-    .selection = "(storageFacilityMTMS=\"%s\") && (rackNumber=\"%s\")",
-    .callFailed = {.trace = {"0515", "  rack %d, %s"}},
-    .noResources = {.trace = {"0515", " no res  array_cnt_rack=%d"}},
-    .responseTrace = {"0516", "response %d, %s"},
-    .otherError = {.report = underFunction},
-};
-
-// --- Storage plex
-
-struct StoragePlex {
-    char storagePlexAccountName[100];
-};
-
-constexpr Attribute plexAttributes[] = {
-    {.name = "storagePlexAccountName", .field = fieldOf<&StoragePlex::storagePlexAccountName>},
-};
-
-constexpr Query plexQuery = {
-    .entry = " queryStoragePlex",
-    .session = &kordRec::sess_hndl_SR,
-    .className = "Orvik.TarnStoragePlex",
-    .attributes = plexAttributes,
-    .selection = "ActivePeerDomain=\"%s\" ",
-    .callFailed = {.trace = {"0511", " plex %d, %s"}},
-    .noResources = {.trace = {"0517", " no res array_cnt_plex=%d"}},
-    .responseTrace = {"0511", " response  %d, %s"},
-    .otherError = {.report = underFunction},
-};
-
-constexpr const char* typeModelCommand = "/opt/brisk/bin/qconvpd -v | grep TM | awk -FTM '{print $2}'";
-
-/// Reads every attribute of the one name that the query asks for, and hands on the item after each.
-template <typename Item, typename Use>
-int32_t forEachValue(kordRec* pKordRec, const Query& query, Resources resources, Use use)
+int32_t lengthOf(const char* text)
 {
-    Item item{};
-    for (const ValeQueryResponse& resource : resources) {
-        for (const ValeAttribute& attribute : attributesOf(query, resource)) {
-            if (strcmp(textOrEmpty(attribute.name), query.attributes[0].name) != 0) continue;
-            readAttribute(pKordRec, query, attribute, 0, &item);
-            if (const int32_t rc = use(item); rc < 0) return rc;
-        }
+    return static_cast<int32_t>(strlen(text));
+}
+
+int32_t readQuay(const kordRec* pKordRec, const QuayReader& reader, std::span<char> field)
+{
+    constexpr int32_t found = 2;
+    constexpr int32_t notFound = 1;
+    trace(pKordRec, "==>", "%s", reader.entry);
+    int32_t xargc = 0;
+    char** xargv = nullptr;
+    const int32_t rc = excuteCommand(pKordRec, reader.command, &xargc, &xargv);
+    const bool isFound = rc == 0 && xargc > 0;
+    if (isFound) {
+        const char* line = xargv[0];
+        copyText(field, line);
+        if (reader.skipsFirst) copyText(field, *field.data() != '\0' ? field.data() + 1 : "");
+        trace(pKordRec, reader.found, rc, xargc, field.data(), lengthOf(field.data()), lengthOf(line));
+    } else {
+        trace(pKordRec, reader.notFound, rc, xargc);
     }
-    return collected;
+    releaseOutput(xargv);
+    return isFound ? found : notFound;
 }
 
 /// The local console appears under its own MTMS, any other under its location code.
@@ -114,25 +108,29 @@ int32_t writeConsole(const kordRec* pKordRec, const char* quayLocationCode, cons
 
 // --- What the tables tell
 
-constexpr ToldCommand commands[] = {{.function = "getQuayFullTM", .command = typeModelCommand}};
+constexpr ToldQuery queries[] = {{.query = &quayQuery, .function = "addQuayEnclKord"}};
 
-constexpr ToldQuery queries[] = {
-    {.query = &quayQuery, .function = "addQuayEnclKord"},
-    {.query = &rackQuery},
-    {.query = &plexQuery},
-};
+constexpr Explanation identity = {.meaning = "what the console says of itself"};
+constexpr Explanation noIdentity = {.meaning = "the console does not say who it is",
+                                    .advice = "see qconvpd -v"};
 
 constexpr ToldLine lines[] = {
     {.function = "addQuayEnclKord", .line = consoleLine, .explanation = {.meaning = "a console"}},
-    {.function = "getQuayFullTM",
-     .line = noTypeModelLine,
-     .explanation = {.meaning = "the console does not say its type-model", .advice = "see qconvpd -v"}},
-    {.function = "getQuayFullTM",
-     .line = typeModelLine,
-     .explanation = {.meaning = "what the console says of itself"}},
+    {.function = "getQuayFullTM", .line = fullTypeModelReader.notFound, .explanation = noIdentity},
+    {.function = "getQuayFullTM", .line = fullTypeModelReader.found, .explanation = identity},
+    {.function = "getQuaySE", .line = quaySerialReader.found, .explanation = identity},
+    {.function = "getQuaySE", .line = quaySerialReader.notFound, .explanation = noIdentity},
+    {.function = "getQuayTM", .line = typeModelReader.found, .explanation = identity},
+    {.function = "getQuayTM", .line = typeModelReader.notFound, .explanation = noIdentity},
     {.function = "getResQuaySE",
      .line = serialLine,
      .explanation = {.meaning = "a console's serial, out of its location code"}},
+};
+
+constexpr ToldCommand commands[] = {
+    {.function = "getQuayFullTM", .command = fullTypeModelReader.command},
+    {.function = "getQuaySE", .command = quaySerialReader.command},
+    {.function = "getQuayTM", .command = typeModelReader.command},
 };
 
 } // namespace
@@ -150,33 +148,26 @@ int32_t addQuayEnclKord(kordRec* pKordRec)
     getQuaySE(pKordRec, QuaySE);
     formatText(quayMTMS, "%s-%s", QuayFullTM, QuaySE);
 
-    return runQuery(pKordRec, quayQuery, {}, [&](Resources consoles) {
-        return forEachValue<Console>(pKordRec, quayQuery, consoles, [&](const Console& console) {
-            return writeConsole(pKordRec, console.quayLocationCode, quayMTMS, QuaySE);
-        });
+    return forEachValue<Console>(pKordRec, quayQuery, {}, [&](const Console& console) {
+        return writeConsole(pKordRec, console.quayLocationCode, quayMTMS, QuaySE);
     });
 }
 
 int32_t getQuayFullTM(const kordRec* pKordRec, std::span<char> QuayTM)
 {
-    constexpr int32_t found = 2;
-    constexpr int32_t notFound = 1;
-    trace(pKordRec, "==>", " getQuayFullTM");
-    int32_t xargc = 0;
-    char** xargv = nullptr;
-    const int32_t rc = excuteCommand(pKordRec, typeModelCommand, &xargc, &xargv);
-    if (rc != 0 || xargc == 0) {
-        trace(pKordRec, noTypeModelLine, rc, xargc);
-        releaseOutput(xargv);
-        return notFound;
-    }
-    const char* line = xargv[0];
-    copyText(QuayTM, line);
-    copyText(QuayTM, *QuayTM.data() != '\0' ? QuayTM.data() + 1 : ""); // without the blank behind "TM"
-    trace(pKordRec, typeModelLine, rc, xargc, QuayTM.data(), static_cast<int32_t>(strlen(QuayTM.data())),
-          static_cast<int32_t>(strlen(line)));
-    releaseOutput(xargv);
-    return found;
+    return readQuay(pKordRec, fullTypeModelReader, QuayTM);
+}
+
+int32_t getQuaySE(const kordRec* pKordRec, std::span<char> QuaySE)
+{
+    return readQuay(pKordRec, quaySerialReader, QuaySE);
+}
+
+// The consoles of the document carry the whole type-model: nothing calls this reader of the model alone,
+// which belongs to the interface.
+int32_t getQuayTM(const kordRec* pKordRec, std::span<char> QuayTM)
+{
+    return readQuay(pKordRec, typeModelReader, QuayTM);
 }
 
 int32_t getResQuaySE(const char* input, std::span<char> output, const kordRec* pKordRec)
@@ -185,26 +176,4 @@ int32_t getResQuaySE(const char* input, std::span<char> output, const kordRec* p
     copyText(output, input[position] == '.' ? input + position + 1 : "");
     trace(pKordRec, serialLine, input, output.data(), static_cast<int32_t>(position));
     return 0;
-}
-
-int32_t queryRackEnclMTMS(kordRec* pKordRec, const char* rackNumber)
-{
-    const Request request = requestOf(rackQuery.selection, pKordRec->storageFacilityMTMS, rackNumber);
-    return runQuery(pKordRec, rackQuery, request, [&](Resources racks) {
-        Rack rack{};
-        readItem(pKordRec, rackQuery, racks[0], &rack);
-        // Consumers receive the facility's MTMS here, not the rack's.
-        writeRackEnclMTMS(pKordRec, pKordRec->storageFacilityMTMS);
-        return collected;
-    });
-}
-
-int32_t queryStoragePlex(kordRec* pKordRec)
-{
-    const Request request = requestOf(plexQuery.selection, pKordRec->activePeerDomain_quay);
-    return runQuery(pKordRec, plexQuery, request, [&](Resources plexes) {
-        return forEachValue<StoragePlex>(pKordRec, plexQuery, plexes, [&](const StoragePlex& plex) {
-            return writeStorPlex(pKordRec, plex.storagePlexAccountName);
-        });
-    });
 }

@@ -10,6 +10,7 @@
 
 #include <array>
 #include <cstdint>
+#include <cstring>
 #include <span>
 #include <type_traits>
 
@@ -346,6 +347,37 @@ void appendInterface(std::span<char> list, int32_t interface);
 
 /// An attribute reader: a list of interfaces into a text field.
 void readInterfaceList(const kordRec* pKordRec, const ValeAttribute& attribute, Field field);
+
+/// Queries the class and hands every resource, read into one item, to `use`. -1 from it ends the walk.
+template <typename Item, typename Use>
+[[nodiscard]] int32_t forEachItem(kordRec* pKordRec, const Query& query, const Request& request, Use use)
+{
+    return runQuery(pKordRec, query, request, [&](Resources resources) {
+        Item item{};
+        for (const ValeQueryResponse& resource : resources) {
+            readItem(pKordRec, query, resource, &item);
+            if (use(item) == failed) return failed;
+        }
+        return collected;
+    });
+}
+
+/// Reads every attribute of the one name that the query asks for, and hands on the item after each.
+template <typename Item, typename Use>
+[[nodiscard]] int32_t forEachValue(kordRec* pKordRec, const Query& query, const Request& request, Use use)
+{
+    return runQuery(pKordRec, query, request, [&](Resources resources) {
+        Item item{};
+        for (const ValeQueryResponse& resource : resources) {
+            for (const ValeAttribute& attribute : attributesOf(query, resource)) {
+                if (strcmp(textOrEmpty(attribute.name), query.attributes[0].name) != 0) continue;
+                readAttribute(pKordRec, query, attribute, 0, &item);
+                if (const int32_t rc = use(item); rc < 0) return rc;
+            }
+        }
+        return collected;
+    });
+}
 
 // --- The client's last error.
 

@@ -42,3 +42,4 @@ extern const ToldQueries addPartitionQueries;
 extern const ToldQueries addCountQueries;
 extern const ToldQueries addHostQueries;
 extern const ToldQueries addStorConfigQueries;
+extern const ToldQueries addUncalledQueries;

@@ -2,6 +2,7 @@
 
 #include "addQueryKord.h"
 #include "addQueryTableKord.h"
+#include "addRackKord.h"
 #include "addUtilKord.h"
 #include "addXmlKord.h"
 
@@ -10,33 +11,11 @@ namespace
 
 // --- Racks
 
-struct Rack {
-    char locationCode_rack[30];
-    char rackNumber_rack[10];
-    char rackEnclosureMTMS_rack[30];
-    int32_t rackIdentifier; ///< unsigned
-};
-
-constexpr Attribute rackAttributes[] = {
-    {.name = "locationCode", .field = fieldOf<&Rack::locationCode_rack>},
-    {.name = "rackNumber", .field = fieldOf<&Rack::rackNumber_rack>},
-    {.name = "rackEnclosureMTMS", .field = fieldOf<&Rack::rackEnclosureMTMS_rack>},
-    {.name = "rackIdentifier", .field = fieldOf<&Rack::rackIdentifier>},
-};
-
-// Consumers of the trace and of events know this collector under the storage enclosures' name.
-constexpr Query rackQuery = {
-    .entry = " addStorEnclKord",
-    .session = &kordRec::sess_hndl_SR,
-    .className = "Orvik.TarnRack",
-    .attributes = rackAttributes,
-    .selection = "storageFacilityMTMS=\"%s\" ",
-    .selectionTrace = {"0400", "%s"},
-    .callFailed = {.trace = {"0401", "  TarnRack %d, %s"}},
-    .noResources = {.trace = {"0402", " no res  array_cnt_rack=%d"}},
-    .responseTrace = {"0403", "  TarnRack %d, %s"},
-    .otherError = {.report = {.type = resourcesNotFound}},
-};
+constexpr Query rackQuery = rackQueryOf({.attributes = rackAttributes,
+                                         .selectionTrace = {"0400", "%s"},
+                                         .callFailed = {"0401", "  TarnRack %d, %s"},
+                                         .noResources = {"0402", " no res  array_cnt_rack=%d"},
+                                         .responseTrace = {"0403", "  TarnRack %d, %s"}});
 
 constexpr TraceText rackLine = {"0404 ", "rackIdentifier=%u, %s, %s, %s"};
 
@@ -207,20 +186,6 @@ using QueryParts = decltype(&queryPPS);
 /// What a rack holds, in the document's order.
 constexpr QueryParts rackParts[] = {queryPPS, queryBattery, queryRPC, queryFanSense, queryFanTray};
 
-/// Queries one class of parts and hands each part to `write`.
-template <typename Write>
-int32_t writeParts(kordRec* pKordRec, const Query& query, const Request& request, Write write)
-{
-    return runQuery(pKordRec, query, request, [&](Resources parts) {
-        Part part{};
-        for (const ValeQueryResponse& resource : parts) {
-            readItem(pKordRec, query, resource, &part);
-            write(part);
-        }
-        return collected;
-    });
-}
-
 /// The fans are queried anew for each partition image, with the same selection: a facility with two images
 /// lists each of them twice, and consumers count on it.
 template <typename Write>
@@ -228,26 +193,25 @@ int32_t writeFans(kordRec* pKordRec, const Query& query, const char* rackEnclosu
 {
     int32_t rc = collected;
     for (int32_t i = 0; i < pKordRec->num_contacts && rc == collected; ++i) {
-        rc = writeParts(pKordRec, query, requestOf(query.selection, rackEnclosureMTMS), write);
+        rc = forEachItem<Part>(pKordRec, query, requestOf(query.selection, rackEnclosureMTMS), write);
     }
     return rc;
 }
 
 int32_t addRack(kordRec* pKordRec, const Rack& rack)
 {
-    char Tyemodel[20];
-    char Serial[20];
+    char typeModel[20];
+    char serial[20];
     const uint32_t rackIdentifier = static_cast<uint32_t>(rack.rackIdentifier);
-    getStorageEnclosure_typemodel(rack.rackEnclosureMTMS_rack, Tyemodel);
-    getStorageEnclosure_serial(rack.rackEnclosureMTMS_rack, Serial);
-    trace(pKordRec, rackLine, rackIdentifier, rack.locationCode_rack, rack.rackNumber_rack,
-          rack.rackEnclosureMTMS_rack);
+    getStorageEnclosure_typemodel(rack.rackEnclosureMTMS, typeModel);
+    getStorageEnclosure_serial(rack.rackEnclosureMTMS, serial);
+    trace(pKordRec, rackLine, rackIdentifier, rack.locationCode, rack.rackNumber, rack.rackEnclosureMTMS);
 
-    openRackEncl(pKordRec, rack.locationCode_rack, rack.rackNumber_rack, rackIdentifier, Tyemodel, Serial);
+    openRackEncl(pKordRec, rack.locationCode, rack.rackNumber, rackIdentifier, typeModel, serial);
     openGlobalResources(pKordRec);
     int32_t rc = collected;
     for (const QueryParts queryParts : rackParts) {
-        rc = queryParts(pKordRec, rack.rackEnclosureMTMS_rack, rack.rackNumber_rack);
+        rc = queryParts(pKordRec, rack.rackEnclosureMTMS, rack.rackNumber);
         if (rc == failed) break;
     }
     closeGlobalResources(pKordRec);
@@ -280,23 +244,15 @@ const ToldLines addRackEnclLines = {.module = "addRackEnclKord", .lines = lines}
 
 int32_t addRackEnclKord(kordRec* pKordRec)
 {
-    const Request request = requestOf(rackQuery.selection, pKordRec->storageFacilityMTMS);
-    return runQuery(pKordRec, rackQuery, request, [&](Resources racks) {
-        Rack rack{};
-        for (const ValeQueryResponse& resource : racks) {
-            readItem(pKordRec, rackQuery, resource, &rack);
-            if (addRack(pKordRec, rack) == failed) return failed;
-        }
-        return collected;
-    });
+    return forEachRack(pKordRec, rackQuery, [&](const Rack& rack) { return addRack(pKordRec, rack); });
 }
 
 int32_t queryPPS(kordRec* pKordRec, const char* rackEnclosureMTMS, const char* rackNumber)
 {
     const Request request = requestOf(ppsQuery.selection, pKordRec->storageFacilityMTMS, rackEnclosureMTMS);
-    return writeParts(pKordRec, ppsQuery, request, [&](const Part& part) {
-        writePPS(pKordRec, part.locationCode, part.ecLevel, part.flashFirmwareLevel_pps, part.partNumber,
-                 part.serialNumber, rackNumber);
+    return forEachItem<Part>(pKordRec, ppsQuery, request, [&](const Part& part) {
+        return writePPS(pKordRec, part.locationCode, part.ecLevel, part.flashFirmwareLevel_pps,
+                        part.partNumber, part.serialNumber, rackNumber);
     });
 }
 
@@ -304,18 +260,18 @@ int32_t queryBattery(kordRec* pKordRec, const char* rackEnclosureMTMS, const cha
 {
     const Request request =
         requestOf(batteryQuery.selection, pKordRec->storageFacilityMTMS, rackEnclosureMTMS);
-    return writeParts(pKordRec, batteryQuery, request, [&](const Part& part) {
-        writeBattery(pKordRec, part.locationCode, part.ecLevel, part.partNumber, part.serialNumber,
-                     part.remainingBatteryLife, rackNumber);
+    return forEachItem<Part>(pKordRec, batteryQuery, request, [&](const Part& part) {
+        return writeBattery(pKordRec, part.locationCode, part.ecLevel, part.partNumber, part.serialNumber,
+                            part.remainingBatteryLife, rackNumber);
     });
 }
 
 int32_t queryRPC(kordRec* pKordRec, const char* rackEnclosureMTMS, const char* rackNumber)
 {
     const Request request = requestOf(rpcQuery.selection, pKordRec->storageFacilityMTMS, rackEnclosureMTMS);
-    return writeParts(pKordRec, rpcQuery, request, [&](const Part& part) {
-        writeRPC(pKordRec, part.locationCode, part.ecLevel, part.flashFirmwareLevel, part.partNumber,
-                 part.serialNumber, part.kyrosFeatureCode, rackNumber);
+    return forEachItem<Part>(pKordRec, rpcQuery, request, [&](const Part& part) {
+        return writeRPC(pKordRec, part.locationCode, part.ecLevel, part.flashFirmwareLevel, part.partNumber,
+                        part.serialNumber, part.kyrosFeatureCode, rackNumber);
     });
 }
 
@@ -323,8 +279,8 @@ int32_t queryFanSense(kordRec* pKordRec, const char* rackEnclosureMTMS, const ch
 {
     trace(pKordRec, "==>", " queryFanSense");
     return writeFans(pKordRec, fanSenseQuery, rackEnclosureMTMS, [&](const Part& part) {
-        writeFanSense(pKordRec, part.locationCode, part.ecLevel, part.partNumber, part.serialNumber,
-                      rackNumber);
+        return writeFanSense(pKordRec, part.locationCode, part.ecLevel, part.partNumber, part.serialNumber,
+                             rackNumber);
     });
 }
 
@@ -332,6 +288,6 @@ int32_t queryFanTray(kordRec* pKordRec, const char* rackEnclosureMTMS, const cha
 {
     trace(pKordRec, "==>", " queryFanTray");
     return writeFans(pKordRec, fanTrayQuery, rackEnclosureMTMS, [&](const Part& part) {
-        writeFanTray(pKordRec, part.locationCode, part.partNumber, rackNumber);
+        return writeFanTray(pKordRec, part.locationCode, part.partNumber, rackNumber);
     });
 }

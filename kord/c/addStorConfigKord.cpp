@@ -25,17 +25,13 @@ int32_t collectParts(kordRec* pKordRec, const Query& query, const char* storageF
     convertStringFromMMToDash(kordpStorageFacilityImageMTMS, storageFacilityImageMTMS);
     const Request request = requestOf(query.selection, storageFacilityImageMTMS, activePeerDomain);
 
-    return runQuery(pKordRec, query, request, [&](Resources parts) {
-        Item item{};
-        for (const ValeQueryResponse& resource : parts) { // never none
-            readItem(pKordRec, query, resource, &item);
-            if (*listIsOpen == 0) openList(pKordRec);
-            *listIsOpen = 1;
-            write(item, kordpStorageFacilityImageMTMS);
-        }
-        closeList(pKordRec);
-        return collected;
+    const int32_t rc = forEachItem<Item>(pKordRec, query, request, [&](const Item& item) {
+        if (*listIsOpen == 0) openList(pKordRec);
+        *listIsOpen = 1;
+        return write(item, kordpStorageFacilityImageMTMS);
     });
+    if (rc == collected) closeList(pKordRec); // a good answer is never empty
+    return rc;
 }
 
 struct ArraySite {
@@ -258,8 +254,8 @@ int32_t queryArraySites(kordRec* pKordRec, const char* storageFacilityImageMTMS,
                         const char* activePeerDomain, int32_t* openArraySitesResList)
 {
     const auto write = [&](const ArraySite& site, const char* image) {
-        writeArraySite(pKordRec, site.arraySite, image, site.array, site.arrayPosition, site.daPair,
-                       site.diskCapacity, site.diskRPM, lparId);
+        return writeArraySite(pKordRec, site.arraySite, image, site.array, site.arrayPosition, site.daPair,
+                              site.diskCapacity, site.diskRPM, lparId);
     };
     return collectParts<ArraySite>(pKordRec, arraySiteQuery, storageFacilityImageMTMS, activePeerDomain,
                                    openArraySitesResList, openArraySitesResourceList,
@@ -270,9 +266,9 @@ int32_t queryArrays(kordRec* pKordRec, const char* storageFacilityImageMTMS, con
                     const char* activePeerDomain, int32_t* openArraysResList)
 {
     const auto write = [&](const Array& array, const char* image) {
-        writeArray(pKordRec, array.arraySites, image, array.serialNumber, array.raidType,
-                   array.arraySiteConfiguration, array.daPair, array.diskCapacity, array.diskRPM, array.rank,
-                   array.rankPosition, lparId);
+        return writeArray(pKordRec, array.arraySites, image, array.serialNumber, array.raidType,
+                          array.arraySiteConfiguration, array.daPair, array.diskCapacity, array.diskRPM,
+                          array.rank, array.rankPosition, lparId);
     };
     return collectParts<Array>(pKordRec, arrayQuery, storageFacilityImageMTMS, activePeerDomain,
                                openArraysResList, openArraysResourceList, closeArraysResourceList, write);
@@ -282,8 +278,8 @@ int32_t queryRanks(kordRec* pKordRec, const char* storageFacilityImageMTMS, cons
                    const char* activePeerDomain, int32_t* openRanksResList)
 {
     const auto write = [&](const Rank& rank, const char* image) {
-        writeRank(pKordRec, rank.rank, image, rank.segmentPool, rank.serialNumber, rank.segmentType,
-                  rank.numberSegments, rank.rankGroup, lparId);
+        return writeRank(pKordRec, rank.rank, image, rank.segmentPool, rank.serialNumber, rank.segmentType,
+                         rank.numberSegments, rank.rankGroup, lparId);
     };
     return collectParts<Rank>(pKordRec, rankQuery, storageFacilityImageMTMS, activePeerDomain,
                               openRanksResList, openRanksResourceList, closeRanksResourceList, write);
@@ -293,9 +289,9 @@ int32_t querySegmentPools(kordRec* pKordRec, const char* storageFacilityImageMTM
                           const char* activePeerDomain, int32_t* openSegmentPoolResList)
 {
     const auto write = [&](const SegmentPool& pool, const char* image) {
-        writeSegmentPool(pKordRec, pool.segmentPool, image, pool.segmentType, pool.numberSegments,
-                         pool.segmentLimit, pool.numbervirtualSegments, pool.virtualSegmentLimit,
-                         pool.rankGroup, lparId);
+        return writeSegmentPool(pKordRec, pool.segmentPool, image, pool.segmentType, pool.numberSegments,
+                                pool.segmentLimit, pool.numbervirtualSegments, pool.virtualSegmentLimit,
+                                pool.rankGroup, lparId);
     };
     return collectParts<SegmentPool>(pKordRec, segmentPoolQuery, storageFacilityImageMTMS, activePeerDomain,
                                      openSegmentPoolResList, openSegmentPoolResourceList,

@@ -2,6 +2,7 @@
 
 #include "addQueryKord.h"
 #include "addQueryTableKord.h"
+#include "addRackKord.h"
 #include "addUtilKord.h"
 #include "addXmlKord.h"
 
@@ -10,32 +11,11 @@
 namespace
 {
 
-// --- Racks
-
-struct Rack {
-    char locationCode_rack[30];
-    char rackNumber_rack[10];
-    char rackEnclosureMTMS_rack[30];
-};
-
-constexpr Attribute rackAttributes[] = {
-    {.name = "locationCode", .field = fieldOf<&Rack::locationCode_rack>},
-    {.name = "rackNumber", .field = fieldOf<&Rack::rackNumber_rack>},
-    {.name = "rackEnclosureMTMS", .field = fieldOf<&Rack::rackEnclosureMTMS_rack>},
-};
-
-constexpr Query rackQuery = {
-    .entry = " addStorEnclKord",
-    .session = &kordRec::sess_hndl_SR,
-    .className = "Orvik.TarnRack",
-    .attributes = rackAttributes,
-    .selection = "storageFacilityMTMS=\"%s\" ",
-    .selectionTrace = {"0322 ", "%s"},
-    .callFailed = {.trace = {"0323", "  TarnRack %d, %s"}},
-    .noResources = {.trace = {"0324 ", "no res  array_cnt_rack=%d"}},
-    .responseTrace = {"0325", "  TarnRack %d, %s"},
-    .otherError = {.report = {.type = resourcesNotFound}},
-};
+constexpr Query rackQuery = rackQueryOf({.attributes = storageRackAttributes,
+                                         .selectionTrace = {"0322 ", "%s"},
+                                         .callFailed = {"0323", "  TarnRack %d, %s"},
+                                         .noResources = {"0324 ", "no res  array_cnt_rack=%d"},
+                                         .responseTrace = {"0325", "  TarnRack %d, %s"}});
 
 // --- Storage enclosures of a rack, one partition image at a time
 
@@ -216,18 +196,18 @@ int32_t addEnclosure(kordRec* pKordRec, const Enclosure& enclosure, const char* 
 {
     char RackLocation[30];
     char R1[30];
-    char enclosureTyemodel[20];
-    char enclosureSerial[20];
+    char typeModel[20];
+    char serial[20];
     formatText(RackLocation, "%s-%s", rackEnclosureMTMS, enclosure.enclosureNumber_stor);
     convertStringFromMMToDash(R1, RackLocation);
-    getStorageEnclosure_typemodel(enclosure.enclosureMTMS_stor, enclosureTyemodel);
-    getStorageEnclosure_serial(enclosure.enclosureMTMS_stor, enclosureSerial);
+    getStorageEnclosure_typemodel(enclosure.enclosureMTMS_stor, typeModel);
+    getStorageEnclosure_serial(enclosure.enclosureMTMS_stor, serial);
     trace(pKordRec, enclosureLine, RackLocation, R1, enclosure.enclosureNumber_stor,
           static_cast<int32_t>(strlen(enclosure.enclosureNumber_stor)), enclosure.locationCode_stor);
 
     openStorEncl(pKordRec, enclosure.locationCode_stor, pKordRec->kordpStorageFacilityImageMTMS[i], R1,
-                 rackNumber, enclosure.interfaceIdentifier_stor, enclosure.featureCode_stor,
-                 enclosureTyemodel, enclosureSerial);
+                 rackNumber, enclosure.interfaceIdentifier_stor, enclosure.featureCode_stor, typeModel,
+                 serial);
     openEnclosurePartitionsStor(pKordRec, enclosure.locationCode_stor, pKordRec->LParID[i]);
     openPartitionResources(pKordRec);
     trace(pKordRec, partsLine, enclosure.enclosureMTMS_stor);
@@ -275,18 +255,9 @@ const ToldLines addStorEnclLines = {.module = "addStorEnclKord", .lines = lines}
 
 int32_t addStorEnclKord(kordRec* pKordRec)
 {
-    const Request request = requestOf(rackQuery.selection, pKordRec->storageFacilityMTMS);
-    return runQuery(pKordRec, rackQuery, request, [&](Resources racks) {
-        Rack rack{};
-        for (const ValeQueryResponse& resource : racks) {
-            readItem(pKordRec, rackQuery, resource, &rack);
-            trace(pKordRec, rackLine, rack.locationCode_rack, rack.rackNumber_rack,
-                  rack.rackEnclosureMTMS_rack);
-            const int32_t rc = queryStorageEnclosure(pKordRec, rack.locationCode_rack, rack.rackNumber_rack,
-                                                     rack.rackEnclosureMTMS_rack);
-            if (rc == failed) return failed;
-        }
-        return collected;
+    return forEachRack(pKordRec, rackQuery, [&](const Rack& rack) {
+        trace(pKordRec, rackLine, rack.locationCode, rack.rackNumber, rack.rackEnclosureMTMS);
+        return queryStorageEnclosure(pKordRec, rack.locationCode, rack.rackNumber, rack.rackEnclosureMTMS);
     });
 }
 
@@ -298,15 +269,8 @@ int32_t queryStorageEnclosure(kordRec* pKordRec, const char* /*locationCode_rack
     for (int32_t i = 0; i < partitionCount(pKordRec) && rc == collected; ++i) {
         const Request request = requestOf(enclosureQuery.selection, pKordRec->StorageFacilityImageMTMS[i],
                                           rackNumber_rack, pKordRec->StorageFacilityImageID[i]);
-        rc = runQuery(pKordRec, enclosureQuery, request, [&](Resources enclosures) {
-            Enclosure enclosure{};
-            for (const ValeQueryResponse& resource : enclosures) {
-                readItem(pKordRec, enclosureQuery, resource, &enclosure);
-                if (addEnclosure(pKordRec, enclosure, rackNumber_rack, rackEnclosureMTMS_rack, i) == failed) {
-                    return failed;
-                }
-            }
-            return collected;
+        rc = forEachItem<Enclosure>(pKordRec, enclosureQuery, request, [&](const Enclosure& enclosure) {
+            return addEnclosure(pKordRec, enclosure, rackNumber_rack, rackEnclosureMTMS_rack, i);
         });
     }
     return rc;
@@ -320,16 +284,11 @@ int32_t queryDDM(kordRec* pKordRec, const char* enclosureMTMS, const char* rackN
     convertStringFromMMToDash(image, StorageFacilityImageMTMS);
     const Request request = requestOf(driveQuery.selection, StorageFacilityImageMTMS, rackNumber,
                                       enclosureMTMS, enclosureNumber, StorageFacilityImageID);
-    return runQuery(pKordRec, driveQuery, request, [&](Resources drives) {
-        Drive drive{};
-        for (const ValeQueryResponse& resource : drives) {
-            readItem(pKordRec, driveQuery, resource, &drive);
-            writeDDM(pKordRec, drive.locationCode, image, drive.ecLevel, drive.firmwareLevel,
-                     drive.partNumber, drive.serialNumber, drive.ddmName, drive.diskManufacturer,
-                     drive.diskCapacity, drive.diskRPM, drive.diskInterfaceRate, drive.arraySite,
-                     drive.arraySitePosition, drive.diskInterfaceType, drive.serviceState);
-        }
-        return collected;
+    return forEachItem<Drive>(pKordRec, driveQuery, request, [&](const Drive& drive) {
+        return writeDDM(pKordRec, drive.locationCode, image, drive.ecLevel, drive.firmwareLevel,
+                        drive.partNumber, drive.serialNumber, drive.ddmName, drive.diskManufacturer,
+                        drive.diskCapacity, drive.diskRPM, drive.diskInterfaceRate, drive.arraySite,
+                        drive.arraySitePosition, drive.diskInterfaceType, drive.serviceState);
     });
 }
 
@@ -341,14 +300,9 @@ int32_t queryFCIC(kordRec* pKordRec, const char* enclosureMTMS, const char* rack
     convertStringFromMMToDash(image, StorageFacilityImageMTMS);
     const Request request = requestOf(interfaceCardQuery.selection, rackNumber, enclosureMTMS,
                                       enclosureNumber, StorageFacilityImageID);
-    return runQuery(pKordRec, interfaceCardQuery, request, [&](Resources cards) {
-        InterfaceCard card{};
-        for (const ValeQueryResponse& resource : cards) {
-            readItem(pKordRec, interfaceCardQuery, resource, &card);
-            writeFCIC(pKordRec, card.locationCode, image, card.ecLevel, card.firmwareLevel, card.partNumber,
-                      card.serialNumber);
-        }
-        return collected;
+    return forEachItem<InterfaceCard>(pKordRec, interfaceCardQuery, request, [&](const InterfaceCard& card) {
+        return writeFCIC(pKordRec, card.locationCode, image, card.ecLevel, card.firmwareLevel,
+                         card.partNumber, card.serialNumber);
     });
 }
 
@@ -360,12 +314,7 @@ int32_t queryBaffle(kordRec* pKordRec, const char* enclosureMTMS, const char* ra
     convertStringFromMMToDash(image, StorageFacilityImageMTMS);
     const Request request =
         requestOf(baffleQuery.selection, rackNumber, enclosureMTMS, enclosureNumber, StorageFacilityImageID);
-    return runQuery(pKordRec, baffleQuery, request, [&](Resources baffles) {
-        Baffle baffle{};
-        for (const ValeQueryResponse& resource : baffles) {
-            readItem(pKordRec, baffleQuery, resource, &baffle);
-            writeBaffle(pKordRec, baffle.locationCode_baf, image, baffle.partNumber_baf);
-        }
-        return collected;
+    return forEachItem<Baffle>(pKordRec, baffleQuery, request, [&](const Baffle& baffle) {
+        return writeBaffle(pKordRec, baffle.locationCode_baf, image, baffle.partNumber_baf);
     });
 }

@@ -246,6 +246,52 @@ int32_t getLoginUserName(kordRec* pKordRec)
     return known ? 0 : 1;
 }
 
+int32_t get_StorageFacilitySystem_serial(const char* managedSystemMTMS, std::span<char> serial)
+{
+    return cut(managedSystemMTMS, 9, 7, serial);
+}
+
+int32_t get_StorageFacilitySystem_modeltype(const char* managedSystemMTMS, std::span<char> modeltype)
+{
+    return cut(managedSystemMTMS, 0, 8, modeltype);
+}
+
+int32_t getStorageEnclosure_typemodel(const char* enclosureMTMS_stor, std::span<char> enclosureTyemodel)
+{
+    return cut(enclosureMTMS_stor, 0, 8, enclosureTyemodel);
+}
+
+int32_t getStorageEnclosure_serial(const char* enclosureMTMS_stor, std::span<char> enclosureSerial)
+{
+    return cut(enclosureMTMS_stor, 9, 8, enclosureSerial);
+}
+
+int32_t convertStringFromDotToDash(std::span<char> output, const char* input)
+{
+    return convert(output, input, '.', '-');
+}
+
+int32_t convertStringFromDotToMM(std::span<char> output, const char* input)
+{
+    return convert(output, input, '.', '*');
+}
+
+int32_t convertStringFromMMToDash(std::span<char> output, const char* input)
+{
+    return convert(output, input, '*', '-');
+}
+
+int32_t removeInvalidCharInString(char* tmp)
+{
+    std::replace_if(
+        tmp, tmp + strlen(tmp), [](char c) { return c == '<' || c == '>'; }, '-');
+    return 0;
+}
+
+// --- What no collector calls. They belong to the interface: a run takes the facility's MTMS whole, of a
+// system's only the serial and the type-model, and learns the names and MTMS of partitions from the console
+// rather than compose them.
+
 int32_t get_StorageFacility_type(const char* storageFacilityMTMS, std::span<char> type)
 {
     return cut(storageFacilityMTMS, 0, 4, type);
@@ -271,26 +317,6 @@ int32_t get_StorageFacilitySystem_model(const char* managedSystemMTMS, std::span
     return get_StorageFacility_model(managedSystemMTMS, model);
 }
 
-int32_t get_StorageFacilitySystem_serial(const char* managedSystemMTMS, std::span<char> serial)
-{
-    return cut(managedSystemMTMS, 9, 7, serial);
-}
-
-int32_t get_StorageFacilitySystem_modeltype(const char* managedSystemMTMS, std::span<char> modeltype)
-{
-    return cut(managedSystemMTMS, 0, 8, modeltype);
-}
-
-int32_t getStorageEnclosure_typemodel(const char* enclosureMTMS_stor, std::span<char> enclosureTyemodel)
-{
-    return cut(enclosureMTMS_stor, 0, 8, enclosureTyemodel);
-}
-
-int32_t getStorageEnclosure_serial(const char* enclosureMTMS_stor, std::span<char> enclosureSerial)
-{
-    return cut(enclosureMTMS_stor, 9, 8, enclosureSerial);
-}
-
 int32_t convertToStorageFacilityImageMTMS(std::span<char> storageFacilityImageMTMS,
                                           const char* StorageFacilityImageID)
 {
@@ -299,28 +325,6 @@ int32_t convertToStorageFacilityImageMTMS(std::span<char> storageFacilityImageMT
     cut(StorageFacilityImageID, 0, 8, typemodel);
     cut(StorageFacilityImageID, 9, 7, serial);
     formatText(storageFacilityImageMTMS, "%s*%s", typemodel, serial);
-    return 0;
-}
-
-int32_t convertStringFromDotToDash(std::span<char> output, const char* input)
-{
-    return convert(output, input, '.', '-');
-}
-
-int32_t convertStringFromDotToMM(std::span<char> output, const char* input)
-{
-    return convert(output, input, '.', '*');
-}
-
-int32_t convertStringFromMMToDash(std::span<char> output, const char* input)
-{
-    return convert(output, input, '*', '-');
-}
-
-int32_t removeInvalidCharInString(char* tmp)
-{
-    std::replace_if(
-        tmp, tmp + strlen(tmp), [](char c) { return c == '<' || c == '>'; }, '-');
     return 0;
 }
 

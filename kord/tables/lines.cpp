@@ -9,8 +9,9 @@ namespace
 {
 
 constexpr const ToldQueries* toldQueries[] = {
-    &addTarnQueries,     &addCecEnclQueries,   &addIoEnclQueries, &addStorEnclQueries, &addRackEnclQueries,
-    &addQuayEnclQueries, &addPartitionQueries, &addCountQueries,  &addHostQueries,     &addStorConfigQueries,
+    &addTarnQueries,     &addCecEnclQueries,    &addIoEnclQueries,    &addStorEnclQueries,
+    &addRackEnclQueries, &addQuayEnclQueries,   &addPartitionQueries, &addCountQueries,
+    &addHostQueries,     &addStorConfigQueries, &addUncalledQueries,
 };
 
 constexpr const ToldLines* toldLines[] = {
