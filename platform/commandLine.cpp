@@ -130,14 +130,52 @@ void takeArguments(const Command& command, std::vector<std::string> given)
         throw Failure(std::string(command.name) + " takes no further argument: " + inQuotes(given[taken]));
 }
 
-/// The options by the library, which leaves the rest in its order.
-std::vector<std::string> takeOptions(const Command& command, const std::vector<std::string>& given)
+/// Whether all words between the commas are among those that are offered for the option.
+bool isValueOf(const Option& option, const std::string& text, const std::vector<std::string>& before)
 {
+    if (!option.offers.words) return false;
+    const std::vector<std::string> words = option.offers.words(before);
+    for (size_t at = 0; at <= text.size();) {
+        const size_t end = std::min(text.find(',', at), text.size());
+        if (std::ranges::find(words, text.substr(at, end - at)) == words.end()) return false;
+        at = end + 1;
+    }
+    return true;
+}
+
+/// Takes the options whose values may be missing, which the library would not know from arguments.
+void takeOpenOptions(const Command& command, std::vector<std::string>& given)
+{
+    for (const Option& option : command.options) {
+        if (!option.mayLackValue) continue;
+        auto& target = *std::get<std::optional<std::string>*>(option.into);
+        const std::string name = namesOf(option).back();
+        for (auto at = given.begin(); at != given.end();) {
+            const bool alone = *at == name;
+            if (!alone && !at->starts_with(name + '=')) {
+                ++at;
+                continue;
+            }
+            target = alone ? "" : at->substr(name.size() + 1);
+            at = given.erase(at);
+            if (alone && at != given.end() && isValueOf(option, *at, {given.begin(), at})) {
+                target = *at;
+                at = given.erase(at);
+            }
+        }
+    }
+}
+
+/// The options by the library, which leaves the rest in its order.
+std::vector<std::string> takeOptions(const Command& command, std::vector<std::string> given)
+{
+    takeOpenOptions(command, given);
     CLI::App app;
     app.set_help_flag();
     app.allow_extras();
-    for (const Option& option : command.options)
-        addOption(app, option);
+    for (const Option& option : command.options) {
+        if (!option.mayLackValue) addOption(app, option);
+    }
     std::vector<std::string> reversed(given.rbegin(), given.rend());
     try {
         app.parse(reversed);

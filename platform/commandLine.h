@@ -43,6 +43,9 @@ struct Option {
     std::string_view value = {}; ///< what stands for the value in texts; "a|b": one of these words
     bool required = false;
     Offers offers = {};
+    /// The value may be missing: the word behind the option is it only where the offered words are what it
+    /// consists of. Fills an optional text.
+    bool mayLackValue = false;
     uint64_t least = 0;
     uint64_t most = std::numeric_limits<uint64_t>::max();
 };

@@ -134,7 +134,8 @@ public:
     {
         if (behindMark && command->program != nullptr) return started ? "files\n" : "programs\n";
         if (command == nullptr) return offerCommands();
-        if (open != nullptr) return offerValues(*open, current == "=" ? "" : current, "");
+        if (open != nullptr && !(open->mayLackValue && current.starts_with('-')))
+            return offerValues(*open, current == "=" ? "" : current, "");
         if (current.starts_with('-') && !behindMark) return offerOptions();
         if (command->arguments.empty()) return "words\n";
         const size_t turn = std::min(arguments.size(), command->arguments.size() - 1);

@@ -39,10 +39,17 @@ std::string wrapped(std::string text, const std::vector<std::string>& words, siz
     return text + '\n';
 }
 
+std::string valueText(const Option& option)
+{
+    if (!takesValue(option)) return "";
+    const std::string value(option.value);
+    return option.mayLackValue ? " [" + value + ']' : ' ' + value;
+}
+
 std::string usageOf(const Option& option)
 {
     std::string text = namesOf(option).front();
-    if (takesValue(option)) text.append(1, ' ').append(option.value);
+    text += valueText(option);
     if (!option.required) text = '[' + text + ']';
     return takesSeveral(option.into) ? text + "..." : text;
 }
@@ -101,7 +108,7 @@ std::string entryOf(const Option& option)
     const std::vector<std::string> names = namesOf(option);
     std::string text = names.front().starts_with("--") ? "    " + names.front() : names.front();
     if (names.size() > 1) text += ", " + names[1];
-    if (takesValue(option)) text.append(1, ' ').append(option.value);
+    text += valueText(option);
     return entry(text, std::string(option.help) + defaultOf(option), column);
 }
 

@@ -25,6 +25,7 @@ struct Sample {
     std::vector<std::string> conditions;
     uint32_t count = 7;
     std::optional<std::string> user;
+    std::optional<std::string> by;
     std::string kind;
     std::vector<std::string> files;
     std::vector<std::string> program;
@@ -72,7 +73,13 @@ struct Sample {
                          .into = &user,
                          .help = "Where",
                          .value = "DIR",
-                         .offers = {.paths = Offers::Paths::folders}}},
+                         .offers = {.paths = Offers::Paths::folders}},
+                        {.names = "--by",
+                         .into = &by,
+                         .help = "By what",
+                         .value = "COLUMN,...",
+                         .offers = {.words = names, .several = true},
+                         .mayLackValue = true}},
             .run = run};
         Command start = {.name = "start",
                          .help = "Start a program",
@@ -133,6 +140,27 @@ TEST(CommandLine, TakesFileNamesAsTheyAre)
     EXPECT_EQ(run({"list", "drives", "[a,b]", "two words", "new\nline", "--user", "", "list"}), 0);
     EXPECT_THAT(run.files, ElementsAre("[a,b]", "two words", "new\nline", "list"));
     EXPECT_EQ(run.user, "");
+}
+
+TEST(CommandLine, AnOptionMayLackItsValue)
+{
+    const auto given = [](const std::vector<std::string>& arguments) {
+        Sample run;
+        EXPECT_EQ(run(arguments), 0) << run.error;
+        return std::pair(run.by, run.files);
+    };
+    using Files = std::vector<std::string>;
+    EXPECT_EQ(given({"list", "drives", "x"}), (std::pair{std::optional<std::string>{}, Files{"x"}}));
+    EXPECT_EQ(given({"list", "drives", "--by", "x"}),
+              (std::pair{std::optional<std::string>{""}, Files{"x"}}));
+    EXPECT_EQ(given({"list", "drives", "x", "--by"}),
+              (std::pair{std::optional<std::string>{""}, Files{"x"}}));
+    EXPECT_EQ(given({"list", "drives", "--by", "id,serial", "x"}),
+              (std::pair{std::optional<std::string>{"id,serial"}, Files{"x"}}));
+    EXPECT_EQ(given({"list", "drives", "--by", "id,x"}),
+              (std::pair{std::optional<std::string>{""}, Files{"id,x"}}));
+    EXPECT_EQ(given({"list", "drives", "--by=whatever", "x"}),
+              (std::pair{std::optional<std::string>{"whatever"}, Files{"x"}}));
 }
 
 TEST(CommandLine, TheLastOfSeveralCounts)
@@ -211,8 +239,8 @@ TEST(CommandLine, PrintsHelpAndVersion)
          {std::vector<std::string>{"list", "--help"}, {"list", "--lod", "-h"}, {"help", "list"}}) {
         EXPECT_EQ(run(asked), 0);
         EXPECT_EQ(run.output, "usage: sample list [-l] [--color auto|always|never] [-c COLUMN,...]\n"
-                              "                   [--where WHAT]... [-n N] [--user NAME] [--root DIR] KIND\n"
-                              "                   FILE...\n"
+                              "                   [--where WHAT]... [-n N] [--user NAME] [--root DIR]\n"
+                              "                   [--by [COLUMN,...]] KIND FILE...\n"
                               "\n"
                               "List things.\n"
                               "\n"
@@ -228,6 +256,7 @@ TEST(CommandLine, PrintsHelpAndVersion)
                               "  -n, --count N           How many (else 7)\n"
                               "      --user NAME         Who\n"
                               "      --root DIR          Where\n"
+                              "      --by [COLUMN,...]   By what\n"
                               "  -h, --help              This help\n");
     }
     EXPECT_EQ(run({"help", "start"}), 0);
