@@ -198,7 +198,7 @@ void parse(const Command& command, const std::vector<std::string>& given)
     else
         *command.program = behind;
     takeArguments(command, std::move(arguments));
-    if (command.program != nullptr && behind.empty())
+    if (command.program != nullptr && command.needsProgram && behind.empty())
         throw Failure("there is no program to run: name it after --");
 }
 

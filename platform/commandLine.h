@@ -56,6 +56,7 @@ struct Command {
     std::vector<Argument> arguments = {};
     std::vector<Option> options = {};
     std::vector<std::string>* program = nullptr; ///< takes a program and its arguments behind "--"
+    bool needsProgram = true;                    ///< where it takes one
     std::function<int()> run = {};
     int trouble = 2; ///< the status of a failure
 };

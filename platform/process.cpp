@@ -38,6 +38,16 @@ int statusOf(int waited)
     return WIFSIGNALED(waited) ? signalled + WTERMSIG(waited) : WEXITSTATUS(waited);
 }
 
+std::string quoted(const std::string& word)
+{
+    constexpr const char* plain = "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789-_./:";
+    if (!word.empty() && word.find_first_not_of(plain) == std::string::npos) return word;
+    std::string text = "'";
+    for (const char c : word)
+        text += c == '\'' ? "'\\''" : std::string(1, c);
+    return text + '\'';
+}
+
 } // namespace
 
 HeldSignals holdSignals()
@@ -66,6 +76,14 @@ int runProgram(const std::vector<std::string>& program, const HeldSignals& signa
         int waited = 0;
         if (waitpid(child, &waited, WNOHANG) == child) return statusOf(waited);
     }
+}
+
+std::string commandText(const std::vector<std::string>& command)
+{
+    std::string text;
+    for (const std::string& word : command)
+        text += (text.empty() ? "" : " ") + quoted(word);
+    return text;
 }
 
 } // namespace platform

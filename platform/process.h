@@ -23,4 +23,7 @@ HeldSignals holdSignals();
 /// returns its exit status, or 128 and the signal that ended it. A Failure when it cannot be started.
 int runProgram(const std::vector<std::string>& program, const HeldSignals& signals);
 
+/// The command as somebody would type it into a shell.
+std::string commandText(const std::vector<std::string>& command);
+
 } // namespace platform

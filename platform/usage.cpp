@@ -68,7 +68,9 @@ std::string usageOf(const Program& program, const Command& command)
         words.push_back(usageOf(option));
     for (const Argument& argument : command.arguments)
         words.push_back(usageOf(argument));
-    if (command.program != nullptr) words.insert(words.end(), {"--", "PROGRAM", "[ARGUMENT]..."});
+    const char* mark = command.needsProgram ? "--" : "[--";
+    const char* rest = command.needsProgram ? "[ARGUMENT]..." : "[ARGUMENT]...]";
+    if (command.program != nullptr) words.insert(words.end(), {mark, "PROGRAM", rest});
     std::string start = "usage: ";
     start.append(program.name).append(1, ' ').append(command.name).append(1, ' ');
     const size_t indent = start.size();

@@ -106,19 +106,26 @@ void addLines(std::string& text, const ordered_json& list, const std::string& in
 
 } // namespace
 
-ordered_json buildFacility(const std::vector<Call>& calls)
+ordered_json buildFacility(const Origin& origin, const std::vector<Call>& calls)
 {
     Gatherer gatherer;
     for (const Call& call : calls)
         gatherer.take(call);
     ordered_json facility = gatherer.facility();
+    ordered_json& recording = facility["recording"];
+    recording["command"] = origin.command;
+    if (!origin.system.empty()) recording["system"] = origin.system;
+    recording["date"] = origin.date;
+    recording["status"] = origin.status;
+    recording["versions"] = origin.versions;
     facility["faults"] = rulesFor(calls, RegularConsole(gatherer));
     return facility;
 }
 
 std::string toText(const ordered_json& facility)
 {
-    std::string text = "{\n  \"console\": " + facility["console"].dump() +
+    std::string text = "{\n  \"recording\": " + facility["recording"].dump() +
+                       ",\n  \"console\": " + facility["console"].dump() +
                        ",\n  \"systems\": " + facility["systems"].dump() + ",\n  \"resources\": {";
     for (const char* separator = "\n"; const auto& [name, resources] : facility["resources"].items()) {
         text += separator + ("    \"" + name) + "\": ";

@@ -2,6 +2,7 @@
 // they have: each passes the call on unchanged to the next of its name in the loader's order, and writes down
 // what was asked and answered. Nothing is asked of the client that the program did not ask.
 
+#include "recorder/builds.h"
 #include "recorder/tape.h"
 #include "vale.h"
 
@@ -25,6 +26,23 @@ Function* nextOf(const char* name)
     if (next != nullptr) return reinterpret_cast<Function*>(next);
     std::fprintf(stderr, "recorder: the console's client has no %s\n", name);
     std::abort();
+}
+
+// ---- who calls ----
+
+std::span<char*> commandLine;
+
+[[gnu::constructor]] void keepCommandLine(int count, char** arguments, char**)
+{
+    commandLine = {arguments, static_cast<size_t>(count)};
+}
+
+/// Once in a process that uses the client.
+void introduce()
+{
+    if (commandLine.empty()) return;
+    append({{"collector", commandLine}, {"builds", builds()}});
+    commandLine = {};
 }
 
 // ---- what the client's handles stand for ----
@@ -181,6 +199,7 @@ int32_t vale_start_session(const char* const* contacts, uint32_t contactCount, u
                            ValeSessionHandle* session)
 {
     static auto* const next = nextOf<decltype(vale_start_session)>("vale_start_session");
+    introduce();
     const int32_t result = next(contacts, contactCount, scope, session);
     if (session != nullptr && *session != nullptr) scopes[*session] = scope;
     return finish({{"vale", "start_session"}, {"scope", scope}}, result);

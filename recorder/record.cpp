@@ -2,12 +2,14 @@
 
 #include "recorder/record.h"
 
+#include "facility/collection.h"
 #include "facility/compile.h"
 #include "platform/failure.h"
 #include "platform/installation.h"
 #include "platform/process.h"
 #include "platform/wholeFile.h"
 #include "recorder/builder.h"
+#include "recorder/gatherer.h"
 #include "recorder/redactor.h"
 #include "recorder/tape.h"
 
@@ -17,6 +19,7 @@
 #include <fcntl.h>
 #include <fstream>
 #include <optional>
+#include <sstream>
 #include <unistd.h>
 
 namespace recorder
@@ -89,13 +92,43 @@ private:
     std::optional<std::string> before;
 };
 
-Tape readTape(const fs::path& path)
-{
+/// A tape, and apart from it who made the calls on it.
+struct Heard {
     Tape tape;
+    std::vector<json> collectors;
+};
+
+Heard readTape(const fs::path& path)
+{
+    Heard heard;
     std::ifstream file(path);
-    for (std::string line; std::getline(file, line);)
-        tape.push_back(json::parse(line));
-    return tape;
+    for (std::string text; std::getline(file, text);) {
+        const json line = json::parse(text, nullptr, false);
+        if (line.is_discarded())
+            throw platform::Failure(path.string() + ": the recording is cut: is the disk full?");
+        (line.contains("collector") ? heard.collectors : heard.tape).push_back(line);
+    }
+    return heard;
+}
+
+/// Where one process alone used the client, it was that one's run, whatever started it.
+void tellOrigin(Origin& origin, const std::vector<json>& collectors)
+{
+    if (collectors.empty()) return;
+    for (const auto& [part, build] : collectors[0]["builds"].items())
+        origin.versions[part] = build;
+    if (collectors.size() == 1) origin.command = withBareName(collectors[0]["collector"]);
+}
+
+/// The system that a collection is for, or else the one whose state was asked for first.
+std::string systemOf(const std::vector<std::string>& command, const std::vector<Call>& calls)
+{
+    if (facility::isCollection(command)) return command[2];
+    for (const Call& call : calls) {
+        const std::string system = systemAskedFor(call.arguments);
+        if (!system.empty()) return system;
+    }
+    return {};
 }
 
 void checkFacility(const std::string& text)
@@ -105,18 +138,46 @@ void checkFacility(const std::string& text)
     throw platform::Failure("the recording cannot be replayed: " + facility::toLine(faults.front()));
 }
 
-std::string quoted(const std::string& word)
+constexpr mode_t ownersOnly = 0600;
+
+/// The pairs of earlier recordings; none when there is no such file yet.
+StandIns readMap(const std::string& path)
 {
-    constexpr const char* plain = "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789-_./:";
-    return word.find_first_not_of(plain) == std::string::npos ? word : '\'' + word + '\'';
+    StandIns standIns;
+    std::ifstream file(path, std::ios::binary);
+    if (path.empty() || (!file && errno == ENOENT)) return standIns;
+    std::ostringstream text;
+    if (!file || !(text << file.rdbuf())) throw platform::failedOn(path);
+    try {
+        standIns.load(text.str());
+    } catch (const platform::Failure& failure) {
+        throw platform::Failure(path + ": " + failure.what());
+    }
+    return standIns;
 }
 
-void tellHowToReplay(const Options& options, const std::vector<std::string>& program)
+void writeMap(const std::string& path, const StandIns& standIns)
 {
-    std::string command = "kord-console run --facility " + quoted(options.output) + " --root DIR --";
-    for (const std::string& word : program)
-        command += ' ' + quoted(word);
-    std::fprintf(stderr, "kord: replay with %s\n", command.c_str());
+    platform::WholeFile file(path, ownersOnly);
+    file.write(standIns.pairs());
+    file.putInPlace();
+}
+
+/// What repeats the recording: nothing more where it says itself what ran.
+std::vector<std::string> repeatedBy(const Origin& origin, const std::vector<std::string>& program)
+{
+    return facility::isCollection(origin.command) ? std::vector<std::string>() : program;
+}
+
+void tellWhatIsNext(const Options& options, const Origin& origin, const std::vector<std::string>& program)
+{
+    std::vector<std::string> repeat = {"kord-console", "run", "--facility", options.output, "--root", "DIR"};
+    if (!program.empty()) repeat.emplace_back("--");
+    repeat.insert(repeat.end(), program.begin(), program.end());
+    const std::string log = origin.system.empty() ? "TRACE" : "DIR/" + facility::traceLogOf(origin.system);
+    std::fprintf(stderr, "kord: repeat it with: %s\nkord: and see what happened: %s\n",
+                 platform::commandText(repeat).c_str(),
+                 platform::commandText({"kord", "explain", log}).c_str());
 }
 
 /// A tape as its replay must repeat it. The numbers of resources are the recorder's own; the arguments of a
@@ -151,15 +212,15 @@ void verify(const Workshop& workshop, const platform::Installation& installation
                                        "--facility",
                                        file,
                                        "--root",
-                                       workshop.file("root"),
-                                       "--"};
+                                       workshop.file("root")};
+    if (!program.empty()) replay.emplace_back("--");
     replay.insert(replay.end(), program.begin(), program.end());
     {
         const Recorder recorder(workshop, installation, tape);
         platform::runProgram(replay, signals);
     }
     const Tape before = comparable(recorded);
-    const Tape after = comparable(readTape(tape));
+    const Tape after = comparable(readTape(tape).tape);
     if (after.empty())
         throw platform::Failure("the replay of the recording made no call: see kord-console run");
     const auto difference = std::ranges::mismatch(before, after);
@@ -175,31 +236,40 @@ void verify(const Workshop& workshop, const platform::Installation& installation
 
 int record(const Options& options)
 {
+    if (!options.map.empty() && !options.redact) throw platform::Failure("--map needs --redact");
     const platform::Installation installation = platform::findInstallation();
     const Workshop workshop;
     const fs::path tapeFile = workshop.file("tape.jsonl");
-    std::vector<std::string> program = installation.find(options.program);
+    StandIns standIns = readMap(options.map);
+    Origin origin = beginOrigin(options.program);
     const platform::HeldSignals signals = platform::holdSignals();
-    int status = 0;
     {
         const Recorder recorder(workshop, installation, tapeFile);
-        status = platform::runProgram(program, signals);
+        origin.status = platform::runProgram(installation.find(options.program), signals);
     }
-    Tape tape = readTape(tapeFile);
-    if (tape.empty()) throw platform::Failure(options.program[0] + " made no call that could be recorded");
-    program = options.program;
+    Heard heard = readTape(tapeFile);
+    if (heard.tape.empty())
+        throw platform::Failure(options.program[0] + " made no call that could be recorded");
+    tellOrigin(origin, heard.collectors);
+    std::vector<std::string> program = options.program;
     if (options.redact) {
-        Redactor redactor;
-        redactor.redact(tape);
-        for (std::string& word : program)
-            word = redactor.argument(word);
+        Redactor redactor(standIns);
+        redactor.redact(heard.tape);
+        program = redactor.commandLine(program);
+        origin.command = facility::isCollection(origin.command)
+                             ? redactor.commandLine(origin.command)
+                             : std::vector<std::string>{origin.command[0]}; // who knows what the rest tells
     }
-    const std::string facility = toText(buildFacility(readCalls(tape)));
+    const std::vector<Call> calls = readCalls(heard.tape);
+    origin.system = systemOf(origin.command, calls);
+    const std::string facility = toText(buildFacility(origin, calls));
     checkFacility(facility);
-    if (options.verify) verify(workshop, installation, facility, tape, program, signals);
+    program = repeatedBy(origin, program);
+    if (options.verify) verify(workshop, installation, facility, heard.tape, program, signals);
+    if (!options.map.empty()) writeMap(options.map, standIns);
     platform::writeWhole(options.output, facility);
-    tellHowToReplay(options, program);
-    return status;
+    tellWhatIsNext(options, origin, program);
+    return origin.status;
 }
 
 } // namespace recorder

@@ -14,6 +14,7 @@ constexpr int recordingFailed = 125;
 struct Options {
     std::string output; ///< the facility file
     bool redact = false;
+    std::string map; ///< with redact: the file that keeps the pairs of originals and stand-ins; empty: none
     bool verify = false; ///< replay it at once and compare
     std::vector<std::string> program;
 };

@@ -9,9 +9,11 @@
 //   {"vale": "get_errmsg", "message": "the last failed call's"}
 //   {"program": "whoami", "arguments": [], "status": 0, "output": "root\n"}
 //   {"started": "/opt/brisk/bin/qmstat"}
+//   {"collector": ["addTarnKord", "-t", ...], "builds": {"collector": "6363b3...", "client": "05c1f0..."}}
 //
 // Handles are numbered as they are first seen. A program's line follows when it has ended; "started" says
-// that a console program began, also one that the console's wrapper started.
+// that a console program began, also one that the console's wrapper started; "collector" with
+// what command line a process began to use the client.
 
 #pragma once
 

@@ -162,6 +162,18 @@ void writeConsole(const json& console, ImageWriter& writer, image::Header& heade
     header.vpdLineCount = lines.count;
 }
 
+void writeRecording(const json& recording, ImageWriter& writer, image::Header& header)
+{
+    header.recordedStatus = recording.value("status", -1);
+    const auto date = recording.find("date");
+    if (date != recording.end()) header.recordedDate = writer.text(date->get_ref<const std::string&>());
+    const auto command = recording.find("command");
+    if (command == recording.end() || command->empty()) return;
+    const image::Value words = writeValue(writer, *command, image::Type::texts);
+    header.recordedCommand = words.data;
+    header.recordedWordCount = words.count;
+}
+
 void writeSystems(const json& systems, ImageWriter& writer, image::Header& header)
 {
     std::vector<image::System> written;
@@ -197,6 +209,7 @@ Compilation compile(std::string_view file)
     image::Header header{};
     header.magic = image::magic;
     writeConsole(frame.value("console", json::object()), writer, header);
+    writeRecording(frame.value("recording", json::object()), writer, header);
     writeSystems(frame.value("systems", json::object()), writer, header);
     writeRules(rules, schema, writer, header);
     resources.finish(header);

@@ -13,7 +13,7 @@ namespace console::image
 
 using Offset = uint64_t;
 
-constexpr uint32_t magic = 0x4b4f5231; // "KOR1"
+constexpr uint32_t magic = 0x4b4f5232; // "KOR2"
 
 /// The types of vale.h, and one more for a list of integers and texts.
 enum class Type : int32_t { text = 1, integer = 2, uinteger = 3, integers = 4, texts = 5, mixed = 6 };
@@ -119,6 +119,10 @@ struct Header {
     Offset user;     ///< 0: whoami fails
     Offset vpdLines; ///< vpdLineCount Offset of texts; 0: qconvpd fails
     uint64_t vpdLineCount;
+    Offset recordedCommand; ///< recordedWordCount Offset of texts; 0: the facility is no recording
+    uint64_t recordedWordCount;
+    Offset recordedDate;    ///< 0: unknown
+    int64_t recordedStatus; ///< -1: unknown
 };
 
 /// A run's shared state lies beside the image, zero-filled by the launcher: one RunState, then a RuleState

@@ -59,15 +59,6 @@ platform::FileDescriptor create(const fs::path& path, int flags)
     return file;
 }
 
-uint64_t ruleCount(const fs::path& imagePath)
-{
-    const platform::FileDescriptor file(open(imagePath.c_str(), O_RDONLY | O_CLOEXEC));
-    image::Header header{};
-    if (pread(file.get(), &header, sizeof header, 0) != sizeof header)
-        throw platform::failedOn(imagePath.string());
-    return header.ruleCount;
-}
-
 } // namespace
 
 void refuseCovered(const fs::path& root)
@@ -94,9 +85,8 @@ fs::path layOut(const fs::path& root, const platform::Installation& installation
     return fs::canonical(root);
 }
 
-void startAfresh(const fs::path& root)
+void startAfresh(const fs::path& root, uint64_t rules)
 {
-    const uint64_t rules = ruleCount(root / image::imageFile);
     create(root / image::journalFile, O_TRUNC);
     // A process of an earlier run may still have the old state mapped: it keeps it, and is not cut off.
     const fs::path state = root / image::stateFile;

@@ -5,6 +5,7 @@
 #include "platform/installation.h"
 
 #include <array>
+#include <cstdint>
 #include <filesystem>
 
 namespace console::launcher
@@ -25,7 +26,7 @@ void refuseCovered(const std::filesystem::path& root);
 /// absolute path. Everything else that lies there stays.
 std::filesystem::path layOut(const std::filesystem::path& root, const platform::Installation& installation);
 
-/// An empty journal and zeroed shared state, for the image that lies under the root.
-void startAfresh(const std::filesystem::path& root);
+/// An empty journal and zeroed shared state for a facility of that many fault rules.
+void startAfresh(const std::filesystem::path& root, uint64_t rules);
 
 } // namespace console::launcher

@@ -36,7 +36,7 @@ int make(const facility::Sizes& sizes)
 platform::Command runCommand(launcher::RunOptions& options)
 {
     return {.name = "run",
-            .help = "Run a program on the console",
+            .help = "Run a program on the console, or repeat what FILE is a recording of",
             .options = {{.names = "--facility",
                          .into = &options.facility,
                          .help = "The facility file",
@@ -54,6 +54,7 @@ platform::Command runCommand(launcher::RunOptions& options)
                          .value = "NAME",
                          .offers = {.paths = platform::Offers::Paths::none}}},
             .program = &options.program,
+            .needsProgram = false, // a recording says itself what is run
             .run = [&] { return launcher::run(options); },
             .trouble = launcherFailed};
 }

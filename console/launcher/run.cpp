@@ -3,7 +3,9 @@
 #include "run.h"
 
 #include "console.h"
+#include "facility/collection.h"
 #include "facilityCache.h"
+#include "facilityImage.h"
 #include "image/image.h"
 #include "links.h"
 #include "namespaces.h"
@@ -11,6 +13,7 @@
 #include "platform/installation.h"
 #include "platform/process.h"
 
+#include <cstdio>
 #include <cstdlib>
 #include <unistd.h>
 
@@ -48,6 +51,38 @@ platform::Failure noWay(const std::string& reason)
                              "): run as root, or allow unprivileged user namespaces");
 }
 
+/// What is run: what was named, or else what the recording was taken of. Of what a file says only a
+/// collection is started, and with the collector that is found here.
+std::vector<std::string> programOf(const RunOptions& options, const Recording& recording)
+{
+    if (!options.program.empty()) return options.program;
+    if (recording.command.empty()) throw platform::Failure("there is no program to run: name it after --");
+    if (!facility::isCollection(recording.command))
+        throw platform::Failure(options.facility + " was recorded of " + recording.command[0] +
+                                ": name the program to run after --");
+    std::vector<std::string> program = recording.command;
+    program[0] = facility::collector;
+    return program;
+}
+
+void say(const std::string& line)
+{
+    std::fprintf(stderr, "kord-console: %s\n", line.c_str());
+}
+
+/// Where the run is a recording's, what came of it.
+void tellOutcome(const Recording& recording, const fs::path& root, int status)
+{
+    std::string line = platform::commandText(recording.command) + " ended with " + std::to_string(status);
+    if (recording.status == status) line += ", as recorded";
+    if (recording.status >= 0 && recording.status != status)
+        line += "; recorded was " + std::to_string(recording.status);
+    if (!recording.date.empty()) line += " on " + recording.date;
+    say(line);
+    say("see what happened: " +
+        platform::commandText({"kord", "explain", root / facility::traceLogOf(recording.command[2])}));
+}
+
 } // namespace
 
 int run(const RunOptions& options)
@@ -57,7 +92,10 @@ int run(const RunOptions& options)
     const platform::Installation installation = platform::findInstallation();
     const fs::path root = layOut(options.root, installation);
     provideImage(options.facility, root, installation);
-    startAfresh(root);
+    const FacilityImage image(root);
+    const Recording recording = image.recording();
+    const std::vector<std::string> program = programOf(options, recording);
+    startAfresh(root, image.ruleCount());
     setEnvironment(root, installation, options.user);
 
     const std::string refusal = enterNamespace();
@@ -74,7 +112,9 @@ int run(const RunOptions& options)
     }
     const platform::HeldSignals signals = platform::holdSignals();
     if (lock) links.emplace(root);
-    return platform::runProgram(installation.find(options.program), signals);
+    const int status = platform::runProgram(installation.find(program), signals);
+    if (options.program.empty()) tellOutcome(recording, root, status);
+    return status;
 }
 
 } // namespace console::launcher

@@ -12,6 +12,7 @@
 #include <gtest/gtest.h>
 #include <regex>
 #include <set>
+#include <sys/stat.h>
 #include <unistd.h>
 
 namespace
@@ -111,6 +112,13 @@ protected:
         return run(folder / "facility.json", "recorded", program, arguments);
     }
     Left replay() { return run(recordedFile, "replay", {}, arguments); }
+    /// As somebody repeats it who knows nothing but the file.
+    [[nodiscard]] Outcome repeat() const
+    {
+        return kordTest::runProcess(
+            {.arguments = {console, "run", "--facility", recordedFile, "--root", folder / "replay"},
+             .folder = folder});
+    }
     [[nodiscard]] json recording() const
     {
         return json::parse(kordTest::readFile(recordedFile).value_or("null"));
@@ -154,12 +162,112 @@ TEST_F(Recording, PassesItsCheck)
     EXPECT_EQ(check.output, "");
 }
 
-TEST_F(Recording, SaysHowToReplay)
+TEST_F(Recording, SaysWhatIsNext)
 {
     const Left recorded = record(facilityWith("small.json", json::array()));
-    EXPECT_EQ(recorded.outcome.error, "kord: replay with kord-console run --facility " +
-                                          recordedFile.string() + " --root DIR -- addTarnKord -t '" +
-                                          system0 + "'\n");
+    EXPECT_EQ(recorded.outcome.error, "kord: repeat it with: kord-console run --facility " +
+                                          recordedFile.string() +
+                                          " --root DIR\nkord: and see what happened: kord explain "
+                                          "DIR/var/tarnquay/log/kord.7ABCD12.log\n");
+}
+
+TEST_F(Recording, TellsWhatRanAndHowItEnded)
+{
+    const json faults =
+        json::parse(R"([{"class": "Orvik.TarnRack", "fails": {"code": 9, "message": "gone\n"}}])");
+    const Left recorded = record(facilityWith("small.json", faults));
+    const json told = recording()["recording"];
+    EXPECT_EQ(told["command"], json::array({"addTarnKord", "-t", system0}));
+    EXPECT_EQ(told["system"], system0);
+    EXPECT_EQ(told["status"], recorded.outcome.status);
+    EXPECT_EQ(recorded.outcome.status, 255);
+    const std::regex date("20[0-9]{2}-[0-9]{2}-[0-9]{2}T[0-9]{2}:[0-9]{2}:[0-9]{2}Z");
+    EXPECT_TRUE(std::regex_match(told["date"].get<std::string>(), date)) << told["date"];
+    EXPECT_EQ(told["versions"]["kord"], KORD_VERSION);
+    EXPECT_TRUE(told["versions"]["machine"].get<std::string>().starts_with("Linux ")) << told["versions"];
+}
+
+/// The numbers that another program reads out of the same files.
+TEST_F(Recording, KnowsTheBuildsThatTookPart)
+{
+    record(facilityWith("small.json", json::array()));
+    const json versions = recording()["recording"]["versions"];
+    for (const auto& [part, file] :
+         {std::pair("collector", "bin/addTarnKord"), std::pair("client", "lib/libvale_mc.so")}) {
+        const Outcome notes = kordTest::runProcess(
+            {.arguments = {"/usr/bin/env", "readelf", "-n", buildFolder / file}, .folder = {}});
+        ASSERT_EQ(notes.status, 0) << notes.error;
+        EXPECT_NE(notes.output.find("Build ID: " + versions[part].get<std::string>() + "\n"),
+                  std::string::npos)
+            << notes.output;
+    }
+}
+
+TEST_F(Recording, IsRepeatedByItselfAlone)
+{
+    user = "brisk";
+    arguments[0] = "-m";
+    const Left recorded = record(facilityWith("facility.json", json::array()));
+    const Outcome outcome = repeat();
+    EXPECT_EQ(outcome.status, recorded.outcome.status);
+    EXPECT_EQ(outcome.output, recorded.outcome.output);
+    const std::string date = recording()["recording"]["date"];
+    EXPECT_EQ(outcome.error, "kord-console: addTarnKord -m '" + system0 + "' ended with 3, as recorded on " +
+                                 date + "\nkord-console: see what happened: kord explain " +
+                                 fs::canonical(folder / "replay").string() +
+                                 "/var/tarnquay/log/kord.7ABCD12.log\n");
+    EXPECT_EQ(readJournal(folder / "replay"), recorded.journal);
+    EXPECT_EQ(readTrace(kordTest::traceFile(folder / "replay", system0)), recorded.trace);
+}
+
+TEST_F(Recording, OfAScriptIsTheCollectorsThatItRan)
+{
+    write(folder / "facility.json", facilityWith("small.json", json::array()).dump());
+    const Texts program = {kord,
+                           "record",
+                           "-o",
+                           recordedFile,
+                           "--",
+                           "/bin/sh",
+                           "-c",
+                           "\"$0\" -t '" + system0 + "'",
+                           buildFolder / "bin/addTarnKord"};
+    const Outcome recorded = kordTest::runOnConsole({.console = console,
+                                                     .facility = folder / "facility.json",
+                                                     .root = folder / "recorded",
+                                                     .folder = folder,
+                                                     .user = std::nullopt,
+                                                     .program = program});
+    EXPECT_EQ(recorded.status, 3) << recorded.error;
+    EXPECT_EQ(recording()["recording"]["command"], json::array({"addTarnKord", "-t", system0}));
+    EXPECT_EQ(repeat().output, recorded.output);
+}
+
+/// A file from somebody else says what to collect, never what to run.
+TEST_F(Recording, RunsNothingButACollection)
+{
+    json facility = facilityWith("small.json", json::array());
+    facility["recording"] = {{"command", {"touch", "-a", folder / "touched"}}};
+    write(recordedFile, facility.dump());
+    Outcome outcome = repeat();
+    EXPECT_EQ(outcome.status, 125);
+    EXPECT_EQ(outcome.error, "kord-console: " + recordedFile.string() +
+                                 " was recorded of touch: name the program to run after --\n");
+    facility["recording"]["command"] = {folder / "addTarnKord", "-t", system0};
+    write(recordedFile, facility.dump());
+    write(folder / "addTarnKord", "#!/bin/sh\n: > touched\n");
+    fs::permissions(folder / "addTarnKord", fs::perms::owner_all);
+    outcome = repeat();
+    EXPECT_EQ(outcome.status, 3) << outcome.error;
+    EXPECT_FALSE(fs::exists(folder / "touched"));
+}
+
+TEST_F(Recording, WithoutACommandNeedsOneToRepeat)
+{
+    write(recordedFile, facilityWith("small.json", json::array()).dump());
+    const Outcome outcome = repeat();
+    EXPECT_EQ(outcome.status, 125);
+    EXPECT_EQ(outcome.error, "kord-console: there is no program to run: name it after --\n");
 }
 
 TEST_F(Recording, HasTheResourcesThatTheRunSaw)
@@ -363,14 +471,6 @@ std::set<std::string> tellingParts(const json& facility)
     return parts;
 }
 
-/// The MTMS on the replay command that the recording printed.
-std::string replayedSystem(const Left& recorded)
-{
-    std::smatch found;
-    std::regex_search(recorded.outcome.error, found, std::regex("'([^']*)'\n$"));
-    return found[1];
-}
-
 void expectSameStructure(const Left& recorded, const Left& replayed)
 {
     EXPECT_EQ(replayed.outcome.status, recorded.outcome.status);
@@ -384,7 +484,7 @@ TEST_F(Recording, RedactedGivesADocumentOfTheSameStructure)
 {
     const Left recorded = record(facilityWith("facility.json", json::array()), {"--redact"});
     ASSERT_EQ(recorded.outcome.status, 3) << recorded.outcome.error;
-    arguments[1] = replayedSystem(recorded);
+    arguments[1] = recording()["recording"]["system"];
     EXPECT_EQ(arguments[1].substr(0, 9), system0.substr(0, 9));
     const Left replayed = replay();
     EXPECT_NE(replayed.document, recorded.document);
@@ -415,6 +515,34 @@ TEST_F(Recording, RedactedHoldsNoOriginal)
     for (const char* original : {"jane", "10ABCDE", "7ABCD34"})
         EXPECT_EQ(redacted.find(original), std::string::npos) << original;
     EXPECT_NE(redacted.find("fails"), std::string::npos);
+}
+
+TEST_F(Recording, RedactedOfAHostileConsoleHoldsNoOriginal)
+{
+    const json faults = json::parse(R"([
+      {"program": "whoami", "status": 0, "output": "secretuser\nsecretrest\n"},
+      {"program": "qmstat", "nth": 2, "status": 0, "output": "Operating\nsecretstate\n"}
+    ])");
+    json facility = facilityWith("facility.json", faults);
+    facility["console"]["vpd"] = {"*TM 4821-K7Q secretTM", "*SE 10TMsecret", "secretTM SE secretSE",
+                                  "*DS secretDS"};
+    int number = 0;
+    for (const auto& [name, attribute] :
+         {std::pair("Orvik.TarnDDM", "serialNumber"),
+          std::pair("Orvik.TarnScsiHostPort", "userHostDescription"),
+          std::pair("Orvik.TarnStorageFacilityPartition", "lparName"),
+          std::pair("Orvik.TarnQUAY", "quayLocationCode"), std::pair("Orvik.TarnRack", "locationCode")}) {
+        for (json& resource : facility["resources"][name])
+            resource[attribute] = "secret \"" + std::to_string(number++) + "\" TM/SE % secret";
+    }
+    record(facility);
+    EXPECT_NE(kordTest::readFile(recordedFile).value().find("secret"), std::string::npos);
+    fs::remove_all(folder / "recorded");
+    const Left recorded = record(facility, {"--redact"});
+    EXPECT_NE(recorded.outcome.status, 125) << recorded.outcome.error;
+    const std::string text = kordTest::readFile(recordedFile).value();
+    const size_t left = text.find("secret");
+    EXPECT_EQ(left, std::string::npos) << text.substr(left == std::string::npos ? 0 : left, 100);
 }
 
 TEST_F(Recording, RedactedKeepsWhatBelongsTogether)
@@ -452,6 +580,40 @@ TEST_F(Recording, IsRedactedDifferentlyEachTime)
     const json first = recording();
     record(facility, {"--redact"});
     EXPECT_NE(recording()["resources"]["Orvik.TarnDDM"], first["resources"]["Orvik.TarnDDM"]);
+}
+
+/// Two recordings of one console with one map differ where the console does.
+TEST_F(Recording, RedactedByAMapComparesWithTheOneBefore)
+{
+    const fs::path map = folder / "map.json";
+    json facility = facilityWith("small.json", json::array());
+    record(facility, {"--redact", "--map", map});
+    const json first = recording();
+    struct stat status {
+    };
+    ASSERT_EQ(stat(map.c_str(), &status), 0);
+    EXPECT_EQ(status.st_mode & 0777, 0600U);
+    facility["resources"]["Orvik.TarnDDM"][0]["serialNumber"] = "NEWDRIVE1";
+    fs::remove_all(folder / "recorded");
+    record(facility, {"--redact", "--map", map});
+    const json second = recording();
+    const json difference = json::diff(first["resources"], second["resources"]);
+    ASSERT_EQ(difference.size(), 1U) << difference;
+    EXPECT_EQ(difference[0]["path"], "/Orvik.TarnDDM/0/serialNumber");
+    // Every stand-in leads back.
+    const json pairs = json::parse(kordTest::readFile(map).value());
+    EXPECT_EQ(pairs["NEWDRIVE1"], second["resources"]["Orvik.TarnDDM"][0]["serialNumber"]);
+    EXPECT_EQ(pairs["7ABCD12"], second["recording"]["system"].get<std::string>().substr(9));
+    EXPECT_EQ(second["recording"]["command"], first["recording"]["command"]);
+}
+
+TEST_F(Recording, NeedsAMapThatIsOne)
+{
+    const std::string map = folder / "map.json";
+    write(map, "{\"7ABCD12\": \"short\"}");
+    const Outcome outcome = recordAlone({"--output", recordedFile, "--redact", "--map", map}, {"true"});
+    expectRefusal(outcome, map + ": no stand-in: \"short\"");
+    expectRefusal(recordAlone({"--output", recordedFile, "--map", map}, {"true"}), "--map needs --redact");
 }
 
 // ---- consoles of every kind of trouble ----

@@ -35,6 +35,7 @@ std::string replaced(const std::string& text, const std::string& expression, con
 std::string plain(const std::string& synopsis)
 {
     std::string text = replaced(synopsis, "\n?\\.Op ([^\n]*)", " [$1]");
+    text = replaced(text, " Op ([^\n\\]]*)", " [$1]"); // within another
     text = replaced(text, "\n\\.", " ");
     text = replaced(text, "\\b(Fl|Cm) ", "$1");
     text = replaced(text, "Fl", "-");

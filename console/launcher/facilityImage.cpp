@@ -1,0 +1,44 @@
+#include "facilityImage.h"
+
+#include "platform/failure.h"
+#include "platform/fileDescriptor.h"
+
+#include <fcntl.h>
+#include <sys/mman.h>
+#include <sys/stat.h>
+
+namespace console::launcher
+{
+
+namespace fs = std::filesystem;
+
+FacilityImage::FacilityImage(const fs::path& root)
+{
+    const fs::path path = root / image::imageFile;
+    const platform::FileDescriptor file(open(path.c_str(), O_RDONLY | O_CLOEXEC));
+    struct stat status {
+    };
+    if (fstat(file.get(), &status) != 0) throw platform::failedOn(path.string());
+    size = static_cast<size_t>(status.st_size);
+    const void* base = mmap(nullptr, size, PROT_READ, MAP_PRIVATE, file.get(), 0);
+    if (base == MAP_FAILED) throw platform::failedOn(path.string());
+    image.base = static_cast<const char*>(base);
+}
+
+FacilityImage::~FacilityImage()
+{
+    munmap(const_cast<char*>(image.base), size);
+}
+
+Recording FacilityImage::recording() const
+{
+    const image::Header& header = image.header();
+    const char* date = image.text(header.recordedDate);
+    Recording recording{.command = {}, .date = date == nullptr ? "" : date, .status = header.recordedStatus};
+    for (const image::Offset word :
+         image.span<image::Offset>(header.recordedCommand, header.recordedWordCount))
+        recording.command.emplace_back(image.text(word));
+    return recording;
+}
+
+} // namespace console::launcher

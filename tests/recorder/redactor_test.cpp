@@ -1,0 +1,313 @@
+// Nothing that names a machine or a customer survives redaction, whatever the console says; and what belongs
+// together still does.
+
+#include "recorder/redactor.h"
+
+#include "platform/failure.h"
+
+#include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
+#include <set>
+
+namespace
+{
+
+using nlohmann::json;
+using recorder::Redactor;
+using recorder::StandIns;
+using Tape = std::vector<json>;
+using Texts = std::vector<std::string>;
+
+// ---- stand-ins ----
+
+TEST(StandIn, HasTheFormOfItsOriginal)
+{
+    StandIns standIns;
+    const std::string text = standIns.of("ab-12 XYZ/%°ž");
+    ASSERT_EQ(text.size(), std::string("ab-12 XYZ/%°ž").size());
+    for (const size_t lower : {0U, 1U})
+        EXPECT_TRUE(text[lower] >= 'a' && text[lower] <= 'z');
+    for (const size_t digit : {3U, 4U})
+        EXPECT_TRUE(text[digit] >= '0' && text[digit] <= '9');
+    EXPECT_EQ(text.substr(2, 1) + text.substr(5, 1) + text.substr(9, 2), "- /%");
+    EXPECT_NO_THROW(static_cast<void>(json(text).dump())); // still UTF-8
+}
+
+TEST(StandIn, NeverKeepsACharacter)
+{
+    StandIns standIns;
+    const std::string original = "QWERTZ0123456789qwertz\u00e9";
+    const std::string text = standIns.of(original);
+    for (size_t i = 0; i + 2 < original.size(); ++i)
+        EXPECT_NE(text[i], original[i]) << i;
+    EXPECT_NE(text.back(), original.back());
+}
+
+TEST(StandIn, BeginsAsThoseDoWhoseOriginalsBeginAlike)
+{
+    StandIns standIns;
+    const std::string whole = standIns.of("00XY1230");
+    EXPECT_EQ(standIns.of("00XY12"), whole.substr(0, 6));
+    const std::string other = standIns.of("00XY129");
+    EXPECT_EQ(other.substr(0, 6), whole.substr(0, 6));
+    EXPECT_NE(other[6], whole[6]);
+}
+
+TEST(StandIn, OfANumberStaysOne)
+{
+    StandIns standIns;
+    const std::string number = standIns.of("5005076303FFCAFE", true);
+    EXPECT_EQ(number.find_first_not_of("0123456789ABCDEF"), std::string::npos) << number;
+}
+
+TEST(StandIn, IsFoundInOtherTextsTheLongestFirst)
+{
+    StandIns standIns;
+    const std::string system = standIns.of("ledger");
+    const std::string longer = standIns.of("ledger-01");
+    standIns.of("le");
+    EXPECT_EQ(standIns.in("no ledger-01, no ledger, le"), "no " + longer + ", no " + system + ", le");
+}
+
+TEST(StandIn, IsTheSameAfterItWasKept)
+{
+    StandIns first;
+    const Texts originals = {"7ABCD12", "ledger-01", "5005076303FFCAFE", "a", "Žluť", "\"quoted\\\""};
+    Texts before;
+    for (const std::string& text : originals)
+        before.push_back(first.of(text, text.starts_with("5005")));
+    StandIns second;
+    second.load(first.pairs());
+    for (size_t i = 0; i < originals.size(); ++i)
+        EXPECT_EQ(second.of(originals[i]), before[i]);
+    EXPECT_EQ(second.of("ledger-02").substr(0, 8), before[1].substr(0, 8));
+    EXPECT_EQ(second.of("5005076303FFCAFF", true).substr(0, 15), before[2].substr(0, 15));
+    EXPECT_EQ(second.pairs().substr(0, 2), "{\n"); // a pair a line, for grep
+    EXPECT_NE(second.pairs().find("\n  \"7ABCD12\": \"" + before[0] + "\""), std::string::npos);
+}
+
+TEST(StandIn, IsNotTakenFromWhatIsNoMap)
+{
+    for (const char* text : {"", "[]", "{", "{\"a\": 1}", "{\"ab\": \"c\"}", "{\"ab\": \"a1\"}",
+                             "{\"ab\": \"ab\"}", "{\"a-b\": \"c.d\"}"}) {
+        StandIns standIns;
+        EXPECT_THROW(standIns.load(text), platform::Failure) << text;
+    }
+}
+
+// ---- hostile consoles ----
+
+/// Names that a careless redaction takes for something harmless, breaks at, or leaves a part of.
+const Texts names = {
+    "10TMCDE",
+    "TM10ABCDE",
+    "SE10TMSE",
+    "Operating Theatre",
+    "rootbeer",
+    "9999-ACME*",
+    "U9999.B2C.SECRETNAME-P1-SECRETPLACE",
+    "9999-B2C*SECRETNAME",
+    "ACMECORP*SECRETNAME",
+    "4821-K7Q.CONSOLESERIAL",
+    "a\"b\" || serialNumber=\"secret",
+    "back\\slash'quote",
+    "100% of %s and %n",
+    "line\nbreak and\ttab",
+    "Žluťoučký kůň",
+    "数据中心七号",
+    "\U0001F4BE disk \U0001F4BE",
+    "-----BEGIN SECRET-----",
+    std::string(500, 'X') + "END",
+    "e\u0301clat",
+    "jane.doe@customer.example",
+    "10.20.30.40",
+    "0x5005076303FFC123",
+};
+
+/// The stretches of letters, digits and characters beyond ASCII that are long enough to tell something.
+std::set<std::string> tellingWords(const std::string& text)
+{
+    const auto tells = [](char c) {
+        return std::isalnum(static_cast<unsigned char>(c)) != 0 || (c & 0x80) != 0;
+    };
+    std::set<std::string> words;
+    for (auto at = text.begin(); at != text.end();) {
+        const auto end = std::find_if_not(at, text.end(), tells);
+        if (end - at >= 5) words.emplace(at, end);
+        at = end == text.end() ? end : end + 1;
+    }
+    return words;
+}
+
+/// What is left of the names in a tape.
+std::set<std::string> survivors(const Tape& tape, const Texts& originals)
+{
+    // What stays on purpose, or reads like a piece of something else.
+    const std::set<std::string> harmless = {"Operating", "U9999", "serialNumber"};
+    std::set<std::string> found;
+    const std::string text = json(tape).dump();
+    for (const std::string& original : originals) {
+        for (const std::string& word : tellingWords(original)) {
+            if (!harmless.contains(word) && text.find(word) != std::string::npos) found.insert(word);
+        }
+    }
+    return found;
+}
+
+/// A response about one resource, with attributes by their names.
+json part(const std::vector<std::pair<json, json>>& attributes)
+{
+    json response = {{"handle", 1}, {"attributes", json::array()}};
+    for (const auto& [name, value] : attributes)
+        response["attributes"].push_back(json::array({name, value}));
+    return response;
+}
+
+json query(const Tape& responses, const char* selection = nullptr)
+{
+    return {{"vale", "query_p_select"},    {"scope", 2},
+            {"class", "Orvik.TarnDDM"},    {"selection", selection == nullptr ? json() : json(selection)},
+            {"attributes", json::array()}, {"result", 0},
+            {"responses", responses}};
+}
+
+json program(const char* path, const std::string& output, const Texts& arguments = {})
+{
+    return {{"program", path}, {"arguments", arguments}, {"status", 0}, {"output", output}};
+}
+
+Tape redacted(Tape tape)
+{
+    StandIns standIns;
+    Redactor(standIns).redact(tape);
+    return tape;
+}
+
+class Hostile : public testing::TestWithParam<std::string>
+{
+};
+
+TEST_P(Hostile, NameSurvivesInNoAttribute)
+{
+    for (const char* attribute :
+         {"serialNumber", "locationCode", "storageFacilityMTMS", "quayLocationCode", "storageFacilityWWNN",
+          "ActivePeerDomain", "userHostDescription", "unknown"}) {
+        const std::string& name = GetParam();
+        const json plain = part({{attribute, name}, {nullptr, name}});
+        const json list = part({{attribute, json::array({name, 7, name})}});
+        EXPECT_EQ(survivors(redacted({query({plain, list})}), {name}), std::set<std::string>()) << attribute;
+    }
+}
+
+TEST_P(Hostile, NameSurvivesInNoProgramsOutput)
+{
+    const std::string& name = GetParam();
+    const Texts state = {"-r", "sys", "-m", name, "-F", "state"};
+    Texts wrapped = state;
+    wrapped.insert(wrapped.begin(), "/opt/brisk/bin/qmstat");
+    const Tape tape = {
+        program("whoami", name + "\n" + name + "\n"),
+        program("whoami", "root\n" + name),
+        program("/opt/brisk/bin/qmstat", name + "\n", state),
+        program("/opt/brisk/bin/qmstat", "Operating\n" + name + "\n", state),
+        program("/opt/tarnquay/bin/mmquaycmd", "Operating\n" + name + "\n", wrapped),
+        program("/opt/brisk/bin/qconvpd", "*TM 4821-K7Q\n*SE " + name + "\n*XX " + name + "\n" + name + "\n"),
+        program("/opt/brisk/bin/qconvpd", "*TM " + name + " SE " + name + "\n*TM4821-K7Q " + name),
+        program("/opt/brisk/bin/qconvpd", "*SE" + name + "\nTM" + name + "\n"),
+    };
+    EXPECT_EQ(survivors(redacted(tape), {name}), std::set<std::string>());
+}
+
+TEST_P(Hostile, NameSurvivesInNoSelectionAndNoMessage)
+{
+    const std::string& name = GetParam();
+    const json known = part({{"serialNumber", name}});
+    const json failed = {{"vale", "get_errmsg"}, {"message", "no answer from " + name + ", gone\n"}};
+    json error = part({});
+    error["error"] = {{"number", 7}, {"message", name}};
+    const std::string selection = "serialNumber=\"" + name + "\"";
+    EXPECT_EQ(survivors(redacted({query({known, error}, selection.c_str()), failed}), {name}),
+              std::set<std::string>());
+}
+
+TEST_P(Hostile, NameSurvivesInNoImageLevel)
+{
+    const json levels = {{"elements", json::array({0, GetParam(), "5.1.0.309"})}};
+    const json action = {{"vale", "invoke_action"}, {"responses", json::array({levels})}};
+    const Tape tape = redacted({action});
+    EXPECT_EQ(survivors(tape, GetParam() == "10.20.30.40" ? Texts() : Texts{GetParam()}),
+              std::set<std::string>());
+    EXPECT_EQ(tape[0]["responses"][0]["elements"][2], "5.1.0.309");
+}
+
+TEST_P(Hostile, NameSurvivesInNoCommandLine)
+{
+    StandIns standIns;
+    Redactor redactor(standIns);
+    const Texts line =
+        redactor.commandLine({"/usr/bin/addTarnKord", GetParam(), "9999-B2C*" + GetParam(), GetParam()});
+    EXPECT_EQ(line.size(), 3U);
+    EXPECT_EQ(survivors({json(line)}, {GetParam()}), std::set<std::string>());
+}
+
+INSTANTIATE_TEST_SUITE_P(Names, Hostile, testing::ValuesIn(names));
+
+// ---- what stays ----
+
+std::string outputOf(const char* path, const std::string& output)
+{
+    return redacted({program(path, output)})[0]["output"];
+}
+
+TEST(Redacted, KeepsWhatTheCollectorLooksFor)
+{
+    EXPECT_EQ(outputOf("whoami", "root\n"), "root\n");
+    EXPECT_EQ(outputOf("/opt/brisk/bin/qmstat", "Operating\n"), "Operating\n");
+    EXPECT_EQ(outputOf("/opt/brisk/bin/qmstat", "Power Off\nOperating\n"), "Power Off\nOperating\n");
+    for (const char* line : {"*TM 4821-K7Q\n", "*TM4821-K7Q\n", "TM: xx -[4821K7Q]-\n"}) {
+        const std::string vpd = outputOf("/opt/brisk/bin/qconvpd", line);
+        EXPECT_NE(
+            vpd.find(std::string_view(line).find('[') == std::string_view::npos ? "4821-K7Q" : "-[4821K7Q]-"),
+            std::string::npos)
+            << vpd;
+    }
+}
+
+TEST(Redacted, NeverReadsAsWhatTheCollectorLooksFor)
+{
+    for (int i = 0; i < 2000; ++i) {
+        ASSERT_NE(outputOf("whoami", "abcd\n"), "root\n");
+        const std::string vpd = outputOf("/opt/brisk/bin/qconvpd", "*SE AB CD EF GH IJ KL\n");
+        ASSERT_EQ(vpd.find("TM"), std::string::npos) << vpd;
+        ASSERT_EQ(vpd.find("SE"), vpd.rfind("SE")) << vpd;
+    }
+}
+
+TEST(Redacted, KeepsTheConsolesSerialAndItsLocationCodeTogether)
+{
+    const json consoles = part({{"quayLocationCode", "4821-K7Q.10TMCDE"}});
+    const Tape tape =
+        redacted({program("/opt/brisk/bin/qconvpd", "*TM 4821-K7Q\n*SE 10TMCDE\n"), query({consoles})});
+    const std::string vpd = tape[0]["output"];
+    const std::string serial = vpd.substr(vpd.find("*SE ") + 4, 7);
+    EXPECT_EQ(tape[1]["responses"][0]["attributes"][0][1], "4821-K7Q." + serial);
+}
+
+TEST(Redacted, KeepsThePlacesOfLocationCodes)
+{
+    const json drive = part({{"locationCode", "U9999.B2C.7ABCD12-P1-C3-D12"}});
+    const std::string code = redacted({query({drive})})[0]["responses"][0]["attributes"][0][1];
+    EXPECT_TRUE(code.starts_with("U9999.B2C.") && code.ends_with("-P1-C3-D12")) << code;
+}
+
+TEST(Redacted, KeepsNumbersAndOptions)
+{
+    const json drive = part({{"diskCapacity", 73400}, {"arraySites", json::array({1, 2})}});
+    EXPECT_EQ(redacted({query({drive})})[0]["responses"][0], drive);
+    StandIns standIns;
+    const Texts line = Redactor(standIns).commandLine({"addTarnKord", "-m", "9999-B2C*7ABCD12"});
+    EXPECT_EQ(line[1], "-m");
+    EXPECT_EQ(line[2], "9999-B2C*" + standIns.of("7ABCD12"));
+}
+
+} // namespace
