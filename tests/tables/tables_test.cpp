@@ -107,6 +107,29 @@ TEST(Tables, readAttributesIntoFieldsOfTheirType)
     }
 }
 
+TEST(Tables, tellEveryCommandUnderTheFunctionThatRunsIt)
+{
+    std::multiset<std::pair<std::string, std::string>> told;
+    for (const Json& command : tables()["commands"]) {
+        for (const char* program : {"qmstat", "chown", "qconvpd", "pmProblemEventPoster", "whoami", "/rm"}) {
+            if (command["command"].get<std::string>().find(program) != std::string::npos)
+                told.emplace(command["function"], program);
+        }
+    }
+    const decltype(told) expected = {{"checkSystemState", "qmstat"},
+                                     {"changeGroup", "chown"},
+                                     {"getQuayFullTM", "qconvpd"},
+                                     {"getQuaySE", "qconvpd"},
+                                     {"getQuayTM", "qconvpd"},
+                                     {"handleErrKord", "pmProblemEventPoster"},
+                                     {"handleErrKord", "pmProblemEventPoster"},
+                                     {"handleErrKord_new", "pmProblemEventPoster"},
+                                     {"handleErrKord_new", "pmProblemEventPoster"},
+                                     {"getLoginUserName", "whoami"},
+                                     {"addTrcKord", "/rm"}};
+    EXPECT_EQ(told, expected);
+}
+
 TEST(Tables, knowTheEventOfEveryReport)
 {
     std::map<std::string, Json> events;

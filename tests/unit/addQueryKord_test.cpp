@@ -255,6 +255,15 @@ TEST_F(QueryPattern, countsNothingWithoutHandles)
     EXPECT_EQ(count, 0);
 }
 
+TEST_F(QueryPattern, countsZeroPortsWhereThereAreNone)
+{
+    const std::string selection = R"((storageFacilityImageMTMS="i") && (ActivePeerDomain="d"))";
+    client.answersNothing("Orvik.TarnHAPort", selection);
+    int32_t count = 7;
+    EXPECT_EQ(enumerateHAPort0(&record, &count, "i", "d"), -1);
+    EXPECT_EQ(count, 0);
+}
+
 TEST_F(QueryPattern, keepsTheCountOnFailure)
 {
     client.fails("Class", "image=\"i\" && domain=\"d\"", 3, {.message = "down\n"});

@@ -1,0 +1,86 @@
+// What the run record holds, whoever reads it: its layout is an interface.
+
+#include "scriptedClient.h"
+#include "unit.h"
+
+#include <gtest/gtest.h>
+
+namespace
+{
+
+struct FieldSize {
+    const char* name;
+    size_t size;
+    size_t expected;
+};
+
+TEST(RunRecord, isAsWideAsItsReadersExpect)
+{
+    constexpr size_t slots = 8;
+    const FieldSize fields[] = {
+        {"partnerLParID", sizeof(kordRec::partnerLParID), slots * 30},
+        {"partnerLparName", sizeof(kordRec::partnerLparName), slots * 30},
+        {"LParID", sizeof(kordRec::LParID), slots * 30},
+        {"lparName", sizeof(kordRec::lparName), slots * 30},
+        {"Hostname", sizeof(kordRec::Hostname), slots * 30},
+        {"hslLumenPoolId", sizeof(kordRec::hslLumenPoolId), slots * 2},
+        {"StorageFacilityImageID", sizeof(kordRec::StorageFacilityImageID), slots * 30},
+        {"StorageFacilityImageMTMS", sizeof(kordRec::StorageFacilityImageMTMS), slots * 30},
+        {"kordpStorageFacilityImageMTMS", sizeof(kordRec::kordpStorageFacilityImageMTMS), slots * 30},
+        {"activePeerDomain", sizeof(kordRec::activePeerDomain), 30},
+        {"nodeNameList", sizeof(kordRec::nodeNameList), 100},
+        {"storageFacilityMTMS", sizeof(kordRec::storageFacilityMTMS), 30},
+        {"kordpStorageFacilityMTMS", sizeof(kordRec::kordpStorageFacilityMTMS), 30},
+        {"partnerSystemMTMS", sizeof(kordRec::partnerSystemMTMS), 30},
+        {"managedSystemMTMS", sizeof(kordRec::managedSystemMTMS), 30},
+        {"inputSystemMTMS", sizeof(kordRec::inputSystemMTMS), 30},
+        {"kordpManagedSystemMTMS", sizeof(kordRec::kordpManagedSystemMTMS), 30},
+        {"RackLocation", sizeof(kordRec::RackLocation), 30},
+        {"Partitions_Resources", sizeof(kordRec::Partitions_Resources), 30},
+        {"storageFacilityWWNN", sizeof(kordRec::storageFacilityWWNN), 17},
+        {"systemSerial", sizeof(kordRec::systemSerial), 15},
+        {"activePeerDomain_quay", sizeof(kordRec::activePeerDomain_quay), 30},
+        {"trcfile", sizeof(kordRec::trcfile), 30},
+        {"loginUserName", sizeof(kordRec::loginUserName), 30},
+    };
+    for (const FieldSize& field : fields)
+        EXPECT_EQ(field.size, field.expected) << field.name;
+}
+
+TEST(HostDescription, holds255Characters)
+{
+    EXPECT_EQ(sizeof(userHostDescr::description), 256U);
+}
+
+ValeAttribute text(const char* name, const char* value)
+{
+    return {.name = name, .identifier = 0, .type = VALE_TEXT, .value = {.text = value}};
+}
+
+TEST(RunRecord, keepsTheNodeOfEveryPartition)
+{
+    kordRec record = unit::freshRecord();
+    record.num_contacts = 2;
+    copyText(record.LParID[0], "11");
+    copyText(record.LParID[1], "12");
+    unit::ScriptedClient client;
+    const std::vector<ValeAttribute> first = {text("StorageFacilityImageID", "9999.A01.00XY121"),
+                                              text("Hostname", "node-one")};
+    const std::vector<ValeAttribute> second = {text("StorageFacilityImageID", "9999.A01.00XY122"),
+                                               text("Hostname", "node-two")};
+    std::vector<ValeQueryResponse> answers[] = {
+        {{.error = {}, .handle = nullptr, .attributes = first.data(), .attributeCount = 2}},
+        {{.error = {}, .handle = nullptr, .attributes = second.data(), .attributeCount = 2}}};
+    client.answers("Orvik.ManagedNode", R"(HWModel="9999-B2C" && HWSerialNum="7ABCD12" && LParID="11")",
+                   answers[0]);
+    client.answers("Orvik.ManagedNode", R"(HWModel="9999-B2C" && HWSerialNum="7ABCD12" && LParID="12")",
+                   answers[1]);
+    EXPECT_EQ(queryValeId(&record), 0);
+    EXPECT_STREQ(record.Hostname[0], "node-one");
+    EXPECT_STREQ(record.Hostname[1], "node-two");
+    EXPECT_STREQ(record.StorageFacilityImageID[1], "9999.A01.00XY122");
+    EXPECT_STREQ(record.StorageFacilityImageMTMS[1], "9999*A01*00XY122");
+    EXPECT_STREQ(record.kordpStorageFacilityImageMTMS[1], "9999-A01-00XY122");
+}
+
+} // namespace
