@@ -49,8 +49,8 @@ public:
     void read(std::string_view bytes);
     /// Hands over what was read last: nothing more is there at present.
     void settle();
-    /// How many line feeds were read.
-    [[nodiscard]] size_t lineFeeds() const { return feeds; }
+    /// Whether the bytes read so far end inside a line.
+    [[nodiscard]] bool isInsideLine() const { return !physical.empty(); }
 
 private:
     void dropMiddle();

@@ -9,6 +9,7 @@ namespace tool
 
 platform::Command showCommand();
 platform::Command diffCommand();
+platform::Command explainCommand();
 platform::Command followCommand();
 platform::Command recordCommand();
 

@@ -1,0 +1,866 @@
+#include "document/runReader.h"
+
+#include "document/selection.h"
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <utility>
+
+namespace document
+{
+
+namespace
+{
+
+constexpr size_t mostProblems = 2000;
+constexpr int64_t mostPartitions = 8;
+constexpr std::string_view nodeClass = "Orvik.ManagedNode";
+
+int64_t numberOf(std::string_view text)
+{
+    int64_t number = 0;
+    std::from_chars(text.data(), text.data() + text.size(), number);
+    return number;
+}
+
+/// Lines by code, for every line of every table.
+struct Row {
+    const TableQuery* query; ///< null: no query's line
+    const TableLine* line;
+};
+using Index = std::map<std::string, std::vector<Row>, std::less<>>;
+
+const Index& index()
+{
+    static const Index rows = [] {
+        Index all;
+        for (const TableQuery& query : tables().queries) {
+            for (const TableLine& line : query.lines)
+                all[line.code].push_back({.query = &query, .line = &line});
+        }
+        for (const TableLine& line : tables().lines)
+            all[line.code].push_back({.query = nullptr, .line = &line});
+        return all;
+    }();
+    return rows;
+}
+
+/// What a failure's role is called here.
+struct RoleKind {
+    std::string_view role;
+    const char* kind;
+};
+constexpr std::array<RoleKind, 5> roleKinds = {{
+    {.role = "callFailed", .kind = "callFailed"},
+    {.role = "noResources", .kind = "nothingFound"},
+    {.role = "response", .kind = "responseInError"},
+    {.role = "emptyFirst", .kind = "answeredEmpty"},
+    {.role = "unexpected", .kind = "unexpectedAnswer"},
+}};
+
+const char* kindOf(std::string_view role)
+{
+    const auto* const found = std::ranges::find(roleKinds, role, &RoleKind::role);
+    return found == roleKinds.end() ? nullptr : found->kind;
+}
+
+Severity severityOf(std::string_view result)
+{
+    if (result == "fatal") return Severity::fatal;
+    return result == "minor" ? Severity::minor : Severity::filed;
+}
+
+/// The values that a line shows of an answer: which attributes they are of, nothing where they are none.
+struct ShownValues {
+    std::string_view code;
+    std::string_view function;
+    std::array<std::string_view, 4> attributes;
+    bool counts = false; ///< the first value is how many a list has
+};
+constexpr std::array<ShownValues, 12> shownValues = {{
+    {.code = "0016", .function = "queryValeId", .attributes = {"StorageFacilityImageID", "Hostname"}},
+    {.code = "0118", .function = "addCecEnclKord", .attributes = {"locationCode"}},
+    {.code = "0319",
+     .function = "queryStorageEnclosure",
+     .attributes = {"interfaceIdentifier"},
+     .counts = true},
+    {.code = "0320", .function = "queryStorageEnclosure", .attributes = {"", "", "enclosureNumber", ""}},
+    {.code = "0321", .function = "queryStorageEnclosure", .attributes = {"enclosureMTMS"}},
+    {.code = "0326",
+     .function = "addStorEnclKord",
+     .attributes = {"locationCode", "rackNumber", "rackEnclosureMTMS"}},
+    {.code = "0404",
+     .function = "addRackEnclKord",
+     .attributes = {"", "locationCode", "rackNumber", "rackEnclosureMTMS"}},
+    {.code = "0504", .function = "addQuayEnclKord", .attributes = {"quayLocationCode"}},
+    {.code = "0614", .function = "enumerateVRMF", .attributes = {"the level"}},
+    {.code = "0686", .function = "queryArrays", .attributes = {"arraySites"}, .counts = true},
+    {.code = "0687", .function = "queryArrays", .attributes = {"arraySiteConfiguration"}, .counts = true},
+    {.code = "0109", .function = "querySystem", .attributes = {"storageFacilityWWNN"}},
+}};
+
+/// What a program that was asked leaves in the trace, beside its own line.
+struct ProgramLine {
+    std::string_view function;
+    std::string_view command;
+};
+constexpr std::array<ProgramLine, 3> consolePrograms = {{
+    {.function = "getQuayFullTM", .command = "/opt/brisk/bin/qconvpd -v"},
+    {.function = "getQuaySE", .command = "/opt/brisk/bin/qconvpd -v"},
+    {.function = "getLoginUserName", .command = "whoami"},
+}};
+
+std::string commandOf(std::string_view function)
+{
+    const auto* const found = std::ranges::find(consolePrograms, function, &ProgramLine::function);
+    return found == consolePrograms.end() ? std::string() : std::string(found->command);
+}
+
+} // namespace
+
+// ---- finding out which line it is ----
+
+struct RunReader::HandlerRow {
+    std::string_view code;
+    std::string_view function; ///< empty: any
+    size_t values;             ///< that its format has
+    Handler handler;
+};
+
+RunReader::RunReader(size_t number, const TraceLine& first)
+{
+    run.number = number;
+    run.firstLine = first.number;
+    run.started = first.stamp;
+    run.startLost = first.code != "SRCV";
+}
+
+void RunReader::read(const TraceLine& line)
+{
+    run.lastLine = line.number;
+    run.ended = line.stamp;
+    run.lastText = line.text;
+    progress.read(line);
+    if (!line.whole) ++run.strangeLines;
+    if (line.code == "==>") return enter(line, trimmed(line.text));
+    if (line.code == ">>") {
+        run.documentStarted = run.documentStarted || trimmed(line.text) == "openInventory";
+        return;
+    }
+    const std::optional<Match> match = matchOf(line);
+    if (match)
+        act(line, *match);
+    else if (line.whole)
+        ++run.strangeLines;
+    if (const auto status = closingStatus(line)) {
+        findSessionNotOpened(line);
+        run.status = status;
+        run.end = RunEnd::closed;
+    }
+}
+
+void RunReader::enter(const TraceLine& line, std::string_view function)
+{
+    constexpr std::string_view reporter = "handleErrKord ";
+    if (function.starts_with(reporter)) return event(line, function.substr(reporter.size()));
+    entry = function;
+    if (function == "queryPartition") {
+        ++partitionQueries;
+        nodeSelections = 0;
+    }
+    for (const TableQuery& query : tables().queries) {
+        const bool named = query.entry == entry || (query.entry.empty() && query.function == entry);
+        if (!named || query.tracesSelection) continue;
+        current = {.query = &query, .selection = workedOutSelection(query), .workedOut = true};
+        lastCalls[query.function] = current;
+    }
+}
+
+/// The lines that the text can have been made by, and of these the one that stands where the run is.
+std::optional<RunReader::Match> RunReader::matchOf(const TraceLine& line) const
+{
+    const auto rows = index().find(line.code);
+    if (rows == index().end()) return std::nullopt;
+    std::optional<Match> best;
+    int bestFitness = 0;
+    for (const Row& row : rows->second) {
+        auto values = row.line->format.match(line.text);
+        if (!values) continue;
+        Match match{.query = row.query, .line = row.line, .values = std::move(*values)};
+        const int fit = fitness(match);
+        if (fit > bestFitness) {
+            bestFitness = fit;
+            best = std::move(match);
+        }
+    }
+    return best;
+}
+
+int RunReader::fitness(const Match& match) const
+{
+    constexpr int possible = 1000;
+    const int literals = static_cast<int>(match.line->format.literals());
+    if (match.query == nullptr) return possible + literals + (match.line->function == entry ? 1 : 0);
+    if (match.line->role == "selection") {
+        const bool isIts = match.query->selection && match.query->selectionFormat.match(match.values[0]);
+        if (!isIts) return 0;
+        const bool isNode = match.query->className == nodeClass;
+        if (isNode && match.query != nodeQuery(match.values[0])) return 0;
+    }
+    // Where both are told alike, an error has a number.
+    const bool numbered = match.line->role == "response" && numberOf(match.values[0]) != 0;
+    return possible + literals + 1000 * fitnessOfQuery(match) + (numbered ? 1 : 0);
+}
+
+int RunReader::fitnessOfQuery(const Match& match) const
+{
+    const TableQuery& query = *match.query;
+    if (match.line->role != "selection" && current.query == &query) return 3;
+    if (!query.entry.empty() && query.entry == entry) return 2;
+    const bool isFirst = query.function == "querySystem" && !systemKnown;
+    const bool isSecond = query.function == "queryPartnerSystem" && systemKnown;
+    return isFirst || isSecond ? 1 : 0;
+}
+
+/// Which of the queries for managed nodes this is: they ask with the same words.
+const TableQuery* RunReader::nodeQuery(std::string_view selection) const
+{
+    const bool partnersTurn = partitionQueries > 1;
+    const char* name = nullptr;
+    if (domainStart != 0 || run.startLost) {
+        const std::string serial = valueIn(selection, "HWSerialNum");
+        name = firstSerial.empty() || serial == firstSerial ? "queryValeStatus" : "queryValePartnerStatus";
+    } else if (partnersTurn) {
+        name = "queryValePartnerStatus";
+    } else {
+        name = nodeSelections < std::max<int64_t>(partitions, 1) ? "queryValeId" : "queryValeStatus";
+    }
+    return tables().query(name);
+}
+
+void RunReader::act(const TraceLine& line, const Match& match)
+{
+    static const std::array<HandlerRow, 34> handlers = {{
+        {"SRCV", "", 2, &RunReader::readStart},
+        {"0002", "", 2, &RunReader::readNoTypeModel},
+        {"0003", "", 1, &RunReader::readOption},
+        {"0019", "", 0, &RunReader::readMinorErrors},
+        {"0109", "querySystem", 2, &RunReader::readFacility},
+        {"0109", "queryPartnerSystem", 1, &RunReader::readPartner},
+        {"0017", "", 4, &RunReader::readState},
+        {"0017", "", 3, &RunReader::readNoState},
+        {"0697", "queryPartition", 1, &RunReader::readPartitionCount},
+        {"0016", "checkStatus", 2, &RunReader::readStatus},
+        {"0700", "", 1, &RunReader::readNoDocument},
+        {"0007", "", 1, &RunReader::readDocumentNotStarted},
+        {"0677", "queryScsiHostPort", 1, &RunReader::readOutOfMemory},
+        {"0068", "", 3, &RunReader::readUser},
+        {"0512", "", 5, &RunReader::readConsole},
+        {"0512", "", 2, &RunReader::readNoConsole},
+        {"053", "", 3, &RunReader::readConsole},
+        {"052", "", 2, &RunReader::readNoConsole},
+        {"0062", "", 2, &RunReader::readCommandFailed},
+        {"0063", "", 1, &RunReader::readCommandFailed},
+        {"0064", "", 0, &RunReader::readCommandFailed},
+        {"0066", "", 2, &RunReader::readCommandFailed},
+        {"050", "", 2, &RunReader::readToolFailed},
+        {"051", "", 2, &RunReader::readToolFailed},
+        {"0016", "queryValeId", 2, &RunReader::readValues},
+        {"0118", "", 1, &RunReader::readValues},
+        {"0319", "", 2, &RunReader::readValues},
+        {"0320", "", 5, &RunReader::readValues},
+        {"0321", "", 1, &RunReader::readValues},
+        {"0326", "", 3, &RunReader::readValues},
+        {"0404", "", 4, &RunReader::readValues},
+        {"0504", "", 1, &RunReader::readValues},
+        {"0614", "", 1, &RunReader::readValues},
+        {"0686", "", 2, &RunReader::readValues},
+    }};
+    const std::string& role = match.line->role;
+    if (match.query != nullptr) {
+        if (role == "selection") return beginCall(line, match);
+        if (role == "success") return succeeded(line, match);
+        return kindOf(role) != nullptr ? failed(line, match) : void();
+    }
+    if (role == "sessionStart") return readSessionStart(line, match);
+    if (role == "sessionStartFailed") return readSessionFailed(line, match);
+    if (role == "sessionEnd") return readSessionEnd(line, match);
+    if (role == "sessionEndFailed") return readSessionEndFailed(line, match);
+    for (const HandlerRow& row : handlers) {
+        const bool isIts = row.code == match.line->code && row.values == match.values.size() &&
+                           (row.function.empty() || row.function == match.line->function);
+        if (isIts) return (this->*row.handler)(line, match);
+    }
+    if (match.line->code == "0687") readValues(line, match);
+}
+
+// ---- calls to the resource manager ----
+
+void RunReader::beginCall(const TraceLine& line, const Match& match)
+{
+    current = {.query = match.query, .selection = std::string(match.values[0]), .workedOut = false};
+    if (match.query->className == nodeClass) {
+        ++nodeSelections;
+        if (firstSerial.empty() && (domainStart != 0 || run.startLost))
+            firstSerial = valueIn(*current.selection, "HWSerialNum");
+    }
+    lastCalls[match.query->function] = current;
+    checkSelection(line, current);
+}
+
+/// A selection holds what earlier answers gave. What is empty in it was missing there.
+void RunReader::checkSelection(const TraceLine& line, const Call& call)
+{
+    for (const SelectionItem& item : itemsOf(*call.selection)) {
+        if (!item.value.empty()) continue;
+        const ValueSource source = sourceOf(item.key, call.query->function);
+        if (!source.className.empty())
+            missingValue(line, std::string(source.className), std::string(source.attribute), call);
+    }
+}
+
+void RunReader::failed(const TraceLine& line, const Match& match)
+{
+    const TableQuery& query = *match.query;
+    const int64_t number = match.values.empty() ? 0 : numberOf(match.values[0]);
+    const auto isOf = [&](const FailureEnd& end) {
+        return !end.number || static_cast<int64_t>(static_cast<int32_t>(*end.number)) == number;
+    };
+    const auto end = std::ranges::find_if(match.line->ends, isOf);
+    if (end == match.line->ends.end() || end->result == "none") return; // an error that counts as an answer
+
+    Call call = current;
+    if (call.query != &query) {
+        const bool follows = query.call == "action"; // on what was found before it
+        if (!follows) call = {.query = &query, .selection = workedOutSelection(query), .workedOut = true};
+    }
+    current = call;
+    current.query = &query;
+    Problem& problem = addOfCall(line, match, kindOf(match.line->role), severityOf(end->result), call);
+    if (number != 0 || match.line->role != "noResources") problem.number = number;
+    if (match.line->role == "noResources" && number > 0) problem.kind = "unexpectedAnswer";
+    if (match.values.size() > 1) problem.message = match.values[1];
+    // The image's name is the one failure that its collector does not pass up.
+    if (query.function == "querySFImageWWNN" && problem.severity == Severity::fatal)
+        problem.severity = Severity::filed;
+    problem.standsInstead = end->standsInstead;
+    awaitsEvent = end->files;
+    filesMessage = end->withMessage;
+}
+
+void RunReader::succeeded(const TraceLine& line, const Match& match)
+{
+    const TableQuery& query = *match.query;
+    if (match.values.size() < 2) return;
+    const auto answered = static_cast<size_t>(std::max<int64_t>(numberOf(match.values[1]), 0));
+    if (answered >= query.attributes.size()) return;
+    const Call call = current.query == &query ? current : Call{.query = &query, .selection = {}};
+    Problem& problem = addOfCall(line, match, "fewerAttributes", Severity::noted, call);
+    problem.number = static_cast<int64_t>(answered);
+}
+
+/// The selection of a query whose selection no line tells, from what the run is known to ask for.
+std::optional<std::string> RunReader::workedOutSelection(const TableQuery& query) const
+{
+    if (!query.selection) return std::nullopt;
+    std::string value;
+    if (query.selection->starts_with("managedSystemMTMS=") && !query.tracesSelection)
+        value = query.function == "queryPartition" && partitionQueries > 1 ? partner : managedSystem();
+    if (value.empty()) return std::nullopt;
+    std::string selection = *query.selection;
+    return selection.replace(selection.find("%s"), 2, value);
+}
+
+/// As the console knows it: type-model, an asterisk, serial.
+std::string RunReader::managedSystem() const
+{
+    constexpr size_t modelLength = 8;
+    constexpr size_t serialLength = 7;
+    if (run.system.size() <= modelLength + 1) return {};
+    return run.system.substr(0, modelLength) + '*' + run.system.substr(modelLength + 1, serialLength);
+}
+
+// ---- problems ----
+
+Problem RunReader::problemAt(const TraceLine& line, const char* kind, Severity severity) const
+{
+    Problem problem;
+    problem.line = line.number;
+    problem.stamp = line.stamp;
+    problem.code = line.code;
+    problem.text = line.text;
+    problem.kind = kind;
+    problem.severity = severity;
+    problem.phase = progress.phase();
+    return problem;
+}
+
+Problem& RunReader::add(Problem problem)
+{
+    awaitsEvent = false;
+    filesMessage = false;
+    if (run.problems.size() >= mostProblems) {
+        ++run.furtherProblems;
+        run.problems.pop_back(); // the run's last problem may be the one that ended it
+    }
+    run.problems.push_back(std::move(problem));
+    return run.problems.back();
+}
+
+Problem& RunReader::addOfCall(const TraceLine& line, const Match& match, const char* kind, Severity severity,
+                              const Call& call)
+{
+    const TableQuery& query = match.query != nullptr ? *match.query : *call.query;
+    Problem problem = problemAt(line, kind, severity);
+    problem.function = query.function;
+    problem.call = query.call;
+    problem.className = query.className;
+    problem.session = query.session;
+    problem.selection = call.selection;
+    problem.workedOut = call.workedOut;
+    problem.action = query.action;
+    problem.attributes = query.attributes;
+    if (call.selection) problem.part = partsOf(*call.selection);
+    if (problem.part.empty() && !managedSystem().empty())
+        problem.part.push_back({.what = "system", .name = managedSystem()});
+    problem.cause = match.line->cause;
+    problem.advice = match.line->advice;
+    return add(std::move(problem));
+}
+
+void RunReader::missingValue(const TraceLine& line, const std::string& className,
+                             const std::string& attribute, const Call& call)
+{
+    std::string key = className + '.' + attribute;
+    if (call.selection && className == call.query->className) key += *call.selection;
+    if (missingTold.size() >= mostProblems || !missingTold.insert(key).second) return;
+    Problem problem = problemAt(line, "valueMissing", Severity::noted);
+    problem.function = call.query->function;
+    problem.call = call.query->call;
+    problem.className = className;
+    problem.attributes = {attribute};
+    if (className == call.query->className) problem.selection = call.selection;
+    if (call.selection) problem.part = partsOf(*call.selection);
+    add(std::move(problem));
+}
+
+void RunReader::readValues(const TraceLine& line, const Match& match)
+{
+    const auto* const row = std::ranges::find_if(shownValues, [&](const ShownValues& shown) {
+        return shown.code == match.line->code && shown.function == match.line->function;
+    });
+    const auto call = row == shownValues.end() ? lastCalls.end() : lastCalls.find(row->function);
+    if (call == lastCalls.end() || call->second.query == nullptr) return;
+    for (size_t i = 0; i < row->attributes.size() && i < match.values.size(); ++i) {
+        const bool missing = row->counts ? i == 0 && numberOf(match.values[0]) == 0 : match.values[i].empty();
+        if (missing && !row->attributes[i].empty())
+            missingValue(line, call->second.query->className, std::string(row->attributes[i]), call->second);
+    }
+}
+
+// ---- events ----
+
+void RunReader::event(const TraceLine& line, std::string_view what)
+{
+    const size_t comma = what.rfind(", ");
+    if (comma == std::string_view::npos) return;
+    const TableEvent& kind = tables().event(what.substr(comma + 2));
+    FiledEvent filed;
+    filed.line = line.number;
+    filed.stamp = line.stamp;
+    filed.referenceCode = kind.referenceCode;
+    filed.name = what.substr(0, comma);
+    filed.type = what.substr(comma + 2);
+    filed.text = filed.name + " : " + kind.text;
+    attach(std::move(filed), awaitsEvent);
+}
+
+void RunReader::attach(FiledEvent filed, bool awaited)
+{
+    constexpr size_t longestText = 499; // what an event takes of it
+    if (awaited) {
+        Problem& problem = run.problems.back();
+        if (filesMessage && !problem.message.empty()) {
+            const std::string message = problem.message.substr(0, problem.message.size() - 1);
+            filed.text = (filed.name + " : " + message.substr(0, longestText) + ' ').substr(0, longestText);
+        }
+        problem.events.push_back(filed);
+    } else {
+        loose.push_back(filed);
+    }
+    awaitsEvent = false;
+    run.events.push_back(std::move(filed));
+}
+
+void RunReader::readToolFailed(const TraceLine&, const Match& match)
+{
+    if (run.events.empty()) return;
+    FiledEvent& last = run.events.back();
+    last.toolStatus = static_cast<int>(numberOf(match.values[1]));
+    last.command = match.values[0];
+    if (!loose.empty() && loose.back().line == last.line) loose.back() = last;
+    if (run.problems.empty() || run.problems.back().events.empty()) return;
+    FiledEvent& attached = run.problems.back().events.back();
+    if (attached.line == last.line) attached = last;
+}
+
+// ---- the run itself ----
+
+void RunReader::readStart(const TraceLine&, const Match& match)
+{
+    run.build = trimmed(match.values[0]);
+    run.system = match.values[1];
+}
+
+void RunReader::readNoTypeModel(const TraceLine& line, const Match& match)
+{
+    Problem& problem = add(problemAt(line, "noTypeModel", Severity::fatal));
+    problem.advice = match.line->advice;
+    problem.message = match.values[0];
+    run.status = -1;
+    run.end = RunEnd::noSession;
+}
+
+void RunReader::readOption(const TraceLine&, const Match& match)
+{
+    run.option = match.values[0];
+}
+
+void RunReader::readMinorErrors(const TraceLine&, const Match&)
+{
+    run.minorErrorsTold = true;
+}
+
+void RunReader::readFacility(const TraceLine& line, const Match& match)
+{
+    systemKnown = true;
+    const TableQuery* query = tables().query("querySystem");
+    lastCalls["querySystem"] = {.query = query, .selection = workedOutSelection(*query), .workedOut = true};
+    readValues(line, match);
+}
+
+void RunReader::readPartner(const TraceLine& line, const Match& match)
+{
+    partnerKnown = true;
+    partner = match.values[0];
+    if (!partner.empty()) return;
+    const TableQuery* query = tables().query("queryPartnerSystem");
+    missingValue(line, query->className, "the partner's MTMS", {.query = query, .selection = {}});
+}
+
+void RunReader::readPartitionCount(const TraceLine&, const Match& match)
+{
+    partitions = std::clamp<int64_t>(numberOf(match.values[0]), 0, mostPartitions);
+}
+
+void RunReader::readStatus(const TraceLine& line, const Match& match)
+{
+    constexpr int64_t online = 1;
+    const int64_t status = numberOf(match.values[1]);
+    if (status == online) return;
+    const Call call = current.query != nullptr
+                          ? current
+                          : Call{.query = tables().query("queryValeStatus"), .selection = {}};
+    Problem& problem = addOfCall(line, match, "notOnline", Severity::fatal, call);
+    problem.number = status;
+    problem.part.push_back({.what = "named", .name = std::string(match.values[0])});
+    awaitsEvent = true;
+}
+
+void RunReader::readNoDocument(const TraceLine& line, const Match& match)
+{
+    Problem& problem = add(problemAt(line, "documentNotStarted", Severity::filed));
+    problem.call = "file";
+    problem.message = trimmed(match.values[0]);
+    problem.advice = match.line->advice;
+    awaitsEvent = true;
+}
+
+void RunReader::readDocumentNotStarted(const TraceLine& line, const Match& match)
+{
+    const bool told = !run.problems.empty() && run.problems.back().kind == "documentNotStarted";
+    if (told) return;
+    Problem& problem = add(problemAt(line, "documentNotStarted", Severity::filed));
+    problem.call = "file";
+    problem.advice = match.line->advice;
+    problem.events = std::exchange(loose, {});
+}
+
+void RunReader::readOutOfMemory(const TraceLine& line, const Match& match)
+{
+    Problem& problem = add(problemAt(line, "outOfMemory", Severity::fatal));
+    problem.function = match.line->function;
+    problem.advice = match.line->advice;
+    awaitsEvent = true;
+}
+
+// ---- console programs ----
+
+void RunReader::readCommandFailed(const TraceLine& line, const Match& match)
+{
+    if (line.code == "0066") {
+        trouble = {.kind = "programFailed", .status = numberOf(match.values[0])};
+    } else {
+        trouble = {.kind = line.code == "0062" ? "programSilent" : "programUnread", .status = {}};
+    }
+}
+
+Problem& RunReader::addOfProgram(const TraceLine& line, const Match& match, const std::string& command)
+{
+    // A command that ended well and printed, but no line that ends.
+    if (trouble.kind.empty()) trouble.kind = "programUnended";
+    Problem problem = problemAt(line, trouble.kind.c_str(), Severity::noted);
+    problem.function = match.line->function;
+    problem.call = "program";
+    problem.program = command;
+    problem.number = trouble.status;
+    problem.cause = match.line->cause;
+    problem.advice = match.line->advice;
+    trouble = {};
+    return add(std::move(problem));
+}
+
+static std::string stateCommand(const std::string& user, std::string_view system)
+{
+    return (user == "root" ? "" : "/opt/tarnquay/bin/mmquaycmd ") +
+           std::string("/opt/brisk/bin/qmstat -r sys -m \"") + std::string(system) + "\" -F state";
+}
+
+void RunReader::readState(const TraceLine& line, const Match& match)
+{
+    trouble = {};
+    if (match.values[3] == "Operating") return;
+    Problem problem = problemAt(line, "notOperating", Severity::fatal);
+    problem.function = match.line->function;
+    problem.call = "program";
+    problem.program = stateCommand(run.user, match.values[2]);
+    problem.part.push_back({.what = "system", .name = std::string(match.values[2])});
+    problem.message = match.values[3];
+    problem.advice = match.line->advice;
+    problem.cause = match.line->cause;
+    add(std::move(problem));
+    awaitsEvent = true;
+}
+
+void RunReader::readNoState(const TraceLine& line, const Match& match)
+{
+    Problem& problem = addOfProgram(line, match, stateCommand(run.user, match.values[2]));
+    problem.part.push_back({.what = "system", .name = std::string(match.values[2])});
+}
+
+void RunReader::readUser(const TraceLine& line, const Match& match)
+{
+    const bool known = numberOf(match.values[0]) == 0 && numberOf(match.values[1]) > 0;
+    if (!known) return readNoUser(line, match);
+    run.user = match.values[2];
+    trouble = {};
+}
+
+void RunReader::readNoUser(const TraceLine& line, const Match& match)
+{
+    run.user = "briskroot";
+    addOfProgram(line, match, commandOf("getLoginUserName"));
+}
+
+void RunReader::readConsole(const TraceLine&, const Match& match)
+{
+    trouble = {};
+    run.console += (run.console.empty() ? "" : "-") + std::string(match.values[2]);
+}
+
+void RunReader::readNoConsole(const TraceLine& line, const Match& match)
+{
+    addOfProgram(line, match, commandOf(match.line->function));
+}
+
+// ---- sessions ----
+
+void RunReader::readSessionStart(const TraceLine& line, const Match&)
+{
+    const bool domain = line.code == "0005";
+    lastSession = domain ? "domain" : line.text.starts_with("start local") ? "local" : "shared resource";
+    if (!domain) return;
+    domainStart = line.number;
+    domainStamp = line.stamp;
+    nodeSelections = 0;
+    firstSerial.clear();
+}
+
+void RunReader::readSessionFailed(const TraceLine& line, const Match& match)
+{
+    Problem& problem = add(problemAt(line, "sessionFailed", Severity::fatal));
+    problem.call = "session";
+    problem.session = lastSession;
+    problem.number = numberOf(match.values[0]);
+    problem.message = match.values[1];
+    problem.cause = match.line->cause;
+    problem.advice = match.line->advice;
+    problem.events = std::exchange(loose, {});
+    if (endsWithoutClosing(line)) {
+        run.status = -1;
+        run.end = RunEnd::noSession;
+        return;
+    }
+    domainFailed = true;
+    awaitsEvent = true;
+}
+
+void RunReader::readSessionEnd(const TraceLine& line, const Match&)
+{
+    lastSession = line.text.starts_with("LC")   ? "local"
+                  : line.text.starts_with("DM") ? "domain"
+                                                : "shared resource";
+    endedSessions.insert(lastSession);
+}
+
+void RunReader::readSessionEndFailed(const TraceLine& line, const Match& match)
+{
+    Problem& problem = add(problemAt(line, "sessionEndFailed", Severity::filed));
+    problem.call = "session";
+    problem.session = lastSession;
+    problem.number = numberOf(match.values[0]);
+    problem.message = match.values[1];
+    problem.cause = match.line->cause;
+    problem.advice = match.line->advice;
+    awaitsEvent = true;
+}
+
+/// A domain session whose start gives another code than -1 leaves no line. But only sessions that are open
+/// are ended.
+void RunReader::findSessionNotOpened(const TraceLine&)
+{
+    const bool open = endedSessions.contains("domain") || !endedSessions.contains("shared resource");
+    if (domainStart == 0 || domainFailed || open) return;
+    Problem problem;
+    problem.line = domainStart;
+    problem.stamp = domainStamp;
+    problem.code = "0005";
+    problem.text = "start DM session ";
+    problem.kind = "sessionNotOpened";
+    problem.phase = "domain session";
+    problem.call = "session";
+    problem.session = "domain";
+    const auto later =
+        std::ranges::find_if(run.problems, [&](const Problem& other) { return other.line > domainStart; });
+    run.problems.insert(later, std::move(problem));
+}
+
+// ---- runs beside each other ----
+
+namespace
+{
+
+constexpr std::array<std::string_view, 13> phaseOrder = {"start",
+                                                         "sessions",
+                                                         "system checks",
+                                                         "state checks",
+                                                         "partition checks",
+                                                         "domain session",
+                                                         "processor complexes",
+                                                         "I/O enclosures",
+                                                         "storage enclosures",
+                                                         "racks",
+                                                         "consoles",
+                                                         "partitions",
+                                                         "final checks"};
+
+/// The phases that lines of a code are written in, as bits; 0: in any.
+struct CodePhases {
+    std::string_view from;
+    std::string_view until;
+    unsigned phases;
+};
+constexpr unsigned bit(unsigned phase)
+{
+    return 1U << phase;
+}
+constexpr std::array<CodePhases, 17> codePhases = {{
+    {"0002", "0003", bit(0)},
+    {"0004", "0004", bit(1)},
+    {"0005", "0006", bit(5)},
+    {"0007", "0007", bit(6)},
+    {"0011", "0016", bit(4) | bit(12)},
+    {"0017", "0017", bit(3) | bit(12)},
+    {"0062", "0067", bit(0) | bit(3) | bit(10) | bit(12)},
+    {"0068", "0068", bit(0)},
+    {"0107", "0109", bit(2)},
+    {"0114", "0121", bit(6)},
+    {"0200", "0217", bit(7)},
+    {"0300", "0326", bit(8)},
+    {"0400", "0429", bit(9)},
+    {"0500", "0517", bit(10)},
+    {"0600", "0695", bit(11)},
+    {"0696", "0698", bit(4) | bit(11)},
+    {"0800", "0924", bit(11)},
+}};
+
+struct EntryPhases {
+    std::string_view function;
+    unsigned phases;
+};
+constexpr std::array<EntryPhases, 6> entryPhases = {{
+    {"queryPartition", bit(4)},
+    {"addCecEnclKord", bit(6)},
+    {"addIoEnclKord", bit(7)},
+    {"addStorEnclKord", bit(8) | bit(9)},
+    {"addQuayEnclKord", bit(10)},
+    {"addPartitionKord", bit(11)},
+}};
+
+unsigned phasesOf(const TraceLine& line)
+{
+    if (line.code == "==>") {
+        const auto* const row = std::ranges::find(entryPhases, trimmed(line.text), &EntryPhases::function);
+        return row == entryPhases.end() ? 0 : row->phases;
+    }
+    if (line.code == "0010" && !closingStatus(line)) return bit(4) | bit(12);
+    const auto* const row = std::ranges::find_if(codePhases, [&](const CodePhases& codes) {
+        return line.code >= codes.from && line.code <= codes.until;
+    });
+    return row == codePhases.end() || line.code.size() != row->from.size() ? 0 : row->phases;
+}
+
+} // namespace
+
+bool RunReader::fits(const TraceLine& line) const
+{
+    const unsigned phases = phasesOf(line);
+    const auto* const at = std::ranges::find(phaseOrder, progress.phase());
+    if (phases == 0 || at == phaseOrder.end()) return true;
+    const auto now = static_cast<unsigned>(at - phaseOrder.begin());
+    unsigned possible = bit(now) | bit(now + 1);
+    if (!run.documentStarted && now == 6) possible |= bit(12);
+    if (now == 5) possible |= bit(12); // the document could not be started
+    return (phases & possible) != 0;
+}
+
+size_t RunReader::mixWith(size_t other)
+{
+    run.mixedWith = other;
+    return run.number;
+}
+
+Run RunReader::finish(RunEnd end)
+{
+    if (!ended()) run.end = end;
+    run.phase = progress.phase();
+    for (FiledEvent& filed : loose) {
+        const bool memory = filed.type == "m";
+        Problem problem;
+        problem.line = filed.line;
+        problem.stamp = filed.stamp;
+        problem.code = "==>";
+        problem.text = " handleErrKord " + filed.name + ", " + filed.type;
+        problem.kind = memory ? "outOfMemory" : "eventUnexplained";
+        problem.severity = memory ? Severity::fatal : Severity::filed;
+        problem.phase = run.phase;
+        problem.events.push_back(std::move(filed));
+        run.problems.push_back(std::move(problem));
+    }
+    loose.clear();
+    std::ranges::stable_sort(run.problems, {}, &Problem::line);
+    return std::move(run);
+}
+
+} // namespace document
