@@ -76,7 +76,7 @@ void Explainer::finish(std::list<std::unique_ptr<RunReader>>::iterator reader, R
     done.push_back((*reader)->finish(end));
     done.back().lastLineCut = end == RunEnd::open && lines.isInsideLine();
     open.erase(reader);
-    std::ranges::sort(done, {}, &Run::number);
+    std::ranges::sort(done, {}, &TracedRun::number);
     const size_t oldestOpen = open.empty() ? runs + 1 : open.front()->number();
     while (!done.empty() && done.front().number < oldestOpen) {
         take(done.front());

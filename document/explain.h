@@ -79,7 +79,7 @@ enum class RunEnd {
     brokenOff, ///< in the middle, and another run follows
 };
 
-struct Run {
+struct TracedRun {
     size_t number = 0; ///< in the log, from 1
     size_t firstLine = 0;
     size_t lastLine = 0;
@@ -106,16 +106,16 @@ struct Run {
 };
 
 /// It ended with success, and nothing but what the collector passes over went wrong.
-bool endedWell(const Run& run);
+bool endedWell(const TracedRun& run);
 
 /// What the document lacks because of the problem; empty when nothing.
-std::string missingBy(const Run& run, const Problem& problem);
+std::string missingBy(const TracedRun& run, const Problem& problem);
 
 /// In plain words, for a terminal or a table. \param among how many runs the log has; 0: unknown
-std::string explanation(const Run& run, size_t among);
+std::string explanation(const TracedRun& run, size_t among);
 
 /// A run as JSON, by kord-explain.schema.json.
-std::string explanationJson(const Run& run);
+std::string explanationJson(const TracedRun& run);
 
 class RunReader;
 
@@ -123,7 +123,7 @@ class RunReader;
 class Explainer
 {
 public:
-    using Take = std::function<void(const Run& run)>;
+    using Take = std::function<void(const TracedRun& run)>;
 
     /// \param taker gets each run when its end is known, mostly in the order of their starts
     explicit Explainer(Take taker);
@@ -146,7 +146,7 @@ private:
     Take take;
     TraceReader lines;
     std::list<std::unique_ptr<RunReader>> open; ///< the newest last
-    std::vector<Run> done;                      ///< those that an older open run may turn out to run beside
+    std::vector<TracedRun> done;                ///< those that an older open run may turn out to run beside
     size_t newestStart = 0;                     ///< the line
     size_t runs = 0;
 };

@@ -66,7 +66,7 @@ const char* nameOf(RunEnd end)
     return names[static_cast<size_t>(end)];
 }
 
-ordered_json problemOf(const Run& run, const Problem& problem)
+ordered_json problemOf(const TracedRun& run, const Problem& problem)
 {
     ordered_json object = {{"line", problem.line},  {"time", isoTime(problem.stamp)},
                            {"code", problem.code},  {"text", problem.text},
@@ -94,7 +94,7 @@ ordered_json problemOf(const Run& run, const Problem& problem)
     return object;
 }
 
-ordered_json objectOf(const Run& run)
+ordered_json objectOf(const TracedRun& run)
 {
     ordered_json object = {{"run", run.number},           {"firstLine", run.firstLine},
                            {"lastLine", run.lastLine},    {"started", isoTime(run.started)},
@@ -122,7 +122,7 @@ ordered_json objectOf(const Run& run)
 
 } // namespace
 
-std::string explanationJson(const Run& run)
+std::string explanationJson(const TracedRun& run)
 {
     return objectOf(run).dump(2, ' ', false, ordered_json::error_handler_t::replace);
 }

@@ -218,7 +218,7 @@ std::string rest(const Problem& problem)
     return text;
 }
 
-std::string missingByFatal(const Run& run, const Problem& problem)
+std::string missingByFatal(const TracedRun& run, const Problem& problem)
 {
     if (problem.phase == "final checks") return "nothing: the document was written before";
     if (isCollecting(problem.phase)) return rest(problem);
@@ -292,7 +292,7 @@ std::string selectionWords(const Problem& problem)
     return shown(*problem.selection) + (problem.workedOut ? "  (worked out, no line tells it)" : "");
 }
 
-std::string details(const Run& run, const Problem& problem)
+std::string details(const TracedRun& run, const Problem& problem)
 {
     std::string text;
     addField(text, "asked for", askedWords(problem));
@@ -310,7 +310,7 @@ std::string details(const Run& run, const Problem& problem)
     return text;
 }
 
-std::string outcomeOfOpen(const Run& run)
+std::string outcomeOfOpen(const TracedRun& run)
 {
     const std::string where = " in the middle (" + run.phase + "), with line " +
                               std::to_string(run.lastLine) + " at " + timeOf(run.ended);
@@ -322,7 +322,7 @@ std::string outcomeOfOpen(const Run& run)
            (run.lastLineCut ? " The log ends inside a line, as a full disk leaves it." : "");
 }
 
-std::string outcome(const Run& run)
+std::string outcome(const TracedRun& run)
 {
     constexpr int success = 3;
     if (!run.status) return outcomeOfOpen(run);
@@ -335,7 +335,7 @@ std::string outcome(const Run& run)
                                : "It ended with status 3, but events were filed.";
 }
 
-std::string heading(const Run& run, size_t among)
+std::string heading(const TracedRun& run, size_t among)
 {
     std::string text = "Run " + std::to_string(run.number);
     if (among > 0) text += " of " + std::to_string(among);
@@ -347,7 +347,7 @@ std::string heading(const Run& run, size_t among)
     return text + ": lines " + std::to_string(run.firstLine) + " to " + std::to_string(run.lastLine) + ".\n";
 }
 
-std::string reservations(const Run& run)
+std::string reservations(const TracedRun& run)
 {
     std::string text;
     if (run.startLost)
@@ -371,7 +371,7 @@ bool isFatal(const Problem& problem)
 }
 
 /// Problems of one sort, in the order of their first ones.
-std::vector<std::vector<const Problem*>> groupsOf(const Run& run, Severity severity)
+std::vector<std::vector<const Problem*>> groupsOf(const TracedRun& run, Severity severity)
 {
     std::vector<std::vector<const Problem*>> groups;
     std::map<std::string, size_t> known;
@@ -398,7 +398,7 @@ std::string others(const std::vector<const Problem*>& group)
     return text;
 }
 
-std::string sectionOf(const Run& run, Severity severity, std::string_view one, std::string_view many)
+std::string sectionOf(const TracedRun& run, Severity severity, std::string_view one, std::string_view many)
 {
     constexpr size_t mostGroups = 50;
     const auto groups = groupsOf(run, severity);
@@ -448,7 +448,7 @@ std::string partWords(const Problem& problem)
     return text;
 }
 
-std::string missingBy(const Run& run, const Problem& problem)
+std::string missingBy(const TracedRun& run, const Problem& problem)
 {
     if (problem.kind == "documentNotStarted") return "all: this run left no document";
     if (problem.severity == Severity::fatal) return missingByFatal(run, problem);
@@ -456,14 +456,14 @@ std::string missingBy(const Run& run, const Problem& problem)
     return lacks && isCollecting(problem.phase) ? missingParts(problem) : "";
 }
 
-bool endedWell(const Run& run)
+bool endedWell(const TracedRun& run)
 {
     constexpr int success = 3;
     const auto isHarmless = [](const Problem& problem) { return problem.severity == Severity::noted; };
     return run.status == success && !run.minorErrorsTold && std::ranges::all_of(run.problems, isHarmless);
 }
 
-std::string explanation(const Run& run, size_t among)
+std::string explanation(const TracedRun& run, size_t among)
 {
     std::string text = heading(run, among) + outcome(run) + '\n' + reservations(run);
     const auto fatal = std::ranges::find_if(run.problems, isFatal);
@@ -475,7 +475,8 @@ std::string explanation(const Run& run, size_t among)
     text +=
         sectionOf(run, Severity::filed, "One failure that did not end it", "failures that did not end it");
     text += sectionOf(run, Severity::minor, "One minor error", "minor errors");
-    text += sectionOf(run, Severity::noted, "Passed over", "things passed over");
+    text += sectionOf(run, Severity::noted, "Passed over by the collector",
+                      "things passed over by the collector");
     if (run.furtherProblems > 0) text += "\nAnd " + std::to_string(run.furtherProblems) + " more.\n";
     return text;
 }

@@ -111,6 +111,18 @@ constexpr std::array<ProgramLine, 3> consolePrograms = {{
     {.function = "getLoginUserName", .command = "whoami"},
 }};
 
+/// What of a selection is empty, because an earlier answer did not hold it; empty when nothing is.
+std::string emptyWords(std::string_view selection, std::string_view function)
+{
+    for (const SelectionItem& item : itemsOf(selection)) {
+        const ValueSource source = item.value.empty() ? sourceOf(item.key, function) : ValueSource{};
+        if (source.className.empty()) continue;
+        return "it was asked for with an empty " + item.key + ": " + std::string(source.className) +
+               " had answered without " + std::string(source.attribute);
+    }
+    return {};
+}
+
 std::string commandOf(std::string_view function)
 {
     const auto* const found = std::ranges::find(consolePrograms, function, &ProgramLine::function);
@@ -421,10 +433,13 @@ Problem& RunReader::addOfCall(const TraceLine& line, const Match& match, const c
     problem.workedOut = call.workedOut;
     problem.action = query.action;
     problem.attributes = query.attributes;
-    if (call.selection) problem.part = partsOf(*call.selection);
+    if (call.selection) {
+        problem.part = partsOf(*call.selection);
+        problem.cause = emptyWords(*call.selection, query.function);
+    }
     if (problem.part.empty() && !managedSystem().empty())
         problem.part.push_back({.what = "system", .name = managedSystem()});
-    problem.cause = match.line->cause;
+    if (problem.cause.empty()) problem.cause = match.line->cause;
     problem.advice = match.line->advice;
     return add(std::move(problem));
 }
@@ -432,15 +447,24 @@ Problem& RunReader::addOfCall(const TraceLine& line, const Match& match, const c
 void RunReader::missingValue(const TraceLine& line, const std::string& className,
                              const std::string& attribute, const Call& call)
 {
-    std::string key = className + '.' + attribute;
-    if (call.selection && className == call.query->className) key += *call.selection;
-    if (missingTold.size() >= mostProblems || !missingTold.insert(key).second) return;
+    // A value that stands empty in a selection was told where it was missing, if a line shows it there.
+    const std::string name = className + '.' + attribute;
+    const bool isOwn = className == call.query->className;
+    const bool isNew = missingTold.insert(isOwn ? name + call.selection.value_or("") : name).second;
+    if (!isNew || missingTold.size() > mostProblems) return;
+    missingTold.insert(name);
+    if (!run.problems.empty()) {
+        Problem& last = run.problems.back();
+        const bool isSame =
+            last.kind == "valueMissing" && last.line == line.number && last.className == className;
+        if (isSame) return last.attributes.push_back(attribute);
+    }
     Problem problem = problemAt(line, "valueMissing", Severity::noted);
     problem.function = call.query->function;
     problem.call = call.query->call;
     problem.className = className;
     problem.attributes = {attribute};
-    if (className == call.query->className) problem.selection = call.selection;
+    if (isOwn) problem.selection = call.selection;
     if (call.selection) problem.part = partsOf(*call.selection);
     add(std::move(problem));
 }
@@ -743,6 +767,10 @@ void RunReader::findSessionNotOpened(const TraceLine&)
     problem.session = "domain";
     const auto later =
         std::ranges::find_if(run.problems, [&](const Problem& other) { return other.line > domainStart; });
+    for (auto other = later; other != run.problems.end(); ++other) {
+        if (other->session == "domain")
+            other->cause = "the domain session had not opened, see line " + std::to_string(domainStart);
+    }
     run.problems.insert(later, std::move(problem));
 }
 
@@ -841,7 +869,7 @@ size_t RunReader::mixWith(size_t other)
     return run.number;
 }
 
-Run RunReader::finish(RunEnd end)
+TracedRun RunReader::finish(RunEnd end)
 {
     if (!ended()) run.end = end;
     run.phase = progress.phase();

@@ -26,7 +26,7 @@ public:
     /// Another run wrote at the same time. \return this one's number
     size_t mixWith(size_t other);
     /// What there is to say when no more lines come.
-    Run finish(RunEnd end);
+    TracedRun finish(RunEnd end);
 
 private:
     /// A table's line that a text was made by.
@@ -98,7 +98,7 @@ private:
     [[nodiscard]] const TableQuery* nodeQuery(std::string_view selection) const;
     void findSessionNotOpened(const TraceLine& line);
 
-    Run run;
+    TracedRun run;
     Progress progress;
     std::string entry; ///< the function whose "==>" line came last
     Call current;

@@ -4,18 +4,15 @@
 #include "output.h"
 
 #include "document/explain.h"
+#include "document/input.h"
 #include "platform/failure.h"
-#include "platform/fileDescriptor.h"
+#include "platform/text.h"
 
 #include <array>
-#include <cerrno>
 #include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
-
-#include <fcntl.h>
-#include <sys/stat.h>
 
 namespace tool
 {
@@ -32,22 +29,20 @@ struct Options {
     bool json = false;
 };
 
-/// Hands over a file's bytes. A device has no end, or nothing to tell.
-void readTrace(const std::string& file, const std::function<void(std::string_view)>& take)
+/// Reads the log to its end, or as far as it takes to see that it is none.
+void readTrace(document::Explainer& explainer, const std::string& file)
 {
-    const bool standard = file == "-";
-    const platform::FileDescriptor trace(standard ? fcntl(STDIN_FILENO, F_DUPFD_CLOEXEC, 0)
-                                                  : open(file.c_str(), O_RDONLY | O_CLOEXEC | O_NOCTTY));
-    struct stat status = {};
-    if (!trace.isOpen() || fstat(trace.get(), &status) != 0) throw platform::failedOn(file);
-    if (!standard && !S_ISREG(status.st_mode) && !S_ISFIFO(status.st_mode))
-        throw platform::Failure(file + ": not a file");
+    constexpr size_t enough = size_t{16} * 1024 * 1024;
+    document::Input input(file);
     std::array<char, 65536> bytes; // NOLINT(cppcoreguidelines-pro-type-member-init): filled by the read
-    for (ssize_t got = 0; (got = read(trace.get(), bytes.data(), bytes.size())) != 0;) {
-        if (got < 0 && errno == EINTR) continue;
-        if (got < 0) throw platform::failedOn(file);
-        take({bytes.data(), static_cast<size_t>(got)});
+    size_t total = 0;
+    for (size_t got = 0; (got = input.read(bytes)) > 0 && (total < enough || explainer.foundLines());) {
+        explainer.read({bytes.data(), got});
+        total += got;
     }
+    explainer.end();
+    if (!explainer.foundLines())
+        throw platform::Failure(input.name() + ": no line of a collector's trace log");
 }
 
 /// Prints runs as they come, or the one that is asked for when all are known.
@@ -56,7 +51,7 @@ class Report
 public:
     Report(const Options& inOptions, Output& inOutput) : options(inOptions), output(inOutput) {}
 
-    void take(const document::Run& run)
+    void take(const document::TracedRun& run)
     {
         if (options.run != 0 && run.number != options.run) return;
         if (options.all)
@@ -75,7 +70,7 @@ public:
     [[nodiscard]] bool found() const { return printed > 0 || wanted.has_value(); }
 
 private:
-    void print(const document::Run& run, size_t among)
+    void print(const document::TracedRun& run, size_t among)
     {
         const bool first = printed++ == 0;
         well = well && document::endedWell(run);
@@ -87,7 +82,7 @@ private:
 
     const Options& options;
     Output& output;
-    std::optional<document::Run> wanted;
+    std::optional<document::TracedRun> wanted;
     size_t printed = 0;
     bool well = true;
 };
@@ -96,14 +91,12 @@ int explain(const Options& options, Output& output)
 {
     if (options.all && options.run != 0) throw platform::Failure("--run and --all exclude each other");
     Report report(options, output);
-    document::Explainer explainer([&](const document::Run& run) { report.take(run); });
-    readTrace(options.trace, [&](std::string_view bytes) { explainer.read(bytes); });
-    explainer.end();
-    if (!explainer.foundLines())
-        throw platform::Failure(options.trace + ": no line of a collector's trace log");
+    document::Explainer explainer([&](const document::TracedRun& run) { report.take(run); });
+    readTrace(explainer, options.trace);
     if (!report.found())
-        throw platform::Failure(options.trace + ": has no run " + std::to_string(options.run) +
-                                ", the last is " + std::to_string(explainer.runCount()));
+        throw platform::Failure(platform::shown(options.trace) + ": has no run " +
+                                std::to_string(options.run) + ", the last is " +
+                                std::to_string(explainer.runCount()));
     return report.end(explainer.runCount());
 }
 
@@ -116,7 +109,7 @@ platform::Command explainCommand()
                     .help = "Tell what happened in a run, from its trace log",
                     .arguments = {{.name = "TRACE",
                                    .into = &options->trace,
-                                   .help = "The trace log, or - for standard input"}},
+                                   .help = "The trace log, gzipped or not; - for standard input"}},
                     .options = {{.names = "--run",
                                  .into = &options->run,
                                  .help = "The run of this number in the log, from 1; else the newest",

@@ -1,6 +1,7 @@
 // kord show, diff and follow, on what real runs of the collector leave.
 
 #include "consoleRun.h"
+#include "jsonSchema.h"
 #include "process.h"
 #include "tempFolder.h"
 
@@ -238,6 +239,47 @@ TEST_F(Commands, FollowTellsHowARunEnded)
     EXPECT_THAT(outcome.output,
                 testing::MatchesRegex("9999-B2C.7ABCD12: done, [0-9]+ s: 128 drives, 8 storage enclosures, 2 "
                                       "racks, 2 partitions, 4 I/O enclosures, 2 processor complexes\n"));
+}
+
+TEST_F(Commands, ExplainTellsOfTheNewestRunOfOneAndOfAll)
+{
+    const fs::path log = kordTest::traceFile(folder.path() / "run", mtms);
+    collect("run");
+    Outcome outcome = run({"explain", log});
+    EXPECT_EQ(outcome.status, 0) << outcome.error;
+    EXPECT_THAT(outcome.output, testing::StartsWith("Run 1 of 1 for 9999-B2C*7ABCD12, "));
+    EXPECT_THAT(outcome.output, testing::EndsWith("It ended well, with status 3.\n"));
+
+    std::ofstream(log, std::ios::app) << "112126 13:41:03 SRCV: 155968_quay1 07-15-05  9999-B2C*7ABCD99\n";
+    outcome = run({"explain", log});
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_THAT(outcome.output, testing::StartsWith("Run 2 of 2 for 9999-B2C*7ABCD99, "));
+    EXPECT_EQ(run({"explain", "--run", "1", log}).status, 0);
+    outcome = run({"explain", "--all", "--json", log});
+    EXPECT_EQ(outcome.status, 1);
+    const json runs = json::parse(outcome.output)["runs"];
+    ASSERT_EQ(runs.size(), 2U);
+    EXPECT_EQ(runs[0]["endedWell"], true);
+    EXPECT_EQ(runs[1]["end"], "open");
+    EXPECT_THAT(kordTest::schemaFaults(fs::path(KORD_SOURCE_DIR) / "document/schema/kord-explain.schema.json",
+                                       outcome.output),
+                testing::IsEmpty());
+}
+
+TEST_F(Commands, ExplainSaysWhatItCannotRead)
+{
+    const std::string log = write("log", "112126 13:41:03 SRCV: 155968_quay1 07-15-05  9999-B2C*7ABCD99\n");
+    const std::string other = write("other", "no log\n");
+    const auto says = [](const std::vector<std::string>& arguments, const std::string& what) {
+        const Outcome outcome = run(arguments);
+        EXPECT_EQ(outcome.status, 2) << what;
+        EXPECT_EQ(outcome.output, "");
+        EXPECT_EQ(outcome.error, "kord: " + what + "\n");
+    };
+    says({"explain", other}, other + ": no line of a collector's trace log");
+    says({"explain", "/dev/zero"}, "/dev/zero: no line of a collector's trace log");
+    says({"explain", "--run", "2", log}, log + ": has no run 2, the last is 1");
+    says({"explain", "--run", "2", "--all", log}, "--run and --all exclude each other");
 }
 
 TEST_F(Commands, FollowEndsOnALogThatLostItsStart)

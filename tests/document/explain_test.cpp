@@ -1,0 +1,583 @@
+// What is told of a run, by logs written line by line as the collector writes them.
+
+#include "document/explain.h"
+#include "document/explainWords.h"
+#include "document/selection.h"
+#include "document/tables.h"
+#include "jsonSchema.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <string>
+#include <vector>
+
+namespace
+{
+
+using document::Problem;
+using document::RunEnd;
+using document::Severity;
+using document::TracedRun;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::SizeIs;
+
+const std::string system1 = "9999-B2C*7ABCD12";
+
+/// A log, a line for each code and text, wrapped as the collector wraps.
+class Log
+{
+public:
+    Log& line(const std::string& code, std::string text)
+    {
+        log += "112126 13:41:03 " + code + ": ";
+        size_t room = code.size() + text.size() > 60 ? 61 - code.size() : text.size();
+        do {
+            log += text.substr(0, room) + '\n';
+            text.erase(0, room);
+            room = 80;
+        } while (!text.empty());
+        return *this;
+    }
+    Log& entry(const std::string& function) { return line("==>", " " + function); }
+    Log& event(const std::string& name, const std::string& type)
+    {
+        return entry("handleErrKord " + name + ", " + type);
+    }
+    /// Up to the two sessions.
+    Log& start(const std::string& system = system1)
+    {
+        return line("SRCV", "155968_quay1 07-15-05  " + system)
+            .line("0068", "rc=0, xargc=1, User=root ")
+            .line("0003", "option -t ")
+            .line("0004", "start local session ")
+            .line("0004", "start share resource session ");
+    }
+    /// The checks before the collection, and what it starts with.
+    Log& checks()
+    {
+        return start()
+            .line("0109", "wwnn=500FACE000001230, server=0 ")
+            .line("0109", " partner 9999-B2C*7ABCD34")
+            .line("0017", "rc=0, xargc=1, 9999-B2C*7ABCD12, state=Operating ")
+            .line("0017", "rc=0, xargc=1, 9999-B2C*7ABCD34, state=Operating ")
+            .entry("queryPartition")
+            .line("0697", "num_contacts =1")
+            .line("0010", node)
+            .line("0016", " StorageFacilityImageID=9999.A01.00XY121, HostName=tarn0")
+            .line("0010", node)
+            .line("0016", "SF1, status=1")
+            .entry("queryPartition")
+            .line("0010", partnersNode)
+            .line("0016", "SF2, status=1")
+            .line("0005", "start DM session ")
+            .line(">>", " openInventory");
+    }
+    /// The checks after it.
+    Log& finalChecks()
+    {
+        return line("0017", "rc=0, xargc=1, 9999-B2C*7ABCD12, state=Operating ")
+            .line("0017", "rc=0, xargc=1, 9999-B2C*7ABCD34, state=Operating ")
+            .line("0010", node)
+            .line("0016", "SF1, status=1")
+            .line("0010", partnersNode)
+            .line("0016", "SF2, status=1");
+    }
+    Log& exit(int status)
+    {
+        return line("0008", "LC vale_end_session")
+            .line("0008", "DM vale_end_session")
+            .line("0008", "SR vale_end_session")
+            .line("0010", " exit " + std::to_string(status) + " ------------------");
+    }
+
+    static constexpr const char* node = " HWModel=\"9999-B2C\" && HWSerialNum=\"7ABCD12\" && LParID=\"1\"";
+    static constexpr const char* partnersNode =
+        " HWModel=\"9999-B2C\" && HWSerialNum=\"7ABCD34\" && LParID=\"1\"";
+    std::string log;
+};
+
+std::vector<TracedRun> runsIn(const std::string& log)
+{
+    std::vector<TracedRun> runs;
+    document::Explainer explainer([&](const TracedRun& run) { runs.push_back(run); });
+    explainer.read(log);
+    explainer.end();
+    return runs;
+}
+
+TracedRun runIn(const Log& log)
+{
+    auto runs = runsIn(log.log);
+    EXPECT_EQ(runs.size(), 1U);
+    return runs.empty() ? TracedRun{} : runs.back();
+}
+
+Problem problemIn(const Log& log)
+{
+    const TracedRun run = runIn(log);
+    EXPECT_EQ(run.problems.size(), 1U) << document::explanation(run, 0);
+    return run.problems.empty() ? Problem{} : run.problems.front();
+}
+
+const std::string drives = "storageFacilityImageMTMS=\"9999*A01*00XY121\" && rackNumber=\"R1\" && "
+                           "enclosureMTMS=\"1234-5X6*AB100001\" && enclosureNumber=\"1\" && "
+                           "ActivePeerDomain=\"9999.A01.00XY121\"";
+
+Log drivesAsked()
+{
+    Log log;
+    log.checks()
+        .entry("addStorEnclKord")
+        .entry("queryStorageEnclosure")
+        .entry("queryDDM")
+        .line("0300", drives);
+    return log;
+}
+
+// ---- runs ----
+
+TEST(Explain, ARunWithoutTroubleEndedWell)
+{
+    Log log;
+    log.checks().finalChecks().exit(3);
+    const TracedRun run = runIn(log);
+    EXPECT_TRUE(document::endedWell(run));
+    EXPECT_EQ(run.system, system1);
+    EXPECT_EQ(run.option, "-t");
+    EXPECT_EQ(run.user, "root");
+    EXPECT_EQ(run.status, 3);
+    EXPECT_EQ(run.phase, "final checks");
+    EXPECT_THAT(run.problems, IsEmpty());
+    EXPECT_EQ(run.strangeLines, 0U);
+    EXPECT_THAT(document::explanation(run, 1), HasSubstr("It ended well, with status 3."));
+}
+
+TEST(Explain, RunsFollowEachOther)
+{
+    Log log;
+    log.checks().finalChecks().exit(3);
+    log.start("9999-B2C*7ABCD99").line("0109", "wwnn=1, server=0 ");
+    const auto runs = runsIn(log.log);
+    ASSERT_THAT(runs, SizeIs(2));
+    EXPECT_EQ(runs[0].end, RunEnd::closed);
+    EXPECT_EQ(runs[1].system, "9999-B2C*7ABCD99");
+    EXPECT_EQ(runs[1].end, RunEnd::open);
+    EXPECT_FALSE(document::endedWell(runs[1]));
+    EXPECT_THAT(document::explanation(runs[1], 2),
+                HasSubstr("It has not ended: the log stops in the middle (system checks)"));
+}
+
+TEST(Explain, ARunThatAnotherFollowsBrokeOff)
+{
+    Log log;
+    log.checks().entry("addCecEnclKord");
+    log.checks().finalChecks().exit(3);
+    const auto runs = runsIn(log.log);
+    ASSERT_THAT(runs, SizeIs(2));
+    EXPECT_EQ(runs[0].end, RunEnd::brokenOff);
+    EXPECT_EQ(runs[0].mixedWith, std::nullopt);
+    EXPECT_TRUE(document::endedWell(runs[1]));
+}
+
+TEST(Explain, ALogThatLostItsStart)
+{
+    Log log;
+    log.log = "7ABCD12\" && LParID=\"1\"\n";
+    log.entry("queryPPS")
+        .line("0405", "storageFacilityMTMS=\"F\" && rackEnclosureMTMS=\"R\" ")
+        .line("0407 ", "no res  array_cnt_pps=0");
+    log.finalChecks().line("0019", "Function completed with minor errors detected.").exit(3);
+    const TracedRun run = runIn(log);
+    EXPECT_TRUE(run.startLost);
+    EXPECT_EQ(run.system, "");
+    ASSERT_THAT(run.problems, SizeIs(1));
+    EXPECT_EQ(run.problems[0].className, "Orvik.TarnPPS");
+    EXPECT_THAT(document::explanation(run, 1), HasSubstr("The log has lost the start of this run"));
+}
+
+TEST(Explain, TwoRunsAtOnceAreToldApartAsFarAsTheirLinesGo)
+{
+    Log log;
+    log.checks().entry("addCecEnclKord").entry("addIoEnclKord").entry("addStorEnclKord");
+    log.start();
+    log.line("0322 ", "storageFacilityMTMS=\"9999-A01*00XY1230\" ");
+    log.line("0109", "wwnn=500FACE000001230, server=0 ");
+    const auto runs = runsIn(log.log);
+    ASSERT_THAT(runs, SizeIs(2));
+    EXPECT_EQ(runs[0].mixedWith, 2U);
+    EXPECT_EQ(runs[1].mixedWith, 1U);
+    EXPECT_THAT(document::explanation(runs[1], 2), HasSubstr("Run 1 wrote to the log at the same time."));
+}
+
+TEST(Explain, ASecondEndWithoutAStartIsThatOfARunBesideIt)
+{
+    Log log;
+    log.checks().entry("addCecEnclKord");
+    log.checks().finalChecks().exit(3);
+    log.line("0010", " exit 3 ------------------");
+    const auto runs = runsIn(log.log);
+    ASSERT_THAT(runs, SizeIs(2));
+    EXPECT_EQ(runs[0].end, RunEnd::closed);
+    EXPECT_EQ(runs[0].mixedWith, 2U);
+    EXPECT_EQ(runs[1].mixedWith, 1U);
+}
+
+TEST(Explain, ALogThatEndsInsideALineSaysSo)
+{
+    Log log;
+    log.checks();
+    log.log += "112126 13:41:03 >>:  openSys";
+    const TracedRun run = runIn(log);
+    EXPECT_TRUE(run.lastLineCut);
+    EXPECT_THAT(document::explanation(run, 1), HasSubstr("The log ends inside a line"));
+}
+
+// ---- calls ----
+
+TEST(Explain, ACallThatFailed)
+{
+    Log log = drivesAsked();
+    log.line("0301", "  TarnDDM 7, no such thing\n").event("queryDDM", "r").exit(-1);
+    const Problem problem = problemIn(log);
+    EXPECT_EQ(problem.kind, "callFailed");
+    EXPECT_EQ(problem.severity, Severity::fatal);
+    EXPECT_EQ(problem.className, "Orvik.TarnDDM");
+    EXPECT_EQ(problem.session, "domain");
+    EXPECT_EQ(problem.selection, drives);
+    EXPECT_EQ(problem.number, 7);
+    EXPECT_EQ(problem.message, "no such thing\n");
+    EXPECT_THAT(problem.attributes, SizeIs(14));
+    EXPECT_EQ(document::partWords(problem),
+              "storage enclosure 1234-5X6*AB100001, enclosure number 1, rack R1, image 9999*A01*00XY121");
+    EXPECT_EQ(document::answerWords(problem), "the call failed with code 7, \"no such thing\"");
+    ASSERT_THAT(problem.events, SizeIs(1));
+    EXPECT_EQ(problem.events[0].referenceCode, "BED00001");
+    EXPECT_EQ(problem.events[0].text, "queryDDM : VALE call resulted in a non zero return value");
+    EXPECT_EQ(document::missingBy(runIn(log), problem), "what comes behind it in the document: the rest of "
+                                                        "the storage enclosures, the racks, the consoles and "
+                                                        "the partitions");
+}
+
+TEST(Explain, AnErrorOfTheFacilityIsMinor)
+{
+    Log log = drivesAsked();
+    log.line("0303", " response 262152, absent\n")
+        .finalChecks()
+        .line("0019", "Function completed with minor errors detected.")
+        .exit(3);
+    const TracedRun run = runIn(log);
+    ASSERT_THAT(run.problems, SizeIs(1));
+    EXPECT_EQ(run.problems[0].kind, "responseInError");
+    EXPECT_EQ(run.problems[0].severity, Severity::minor);
+    EXPECT_THAT(run.problems[0].events, IsEmpty());
+    EXPECT_EQ(document::answerWords(run.problems[0]),
+              "the first answer is in error 0x40008 (262152), \"absent\"");
+    EXPECT_THAT(document::explanation(run, 1), HasSubstr("It ended with status 3 and minor errors."));
+}
+
+TEST(Explain, AnErrorWithItsMessageFiled)
+{
+    Log log = drivesAsked();
+    log.line("0303", " response 7, worn out\n").event("Orvik.TarnDDM", "r").exit(-1);
+    const Problem problem = problemIn(log);
+    EXPECT_EQ(problem.severity, Severity::fatal);
+    ASSERT_THAT(problem.events, SizeIs(1));
+    EXPECT_EQ(problem.events[0].text, "Orvik.TarnDDM : worn out ");
+}
+
+TEST(Explain, AnEnclosureWithoutDrivesIsFiledAndTheRunGoesOn)
+{
+    Log log = drivesAsked();
+    log.line("0302 ", "no res  array_cnt_ddm=0").event("queryDDM", "e").finalChecks().exit(3);
+    const TracedRun run = runIn(log);
+    ASSERT_THAT(run.problems, SizeIs(1));
+    EXPECT_EQ(run.problems[0].severity, Severity::filed);
+    EXPECT_EQ(
+        document::missingBy(run, run.problems[0]),
+        "drives of storage enclosure 1234-5X6*AB100001, enclosure number 1, rack R1, image 9999*A01*00XY121");
+    EXPECT_FALSE(document::endedWell(run));
+}
+
+TEST(Explain, AnEventThatCouldNotBeFiled)
+{
+    Log log = drivesAsked();
+    log.line("0302 ", "no res  array_cnt_ddm=0")
+        .event("queryDDM", "e")
+        .line("050", "/opt/tarnquay/bin/pmProblemEventPoster  -f \"x\", 4")
+        .finalChecks()
+        .exit(3);
+    const Problem problem = problemIn(log);
+    ASSERT_THAT(problem.events, SizeIs(1));
+    EXPECT_EQ(problem.events[0].toolStatus, 4);
+    EXPECT_EQ(problem.events[0].command, "/opt/tarnquay/bin/pmProblemEventPoster  -f \"x\"");
+}
+
+TEST(Explain, LinesOfOneCodeAreToldApartByWhatWasAsked)
+{
+    const std::string asked = "  storageFacilityImageMTMS=\"I\" && ActivePeerDomain=\"D\" ";
+    Log hosts;
+    hosts.checks().entry("queryScsiHostPort").line("0677", asked).line("0680", " response 7, x\n");
+    Log sites;
+    sites.checks().entry("queryArraySites").line("0677", asked).line("0680", " response 7, x\n");
+    EXPECT_EQ(problemIn(hosts).className, "Orvik.TarnScsiHostPort");
+    EXPECT_EQ(problemIn(sites).className, "Orvik.TarnArraySite");
+}
+
+TEST(Explain, TheChecksOfAllNodesAskWithTheSameWords)
+{
+    const std::string failed = "  ManagedNode returned 7, x\n";
+    Log id;
+    id.start()
+        .entry("queryPartition")
+        .line("0697", "num_contacts =1")
+        .line("0010", Log::node)
+        .line("0013", "response 7, a, b\n");
+    EXPECT_EQ(problemIn(id).function, "queryValeId");
+    EXPECT_EQ(problemIn(id).message, "a, b\n");
+    Log status;
+    status.start()
+        .entry("queryPartition")
+        .line("0697", "num_contacts =1")
+        .line("0010", Log::node)
+        .line("0010", Log::node)
+        .line("0013", "response 7, a, SF1");
+    EXPECT_EQ(problemIn(status).function, "queryValeStatus");
+    EXPECT_EQ(problemIn(status).message, "a");
+    Log partner;
+    partner.checks().finalChecks().line("0012", " error array_cnt 0, SF2");
+    EXPECT_EQ(problemIn(partner).function, "queryValePartnerStatus");
+}
+
+TEST(Explain, APartitionThatIsNotOnline)
+{
+    Log log;
+    log.start().entry("queryPartition").line("0697", "num_contacts =1").line("0010", Log::node);
+    log.line("0016", " StorageFacilityImageID=I, HostName=H")
+        .line("0010", Log::node)
+        .line("0016", "SF1, status=2")
+        .event("SF1", "s")
+        .exit(-1);
+    const Problem problem = problemIn(log);
+    EXPECT_EQ(problem.kind, "notOnline");
+    EXPECT_EQ(problem.function, "queryValeStatus");
+    EXPECT_EQ(problem.number, 2);
+    EXPECT_EQ(problem.events.at(0).text, "SF1 : Subsystem is degraded");
+    EXPECT_EQ(document::partWords(problem), "partition ID 1, system 9999-B2C*7ABCD12, named SF1");
+}
+
+TEST(Explain, AnAnswerWithFewerAttributesThanAskedFor)
+{
+    Log log = drivesAsked();
+    log.line("0304 ", "DDM loop array_cnt_ddm= 16, attr_count_ddm= 13").finalChecks().exit(3);
+    const Problem problem = problemIn(log);
+    EXPECT_EQ(problem.kind, "fewerAttributes");
+    EXPECT_EQ(problem.severity, Severity::noted);
+    EXPECT_EQ(document::answerWords(problem), "the first answer has 13 of the 14 attributes");
+    EXPECT_TRUE(document::endedWell(runIn(log)));
+}
+
+TEST(Explain, AnEmptySelectionTellsWhatHadBeenMissing)
+{
+    Log log;
+    log.checks()
+        .entry("queryNVC")
+        .line("0120", " storageFacilityImageMTMS=\"\" && server=0  ")
+        .line("0120", " no res  array_cnt_nvc=0")
+        .event("queryNVC", "e")
+        .exit(-1);
+    const TracedRun run = runIn(log);
+    ASSERT_THAT(run.problems, SizeIs(2));
+    EXPECT_EQ(run.problems[0].kind, "valueMissing");
+    EXPECT_EQ(run.problems[0].className, "Orvik.ManagedNode");
+    EXPECT_THAT(run.problems[0].attributes, ElementsAre("StorageFacilityImageID"));
+    EXPECT_EQ(run.problems[1].kind, "nothingFound");
+    EXPECT_THAT(run.problems[1].cause,
+                HasSubstr("Orvik.ManagedNode had answered without StorageFacilityImageID"));
+}
+
+// ---- what no line says outright ----
+
+TEST(Explain, AThirdSessionThatNeverOpened)
+{
+    Log log;
+    log.checks()
+        .entry("queryNVC")
+        .line("0120", " storageFacilityImageMTMS=\"I\" && server=0  ")
+        .line("0120", " handle_bp 1, no session")
+        .event("queryNVC", "r");
+    log.line("0008", "LC vale_end_session")
+        .line("0008", "SR vale_end_session")
+        .line("0010", " exit -1 ------------------");
+    const TracedRun run = runIn(log);
+    ASSERT_THAT(run.problems, SizeIs(2));
+    EXPECT_EQ(run.problems[0].kind, "sessionNotOpened");
+    EXPECT_THAT(run.problems[1].cause, HasSubstr("the domain session had not opened"));
+}
+
+TEST(Explain, SessionsThatFail)
+{
+    Log local;
+    local.line("SRCV", "155968_quay1 07-15-05  " + system1)
+        .line("0004", "start local session ")
+        .event("addTarnKord", "r")
+        .line("0004", " LC scope session failed with error 9, none\n, exit -1");
+    TracedRun run = runIn(local);
+    ASSERT_THAT(run.problems, SizeIs(1));
+    EXPECT_EQ(run.problems[0].kind, "sessionFailed");
+    EXPECT_EQ(run.problems[0].session, "local");
+    EXPECT_EQ(run.problems[0].number, 9);
+    EXPECT_THAT(run.problems[0].events, SizeIs(1));
+    EXPECT_EQ(run.end, RunEnd::noSession);
+    EXPECT_EQ(run.status, -1);
+
+    Log end;
+    end.checks()
+        .finalChecks()
+        .line("0008", "SR vale_end_session")
+        .line("0009", " end_session failed with error 5, x\n")
+        .event("cleanUpKord", "r")
+        .line("0010", " exit 3 ------------------");
+    run = runIn(end);
+    EXPECT_EQ(run.problems.back().kind, "sessionEndFailed");
+    EXPECT_EQ(run.problems.back().session, "shared resource");
+    EXPECT_EQ(run.problems.back().severity, Severity::filed);
+}
+
+TEST(Explain, AStateProgramThatFailedIsPassedOver)
+{
+    Log log;
+    log.start()
+        .line("0109", "wwnn=1, server=0 ")
+        .line("0109", " partner P")
+        .line("0066", "excute cmd rc=1, errno=0 ")
+        .line("0017", "rc=1, xargc=0, 9999-B2C*7ABCD12 ");
+    const Problem problem = problemIn(log);
+    EXPECT_EQ(problem.kind, "programFailed");
+    EXPECT_EQ(problem.number, 1);
+    EXPECT_EQ(problem.severity, Severity::noted);
+    EXPECT_EQ(problem.program, "/opt/brisk/bin/qmstat -r sys -m \"9999-B2C*7ABCD12\" -F state");
+}
+
+TEST(Explain, ASystemThatIsNotOperating)
+{
+    Log log;
+    log.start()
+        .line("0109", "wwnn=1, server=0 ")
+        .line("0109", " partner P")
+        .line("0017", "rc=0, xargc=1, 9999-B2C*7ABCD12, state=Standby ")
+        .event("addTarnKord", "s")
+        .exit(-1);
+    const TracedRun run = runIn(log);
+    ASSERT_THAT(run.problems, SizeIs(1));
+    EXPECT_EQ(run.problems[0].kind, "notOperating");
+    EXPECT_EQ(run.problems[0].message, "Standby");
+    EXPECT_THAT(run.problems[0].events, SizeIs(1));
+    EXPECT_EQ(document::missingBy(run, run.problems[0]),
+              "all: no document was started, one of an earlier run lies there as it was");
+}
+
+TEST(Explain, ADocumentThatCouldNotBeStartedEndsWithSuccess)
+{
+    Log log;
+    log.checks();
+    log.log.resize(log.log.rfind("112126")); // without the document's start
+    log.line("0700", " open xmlfile error /var/adm/stockmere/VPD/x.xml \n")
+        .event("addSystemKord", "d")
+        .line("0007", " startXml 1 ")
+        .finalChecks()
+        .exit(3);
+    const TracedRun run = runIn(log);
+    ASSERT_THAT(run.problems, SizeIs(1)) << document::explanation(run, 0);
+    EXPECT_EQ(run.problems[0].kind, "documentNotStarted");
+    EXPECT_EQ(run.problems[0].events.at(0).referenceCode, "BED00005");
+    EXPECT_THAT(document::explanation(run, 1), HasSubstr("It ended with status 3, but wrote no document."));
+}
+
+// ---- what is not borne out ----
+
+TEST(Explain, AValueThatLooksLikeALineSaysNothing)
+{
+    Log log;
+    log.checks()
+        .entry("queryScsiHostPort")
+        .line("0677", " add 112126 13:41:03 0010:  exit 3 ------------------, 1");
+    EXPECT_EQ(runIn(log).status, std::nullopt);
+}
+
+TEST(Explain, ManyProblemsAreCounted)
+{
+    Log log = drivesAsked();
+    for (int i = 0; i < 5000; ++i)
+        log.line("0303", " response 262152, absent\n");
+    const TracedRun run = runIn(log);
+    EXPECT_LE(run.problems.size(), 2000U);
+    EXPECT_EQ(run.problems.size() + run.furtherProblems, 5000U);
+}
+
+TEST(Explain, WhatAMachineSaidIsShownSafely)
+{
+    Log log = drivesAsked();
+    log.line("0301", "  TarnDDM 7, \x1b[2J\xe2\x80\xae").event("queryDDM", "r").exit(-1);
+    const std::string text = document::explanation(runIn(log), 1);
+    EXPECT_THAT(text, HasSubstr("\\x1B[2J\\u{202E}"));
+    EXPECT_EQ(text.find('\x1b'), std::string::npos);
+}
+
+TEST(Explain, JsonIsWhatItsSchemaSays)
+{
+    Log log = drivesAsked();
+    log.line("0301", "  TarnDDM 7, \xff").event("queryDDM", "r").exit(-1);
+    const std::string json = "{\"runs\": [" + document::explanationJson(runIn(log)) + "]}";
+    EXPECT_THAT(kordTest::schemaFaults(
+                    std::string(KORD_SOURCE_DIR) + "/document/schema/kord-explain.schema.json", json),
+                IsEmpty())
+        << json;
+}
+
+// ---- selections and formats ----
+
+TEST(Selection, IsTakenApart)
+{
+    const auto items = document::itemsOf("(a=\"x y\") && (b=10) && c =? 'z%'  && (d=1 || d=2)");
+    ASSERT_THAT(items, SizeIs(5));
+    EXPECT_EQ(items[0].value, "x y");
+    EXPECT_EQ(items[1].value, "10");
+    EXPECT_TRUE(items[2].begins);
+    EXPECT_EQ(items[2].value, "z");
+    EXPECT_EQ(items[4].value, "2");
+    EXPECT_THAT(document::itemsOf("=\"'==?=?"), SizeIs(0));
+    EXPECT_THAT(document::itemsOf("a=\"unended"), SizeIs(1));
+}
+
+TEST(LineFormat, TakesTextsApart)
+{
+    const auto values = [](const char* format, const char* text) {
+        const auto found = document::LineFormat(format).match(text);
+        return found ? std::vector<std::string>(found->begin(), found->end())
+                     : std::vector<std::string>{"none"};
+    };
+    EXPECT_THAT(values(" response %d, %s", " response -7, a, b"), ElementsAre("-7", "a, b"));
+    EXPECT_THAT(values("%s, %d", "a, b, 7"), ElementsAre("a, b", "7"));
+    EXPECT_THAT(values("response %d, %s, %s", "response 7, a, b, c"), ElementsAre("7", "a, b", "c"));
+    EXPECT_THAT(values(" %s ", " x "), ElementsAre("x"));
+    EXPECT_THAT(values("a=? '%s%%'", "a=? 'x%'"), ElementsAre("x"));
+    EXPECT_THAT(values(" RackLocation= %s, %s, %s, %d, %s", " RackLocation= a, b, 1, 1, c"),
+                ElementsAre("a", "b", "1", "1", "c"));
+    EXPECT_THAT(values("close file", "close file"), IsEmpty());
+    EXPECT_THAT(values("close file", "close files"), ElementsAre("none"));
+    EXPECT_THAT(values("%d", ""), ElementsAre("none"));
+    EXPECT_THAT(values(" %d, %s", " 7"), ElementsAre("none"));
+}
+
+TEST(Tables, HoldTheCollectorsQueries)
+{
+    const document::TableQuery* query = document::tables().query("queryDDM");
+    ASSERT_NE(query, nullptr);
+    EXPECT_EQ(query->className, "Orvik.TarnDDM");
+    EXPECT_EQ(document::tables().event("r").referenceCode, "BED00001");
+    EXPECT_EQ(document::tables().event("m").referenceCode, "BED00005");
+}
+
+} // namespace
