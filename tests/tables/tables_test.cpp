@@ -107,6 +107,55 @@ TEST(Tables, readAttributesIntoFieldsOfTheirType)
     }
 }
 
+/// The names of all that a value holds, as OUTER.INNER.
+void collectNames(const Json& value, const std::string& outer, Names& names)
+{
+    if (!value.is_structured()) return;
+    for (const auto& [key, inner] : value.items()) {
+        const std::string name = value.is_array() ? outer : outer + "." + key;
+        names.insert(name);
+        collectNames(inner, name, names);
+    }
+}
+
+/// What reads the tables goes by these names.
+TEST(Tables, nameWhatTheyTell)
+{
+    const std::map<std::string, std::string> wanted = {
+        {"queries", "module function class session scope call counter selection action attributes lines"},
+        {"queries.attributes", "name field readByItsOwn matched kept"},
+        {"queries.lines", "role code format meaning cause advice ends"},
+        {"queries.lines.ends", "number result flag report instead print"},
+        {"queries.lines.ends.report", "name type referenceCode withMessage"},
+        {"lines", "module function role code format meaning cause advice"},
+        {"events", "type referenceCode text meaning cause advice"},
+        {"sessions", "name scope"},
+        {"checks", "when checks"},
+        {"checks.checks", "function message"},
+        {"commands", "function command"},
+        {"elements", "writer kind name trace properties"},
+        {"elements.properties", "code label reversed"}};
+    Names expected;
+    for (const auto& [outer, inner] : wanted) {
+        std::istringstream words(inner);
+        expected.insert("." + outer);
+        for (std::string word; words >> word;)
+            expected.insert("." + outer + "." + word);
+    }
+    Names told;
+    collectNames(tables(), "", told);
+    EXPECT_EQ(told, expected);
+}
+
+TEST(Tables, refuseOtherArguments)
+{
+    const kordTest::Outcome outcome =
+        kordTest::runProcess({.arguments = {build / "bin/kord-tables", "--xml"}, .folder = build});
+    EXPECT_EQ(outcome.status, 2);
+    EXPECT_EQ(outcome.output, "");
+    EXPECT_EQ(outcome.error, "usage: kord-tables [--json]\n");
+}
+
 TEST(Tables, tellEveryCommandUnderTheFunctionThatRunsIt)
 {
     std::multiset<std::pair<std::string, std::string>> told;

@@ -211,6 +211,21 @@ INSTANTIATE_TEST_SUITE_P(
                     Growth{25'000, 3'010'001, Growth::removes}, Growth{100, 3'010'001, Growth::removes},
                     Growth{100, 9'000'000, Growth::removes}));
 
+TEST_F(TraceLog, isKeptWithoutStandardInput)
+{
+    const unit::WithoutInput closed;
+    unit::writeFile(path, grownLog(25'000, 3'000'001));
+    addTrcKord(name.c_str(), "0100", "text");
+    const std::string cut = unit::readFile(path);
+    EXPECT_EQ(cut.substr(0, 6), "10000 ");
+    EXPECT_TRUE(cut.ends_with(" 0100: text\n"));
+    unit::writeFile(path, grownLog(100, 3'010'001));
+    chmod(path.c_str(), 0600);
+    addTrcKord(name.c_str(), "0100", "text");
+    EXPECT_EQ(unit::readFile(path), "");
+    EXPECT_EQ(unit::modeOf(path), 0666U);
+}
+
 TEST_F(TraceLog, cutsThroughNoLink)
 {
     const std::string target = path + ".target";

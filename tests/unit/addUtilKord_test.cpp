@@ -65,6 +65,12 @@ TEST(CommandRunner, readsAMegabyte)
     EXPECT_EQ(output.lines.back(), "0123456789abcde");
 }
 
+TEST(CommandRunner, readsWithoutStandardInput)
+{
+    const unit::WithoutInput closed;
+    EXPECT_EQ(outputOf(unit::freshRecord(), "echo text").lines, Lines{"text"});
+}
+
 TEST(CommandRunner, reportsFailures)
 {
     const kordRec record = unit::freshRecord();

@@ -182,6 +182,12 @@ TEST_F(Document, takesThePlaceOfAnEarlierOne)
     EXPECT_EQ(started(), "new\n");
 }
 
+TEST_F(Document, isStartedWithoutStandardInput)
+{
+    const unit::WithoutInput closed;
+    EXPECT_EQ(started(), "new\n");
+}
+
 TEST_F(Document, reusesAnEmptyFile)
 {
     unit::writeFile(path, "");

@@ -11,6 +11,7 @@
 #include <sstream>
 #include <string>
 #include <sys/stat.h>
+#include <unistd.h>
 #include <vector>
 
 namespace unit
@@ -40,6 +41,24 @@ inline std::string logPath(const std::string& name)
 }
 
 constexpr size_t stampLength = 16; ///< "mmddyy HH:MM:SS "
+
+/// While it lives, the program is as one that is started without standard input: the first file that it opens
+/// gets the number 0.
+class WithoutInput
+{
+public:
+    WithoutInput() : input(dup(STDIN_FILENO)) { close(STDIN_FILENO); }
+    ~WithoutInput()
+    {
+        dup2(input, STDIN_FILENO);
+        close(input);
+    }
+    WithoutInput(const WithoutInput&) = delete;
+    WithoutInput& operator=(const WithoutInput&) = delete;
+
+private:
+    int input;
+};
 
 /// A record as `main` leaves it for the system 9999-B2C*7ABCD12, with a fresh trace log.
 inline kordRec freshRecord()
