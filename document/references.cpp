@@ -1,5 +1,7 @@
 #include "document/references.h"
 
+#include "platform/utf8.h"
+
 #include <algorithm>
 #include <array>
 
@@ -46,17 +48,6 @@ Reference numbered(std::string_view text)
     return whole ? Reference{.length = at + 1, .character = character} : Reference{};
 }
 
-void appendCharacter(std::string& text, uint32_t character)
-{
-    const auto byte = [&](uint32_t bits) { text += static_cast<char>(bits); };
-    if (character < 0x80) return byte(character);
-    const int more = character < 0x800 ? 1 : character < 0x10000 ? 2 : 3;
-    constexpr std::array<uint32_t, 4> lead = {0, 0xC0, 0xE0, 0xF0};
-    byte(lead.at(static_cast<size_t>(more)) | character >> (6U * static_cast<uint32_t>(more)));
-    for (int left = more - 1; left >= 0; --left)
-        byte(0x80U | (character >> (6U * static_cast<uint32_t>(left)) & 0x3FU));
-}
-
 } // namespace
 
 Reference referenceAt(std::string_view text)
@@ -79,7 +70,7 @@ void appendMeant(std::string& meant, std::string_view text)
         if (reference.length == 0)
             meant += '&';
         else
-            appendCharacter(meant, reference.character);
+            platform::append(meant, reference.character);
         text.remove_prefix(std::max<size_t>(reference.length, 1));
     }
 }

@@ -75,6 +75,7 @@ bool Scanner::fill()
     last += count;
     if (count > 0) return true;
     atEnd = true;
+    if (input.isCut()) find("the packed document ends before its time");
     // A whole document whose last line feed is lost is a whole document.
     if (last == bytes.size()) bytes.resize(last + 1);
     const std::string_view end(bytes.data(), last);
@@ -274,12 +275,26 @@ bool Scanner::leaveOut(Stretch text)
     return false;
 }
 
-Scanner::Role Scanner::roleOf(std::string_view displayName) const
+/// In a processor complex, whose lists of partitions do not pair.
+bool Scanner::inDrawer() const
 {
-    if (open.size() == 1 && displayName == enclosures) return Role::enclosures;
-    if (inList() && open.back().role == Role::enclosures && displayName == drawer) return Role::drawer;
-    if (inResource() && open.back().role == Role::drawer && displayName == shares) return Role::shares;
-    return Role::other;
+    return inResource() && open.back().kind == Kind::processorComplex;
+}
+
+/// In such a list.
+bool Scanner::inShares() const
+{
+    return inList() && open.back().name == shares && open[open.size() - 2].kind == Kind::processorComplex;
+}
+
+void Scanner::openList(std::string_view name)
+{
+    if (open.size() == 1) systemList = name;
+    open.back().hadList = true;
+    open.emplace_back();
+    open.back().list = true;
+    open.back().name = name;
+    emit(Event::Kind::listStart);
 }
 
 bool Scanner::listStart(Stretch text)
@@ -289,16 +304,12 @@ bool Scanner::listStart(Stretch text)
     const Stretch name = {.from = listName.size(), .to = text.to - tagEnd.size()};
     if (inList()) {
         // Each partition of a drawer opens a list of its own; only the last one is closed.
-        if (open.back().role != Role::shares || at(name) != shares)
+        if (!inShares() || at(name) != shares)
             find("a list begins inside the list before it, which ends here");
         return close(true);
     }
     if (open.size() == deepest) fault("elements are nested deeper than in any document");
-    const Role role = roleOf(at(name));
-    if (open.size() == 1) systemList = at(name);
-    open.back().hadList = true;
-    open.push_back({.list = true, .hadList = false, .role = role, .codes = {}});
-    emit(Event::Kind::listStart);
+    openList(at(name));
     event.name = at(name);
     take(text.to + 1, 1);
     return true;
@@ -308,7 +319,7 @@ bool Scanner::listEnd(Stretch text)
 {
     if (inList()) return close(false, text.size());
     // A drawer without cards closes the list that one before it had.
-    if (!inResource() || open.back().role != Role::drawer || open.back().hadList) return leaveOut(text);
+    if (!inDrawer() || open.back().hadList) return leaveOut(text);
     open.back().hadList = true;
     take(text.to + 1, 1);
     advance();
@@ -326,8 +337,9 @@ bool Scanner::resourceStart(Stretch text)
     if (open.size() == deepest) fault("elements are nested deeper than in any document");
     if (!tag.repeated) find("the line behind this tag is not its identifier");
     hadSystem = true;
-    const Role role = roleOf(at(tag.name));
-    open.push_back({.list = false, .hadList = false, .role = role, .codes = {}});
+    const Kind kind = kindOf(open.empty() ? std::string_view{} : open.back().name, at(tag.name));
+    open.emplace_back();
+    open.back().kind = kind;
     emit(Event::Kind::resourceStart);
     event.name = at(tag.name);
     event.id = at(tag.id);
@@ -345,8 +357,7 @@ bool Scanner::misplacedResource(Stretch text)
     }
     if (!open.back().hadList) return leaveOut(text);
     find("a resource begins behind its list, which begins again");
-    open.push_back({.list = true, .hadList = false, .role = roleOf(systemList), .codes = {}});
-    emit(Event::Kind::listStart);
+    openList(std::string(systemList));
     event.implied = true;
     event.name = systemList;
     return true;
@@ -378,16 +389,16 @@ bool Scanner::property()
         return leaveOut(text);
     }
     headKnown = false;
+    const bool placed = inResource() && !open.back().hadList && !isAgain(head);
+    if (placed) place(head);
     if (!readValue(head, value)) return endEarly();
-    const size_t index = indexOf(at(head.code));
     const auto lines = 4 + static_cast<uint64_t>(std::ranges::count(at(value), '\n'));
     take(value.to + valueEnd.size() + 1 + propertyEnd.size() + 1, lines);
-    if (!inResource() || open.back().hadList || open.back().codes[index]) {
+    if (!placed) {
         find("the property " + quoted(at(head.code)) + " has no place here and is left out");
         advance();
         return false;
     }
-    open.back().codes.set(index);
     emit(Event::Kind::property);
     event.code = at(head.code);
     event.label = at(head.label);
@@ -546,7 +557,7 @@ bool Scanner::mayFollow(size_t from)
     else if (startsWith(from, listName))
         may = lineAt(from, text) && at(text).ends_with(tagEnd) &&
               (startsWith(text.to + 1, resourceName) || isLine(text.to + 1, words::listEnd));
-    else if (open.back().role == Role::drawer && isLine(from, words::listEnd))
+    else if (inDrawer() && isLine(from, words::listEnd))
         may = isLine(from + words::listEnd.size() + 1, words::resourceEnd);
     else
         may = mayEnd(from);
@@ -565,7 +576,7 @@ bool Scanner::mayEnd(size_t from)
         }
         if (depth == 0) return isWholeEnd(from);
         const Open& element = open[depth - 1];
-        if (!marked && depth < open.size() && mayGoOn(element, from)) return true;
+        if (!marked && depth < open.size() && mayGoOn(depth, from)) return true;
         const std::string_view end = element.list ? words::listEnd : words::resourceEnd;
         if (!isLine(from, end)) return false;
         from += end.size() + 1;
@@ -579,23 +590,53 @@ bool Scanner::isWholeEnd(size_t from)
     return isLine(from, words::setEnd) && isLine(rootLine, rootEnd) && !have(rootLine + rootEnd.size() + 2);
 }
 
-/// Whether what stands there can follow an element inside that one.
-bool Scanner::mayGoOn(const Open& element, size_t from)
+/// Whether what stands there can follow an element inside the one at that depth.
+bool Scanner::mayGoOn(size_t depth, size_t from)
 {
+    const Open& element = open[depth - 1];
     if (!element.list) return startsWith(from, listName);
-    return startsWith(from, resourceName) || (element.role == Role::shares && startsWith(from, listName));
+    if (startsWith(from, resourceName)) return true;
+    return element.name == shares && open[depth - 2].kind == Kind::processorComplex &&
+           startsWith(from, listName);
 }
 
-/// A resource has each property once.
 bool Scanner::nextProperty(size_t from)
 {
     Head head;
     if (!readHead(from, head)) return false;
-    if (inResource() && open.back().codes[indexOf(at(head.code))]) return false;
+    if (isAgain(head)) return false;
     const auto moved = [from](Stretch stretch) { return Stretch{stretch.from - from, stretch.to - from}; };
     nextHead = {moved(head.code), moved(head.label), head.reversed, head.value - from};
     headKnown = true;
     return true;
+}
+
+/// A part has a property once, but for the few that come in a row.
+bool Scanner::isAgain(const Head& head) const
+{
+    const Open& part = open.back();
+    const std::span<const PropertyRow> rows = rowOf(part.kind).properties;
+    if (!part.codes[indexOf(at(head.code))]) return false;
+    return part.row == rows.size() || rows[part.row].times != Times::any ||
+           rows[part.row].code != at(head.code);
+}
+
+/// Puts a property into its part, and says where the part's kind has none there.
+void Scanner::place(const Head& head)
+{
+    Open& part = open.back();
+    part.codes.set(indexOf(at(head.code)));
+    if (part.kind == Kind::other) return;
+    const std::span<const PropertyRow> rows = rowOf(part.kind).properties;
+    const auto fits = [&](const PropertyRow& row) {
+        return row.code == at(head.code) && row.label == at(head.label) &&
+               (row.order == Order::reversed) == head.reversed;
+    };
+    const auto row = std::find_if(rows.begin() + static_cast<std::ptrdiff_t>(part.row), rows.end(), fits);
+    if (row == rows.end())
+        find("the property " + quoted(at(head.code)) + " is none that such a part has there");
+    else
+        part.row = static_cast<size_t>(row - rows.begin()) + (row->times == Times::any ? 0 : 1);
 }
 
 void Scanner::fault(const std::string& what) const

@@ -19,6 +19,7 @@
 #pragma once
 
 #include "document/input.h"
+#include "document/kind.h"
 
 #include <bitset>
 #include <cstdint>
@@ -86,15 +87,14 @@ public:
     [[nodiscard]] const std::string& name() const { return input.name(); }
 
 private:
-    /// What an element is to the rule that lists pair: the lists of partitions in a processor complex do not.
-    enum class Role { other, enclosures, drawer, shares };
-
     /// An element that is open.
     struct Open {
         bool list = false;
         bool hadList = false;
-        Role role = Role::other;
-        std::bitset<36 * 36> codes{}; ///< of the properties that it has
+        Kind kind = Kind::other;      ///< of a part
+        std::string name{};           ///< of a list
+        std::bitset<36 * 36> codes{}; ///< of the properties that a part has
+        size_t row = 0;               ///< of the next property, in the table of parts
     };
 
     /// A stretch of bytes, by its distance from the first byte that is not taken yet.
@@ -152,7 +152,9 @@ private:
     bool leaveOut(Stretch line);
     [[nodiscard]] bool inList() const { return !open.empty() && open.back().list; }
     [[nodiscard]] bool inResource() const { return !open.empty() && !open.back().list; }
-    [[nodiscard]] Role roleOf(std::string_view displayName) const;
+    [[nodiscard]] bool inDrawer() const;
+    [[nodiscard]] bool inShares() const;
+    void openList(std::string_view name);
 
     // What an element's lines say
     bool readTag(Tag& tag);
@@ -163,9 +165,11 @@ private:
     bool readValue(const Head& head, Stretch& value);
     bool mayFollow(size_t from);
     bool mayEnd(size_t from);
-    bool mayGoOn(const Open& element, size_t from);
+    bool mayGoOn(size_t depth, size_t from);
     bool isWholeEnd(size_t from);
     bool nextProperty(size_t from);
+    [[nodiscard]] bool isAgain(const Head& head) const;
+    void place(const Head& head);
     [[nodiscard]] bool endsWhole() const;
 
     [[noreturn]] void fault(const std::string& what) const;

@@ -33,10 +33,8 @@ constexpr std::string_view hostsTag = R"(<Property name=U2 displayName="Host Inv
 constexpr std::string_view hostsCode = "U2";
 constexpr std::string_view hostsLabel = "Host Inventory";
 
-constexpr std::string_view enclosures = "Enclosures"; ///< a list of the managed system
-constexpr std::string_view drawer = "CEC";            ///< a processor complex in it
-constexpr std::string_view shares =
-    "Enclosures Partitions"; ///< the list of what partitions see in an enclosure
+/// The list of what partitions see in an enclosure.
+constexpr std::string_view shares = "Enclosures Partitions";
 
 /// Where a mended document's own text ended before its time: without this line its end tags would say that it
 /// is whole.

@@ -1,5 +1,7 @@
 #include "platform/text.h"
 
+#include "platform/utf8.h"
+
 #include <algorithm>
 #include <array>
 #include <cstdint>
@@ -12,46 +14,6 @@ namespace platform
 
 namespace
 {
-
-bool continues(char byte)
-{
-    return (static_cast<unsigned char>(byte) & 0xC0U) == 0x80U;
-}
-
-/// A lead byte's share of the character and the least character that needs so many bytes.
-struct Sequence {
-    size_t length;
-    uint32_t bits;
-    uint32_t least;
-};
-
-Sequence sequenceOf(unsigned char lead)
-{
-    if (lead < 0x80) return {.length = 1, .bits = lead, .least = 0};
-    if (lead >= 0xC0 && lead < 0xE0) return {.length = 2, .bits = lead & 0x1FU, .least = 0x80};
-    if (lead >= 0xE0 && lead < 0xF0) return {.length = 3, .bits = lead & 0x0FU, .least = 0x800};
-    if (lead >= 0xF0 && lead < 0xF8) return {.length = 4, .bits = lead & 0x07U, .least = 0x10000};
-    return {.length = 0, .bits = 0, .least = 0};
-}
-
-struct Character {
-    uint32_t number = 0;
-    size_t length = 0; ///< in bytes; 0: there is none
-};
-
-/// The character that a text starts with.
-Character firstOf(std::string_view text)
-{
-    const Sequence sequence = sequenceOf(static_cast<unsigned char>(text.front()));
-    if (sequence.length == 0 || text.size() < sequence.length) return {};
-    uint32_t number = sequence.bits;
-    for (const char byte : text.substr(1, sequence.length - 1)) {
-        if (!continues(byte)) return {};
-        number = number << 6U | (static_cast<unsigned char>(byte) & 0x3FU);
-    }
-    const bool none = number < sequence.least || number > 0x10FFFF || (number >= 0xD800 && number < 0xE000);
-    return none ? Character{} : Character{.number = number, .length = sequence.length};
-}
 
 struct Range {
     uint32_t first;
@@ -130,11 +92,11 @@ size_t startOf(std::string_view text, size_t width)
     size_t marks = 0;
     for (size_t at = 0; at < text.size();) {
         const Character character = firstOf(text.substr(at));
-        const size_t columns = character.length == 0 ? 1 : columnsOf(character.number);
+        const size_t columns = !character.valid ? 1 : columnsOf(character.number);
         marks = columns == 0 ? marks + 1 : 0;
         if (columns > width || marks > marksOfOne) return at;
         width -= columns;
-        at += std::max<size_t>(character.length, 1);
+        at += character.length;
     }
     return text.size();
 }
@@ -147,8 +109,8 @@ std::string shown(std::string_view text)
     result.reserve(text.size());
     while (!text.empty()) {
         const Character character = firstOf(text);
-        const size_t length = std::max<size_t>(character.length, 1);
-        if (character.length == 0)
+        const size_t length = character.valid ? character.length : 1;
+        if (!character.valid)
             result += "\\x" + hexadecimal(static_cast<unsigned char>(text.front()));
         else if (isShown(character.number))
             result += text.substr(0, length);
@@ -166,8 +128,8 @@ size_t widthOf(std::string_view text)
     size_t width = 0;
     while (!text.empty()) {
         const Character character = firstOf(text);
-        width += character.length == 0 ? 1 : columnsOf(character.number);
-        text.remove_prefix(std::max<size_t>(character.length, 1));
+        width += !character.valid ? 1 : columnsOf(character.number);
+        text.remove_prefix(character.length);
     }
     return width;
 }

@@ -8,6 +8,7 @@ namespace tool
 {
 
 platform::Command showCommand();
+platform::Command xmlCommand();
 platform::Command diffCommand();
 platform::Command explainCommand();
 platform::Command followCommand();

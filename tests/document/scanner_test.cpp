@@ -89,15 +89,38 @@ const std::string listEnd = "</ResourceList>\n";
 
 TEST(Scanner, TellsEveryElementWithItsLine)
 {
-    const Scanned scanned = scan(ofEnclosures(resource(
-        "Larkspur", "U1", property("IF", "InterfaceID", "1,2") + reversed("SN", "Serial Number", "S"))));
+    const Scanned scanned = scan(
+        ofEnclosures(resource("Orvik Sable HA - LW", "U1",
+                              reversed("SN", "Serial Number", "S") + property("IF", "InterfaceID", "1,2"))));
     EXPECT_EQ(scanned.events,
               (Texts{"start 1795268463.5", "resource SYSTEM-1|SYSTEM-1", "S3|Storage Facility MTMS|FACILITY",
-                     "list Enclosures", "resource Larkspur|U1", "IF|InterfaceID|1,2", "~SN|Serial Number|S",
-                     "/resource", "/list", "/resource", "end"}));
+                     "list Enclosures", "resource Orvik Sable HA - LW|U1", "~SN|Serial Number|S",
+                     "IF|InterfaceID|1,2", "/resource", "/list", "/resource", "end"}));
     EXPECT_EQ(scanned.lines, (std::vector<uint64_t>{3, 4, 6, 10, 11, 13, 17, 21, 22, 23, 26}));
     EXPECT_EQ(scanned.findings, Texts{});
     EXPECT_TRUE(scanned.complete);
+}
+
+TEST(Scanner, OnlySomePropertiesComeAgain)
+{
+    const auto level = [](const std::string& value) { return property("LE", "LIC VRMF", value); };
+    const Scanned levels = scan(ofPartitions(resource("P", "S-1", level("1") + level("2") + level("3"))));
+    EXPECT_THAT(levels.events, testing::IsSupersetOf({"LE|LIC VRMF|1", "LE|LIC VRMF|2", "LE|LIC VRMF|3"}));
+    EXPECT_EQ(levels.findings, Texts{});
+    const Scanned late =
+        scan(ofPartitions(resource("P", "S-1", level("1") + property("NN", "WWNN", "N") + level("2"))));
+    EXPECT_THAT(late.events, testing::Not(testing::Contains("LE|LIC VRMF|2")));
+    EXPECT_EQ(late.findings, Texts{"19: the value of \"NN\" holds lines that look like the document's"});
+}
+
+TEST(Scanner, SaysThatAPartHasNoSuchProperty)
+{
+    const auto finding = [](const std::string& content) { return scan(ofEnclosures(content)).findings; };
+    const std::string says = "13: the property \"SN\" is none that such a part has there";
+    EXPECT_EQ(finding(resource("Quay", "Q", property("SN", "Serial Number", "S"))), Texts{says});
+    EXPECT_EQ(finding(resource("Orvik Sable HA - LW", "H", property("SN", "Serial Number", "S"))),
+              Texts{says});
+    EXPECT_EQ(finding(resource("of no known kind", "X", property("SN", "Serial Number", "S"))), Texts{});
 }
 
 TEST(Scanner, KnowsTheHostsWithAndWithoutQuotationMarks)
@@ -196,8 +219,8 @@ TEST(Scanner, AValueEndsWhereTheCollectorCanHaveGoneOn)
 
 TEST(Scanner, SaysThatAValueHoldsWhatLooksLikeTheDocument)
 {
-    EXPECT_EQ(scan(ofSystem(property("PN", "L", "x</Value>\n</Property>\ny"))).findings,
-              Texts{"12: the value of \"PN\" holds lines that look like the document's"});
+    EXPECT_EQ(scan(ofPartitions(resource("P", "S-1", hosts("x</Value>\n</Property>\ny")))).findings,
+              Texts{"15: the value of \"U2\" holds lines that look like the document's"});
 }
 
 TEST(Scanner, AForgedPropertyIsReadAsWhatItLooksLike)
@@ -228,8 +251,7 @@ TEST(Scanner, TellsNameAndIdentifierApart)
 {
     for (const std::string id : {"", "a\" uniqueId=\"b", "line\nfeed", "\n", "two\nline\nfeeds", "\">",
                                  "\">\n", "x\">\nx", "&amp;", "&", "&#10;"}) {
-        for (const std::string name :
-             {"Larkspur", "\" uniqueId=\"", "say \"this\"", "a\nb", "\">\n", "a&b"}) {
+        for (const std::string name : {"Gadget", "\" uniqueId=\"", "say \"this\"", "a\nb", "\">\n", "a&b"}) {
             const Scanned scanned = scan(ofEnclosures(resource(name, id, property("SN", "L", "S"))));
             ASSERT_GT(scanned.events.size(), 5U);
             EXPECT_EQ(scanned.events[4], "resource " + name + "|" + id);
@@ -284,9 +306,9 @@ TEST(Scanner, APropertyStandsInAResourceOnce)
 {
     const std::string twice = property("SN", "L", "1") + property("PN", "L", "2") + property("SN", "L", "3");
     const Scanned scanned = scan(ofSystem(
-        list("Arrays", "") + list("Enclosures", property("SN", "L", "S") + resource("Quay", "Q", twice))));
+        list("Arrays", "") + list("Enclosures", property("SN", "L", "S") + resource("Gadget", "Q", twice))));
     EXPECT_EQ(inside(scanned.events),
-              (Texts{"list Arrays", "/list", "list Enclosures", "resource Quay|Q", "SN|L|1",
+              (Texts{"list Arrays", "/list", "list Enclosures", "resource Gadget|Q", "SN|L|1",
                      "PN|L|2</Value>\n</Property>\n<Property name=\"SN\" "
                      "displayName=\"L\">\nSN\n<Value type=\"string\">3",
                      "/resource", "/list"}));
