@@ -348,11 +348,13 @@ Failure planAction(Plan<ValeActionResponse>& plan, const image::Image& image, co
 
 } // namespace
 
-int32_t vale_start_session(const char* const*, uint32_t, uint32_t scope, ValeSessionHandle* session)
+int32_t vale_start_session(const char* const* contacts, uint32_t contactCount, uint32_t scope,
+                           ValeSessionHandle* session)
 {
     Client& client = *vale_cu_client();
     const std::lock_guard lock(client.mutex);
     if (session == nullptr) vale::violation("no place for a session", session);
+    if (contacts == nullptr && contactCount != 0) vale::violation("a count of no contacts", contacts);
     *session = nullptr;
     const image::Call call{.name = "start_session", .scope = scope};
     const Failure failed = failureOf(client, call, [&] { return checkStart(client, scope); });

@@ -308,6 +308,12 @@ void releaseMessageTwice()
     vale_rel_errmsg(message);
 }
 
+void countNoContacts()
+{
+    ValeSessionHandle session = nullptr;
+    vale_start_session(nullptr, 1, 4, &session);
+}
+
 class ClientViolation : public testing::TestWithParam<Violation>
 {
 };
@@ -327,6 +333,7 @@ INSTANTIATE_TEST_SUITE_P(All, ClientViolation,
                                                    freeTwiceWithAnotherAnswerBetween},
                                          Violation{"freeForeign", "response", freeForeign},
                                          Violation{"useEndedSession", "session", useEndedSession},
+                                         Violation{"countNoContacts", "contacts", countNoContacts},
                                          Violation{"endTwice", "session", endTwice},
                                          Violation{"releaseErrorTwice", "error record", releaseErrorTwice},
                                          Violation{"readReleasedError", "error record", readReleasedError},

@@ -191,6 +191,27 @@ TEST(CommandRunner, givesNothingWithoutBothPlaces)
     EXPECT_EQ(lines, nullptr);
 }
 
+TEST(CommandRunner, givesUpOnOutputThatCannotBeRead)
+{
+    const std::string target = "/var/brisk/log/target";
+    const struct {
+        std::string inItsPlace;
+        std::string trace;
+    } cases[] = {{"ln -s " + target + " ", "0063:  fd  -1 errno="}, {"mkdir ", "0064: read  errno="}};
+    unit::writeFile(target, "text\n");
+    for (const auto& [inItsPlace, trace] : cases) {
+        const kordRec record = unit::freshRecord();
+        const std::string command = "{ rm " + outputFile + "; " + inItsPlace + outputFile + "; }";
+        int32_t count = 0;
+        char** lines = nullptr;
+        EXPECT_EQ(excuteCommand(&record, command.c_str(), &count, &lines), 1);
+        EXPECT_EQ(lines, nullptr);
+        EXPECT_EQ(unit::traceOf(record), (Lines{trace, "0067: parse cmd rc=1 "}));
+        std::filesystem::remove(outputFile);
+    }
+    std::filesystem::remove(target);
+}
+
 TEST(CommandRunner, keepsALeadingRedirectionForItself)
 {
     // Nothing stands before this ">", so it is not taken for one, and the second one takes the output.

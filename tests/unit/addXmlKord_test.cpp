@@ -128,6 +128,18 @@ TEST(Values, ofAnyLengthAreWritten)
     }
 }
 
+TEST(Values, ofADriveAreCutWhereTheyAreComposed)
+{
+    kordRec record = unit::freshRecord();
+    const std::string name(600, 'n');
+    const std::string bytes = unit::written(record, [&](kordRec* run) {
+        writeDDM(run, "L", "I", "E", "F", "P", "S", name.c_str(), "M", 1, 2, 3, 4, 5, "T", 6);
+    });
+    EXPECT_NE(bytes.find("\nDP\n<Value type=\"string\">DI=" + name.substr(0, 496) + "</Value>"),
+              std::string::npos)
+        << bytes;
+}
+
 TEST(Identifiers, areCutAtTheirSize)
 {
     kordRec record = unit::freshRecord();
