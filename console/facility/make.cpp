@@ -21,7 +21,7 @@ class Random
 {
 public:
     explicit Random(uint64_t seed) : engine(seed) {}
-    uint64_t below(uint64_t limit) { return engine() % limit; }
+    size_t below(size_t limit) { return static_cast<size_t>(engine() % limit); }
 
     template <typename Item, size_t count>
     const Item& of(const std::array<Item, count>& items)
@@ -129,7 +129,7 @@ std::string serial36(uint64_t value, size_t width)
     constexpr std::string_view alphabet = "0123456789ABCDEFGHIJKLMNOPQRSTUVWXYZ";
     std::string text(width, '0');
     for (size_t i = width; i-- > 0; value /= alphabet.size())
-        text[i] = alphabet[value % alphabet.size()];
+        text[i] = alphabet[static_cast<size_t>(value % alphabet.size())];
     return text;
 }
 

@@ -23,7 +23,7 @@ struct Mapping {
 
 Mapping mapFile(const std::string& path, bool writable)
 {
-    const int file = open(path.c_str(), (writable ? O_RDWR : O_RDONLY) | O_CLOEXEC);
+    const int file = open(path.c_str(), (writable ? O_RDWR : O_RDONLY) | O_NOFOLLOW | O_CLOEXEC);
     if (file < 0) return {};
     Mapping mapping;
     struct stat status {
@@ -68,7 +68,7 @@ std::string mapState(Run& run, const std::string& path)
 
 std::string openJournal(Run& run, const std::string& path)
 {
-    run.journal = open(path.c_str(), O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC, 0666);
+    run.journal = open(path.c_str(), O_WRONLY | O_APPEND | O_CREAT | O_NOFOLLOW | O_CLOEXEC, 0666);
     return run.journal < 0 ? unusable(path, std::strerror(errno)) : "";
 }
 

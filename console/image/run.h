@@ -24,7 +24,7 @@ struct Image {
     template <typename Record>
     std::span<const Record> span(Offset offset, uint64_t count) const
     {
-        return {at<Record>(offset), count};
+        return {at<Record>(offset), static_cast<size_t>(count)}; // what is mapped can be counted
     }
 
     /// Null for offset 0.

@@ -11,8 +11,10 @@
 
 #include <ctime>
 #include <fcntl.h>
+#include <optional>
 #include <sstream>
 #include <sys/stat.h>
+#include <zlib.h>
 
 namespace console::launcher
 {
@@ -79,11 +81,27 @@ platform::FileDescriptor openFacility(const fs::path& path)
     return file;
 }
 
-bool isCurrent(const std::string& key, const fs::path& root)
+/// What the key ends with: an image that was damaged since then has another.
+std::string checksumOf(std::string_view image)
 {
-    if (key.empty() || access((root / image::imageFile).c_str(), R_OK) != 0) return false;
+    return "crc32 " + std::to_string(crc32_z(0, reinterpret_cast<const Bytef*>(image.data()), image.size())) +
+           '\n';
+}
+
+/// The image that was made for the key, unless it was damaged since then.
+std::optional<FacilityImage> keptImage(const std::string& key, const fs::path& root)
+{
+    if (key.empty()) return std::nullopt;
     const platform::FileDescriptor file(open((root / keyFile).c_str(), O_RDONLY | O_CLOEXEC));
-    return file.isOpen() && readAll(file.get(), root / keyFile) == key;
+    if (!file.isOpen()) return std::nullopt;
+    const std::string made = readAll(file.get(), root / keyFile);
+    if (!made.starts_with(key)) return std::nullopt;
+    try {
+        FacilityImage image(root);
+        if (made == key + checksumOf(image.bytes())) return image;
+    } catch (const platform::Failure&) { // an image that cannot be read is made anew like any other
+    }
+    return std::nullopt;
 }
 
 platform::Failure malformed(const fs::path& path, const facility::Faults& faults)
@@ -103,21 +121,26 @@ std::string readFacility(const fs::path& path)
     return readAll(file.get(), path);
 }
 
-void provideImage(const fs::path& path, const fs::path& root, const platform::Installation& installation)
+FacilityImage provideImage(const fs::path& path, const fs::path& root,
+                           const platform::Installation& installation)
 {
     const platform::FileDescriptor file = openFacility(path);
     struct stat status {
     };
     if (fstat(file.get(), &status) != 0) throw platform::failedOn(path.string());
     const std::string key = keyOf(status, installation);
-    if (isCurrent(key, root)) return;
+    if (std::optional<FacilityImage> kept = keptImage(key, root)) return std::move(*kept);
 
     const facility::Compilation compilation = facility::compile(readAll(file.get(), path));
     if (!compilation.faults.empty()) throw malformed(path, compilation.faults);
     unlink((root / keyFile).c_str()); // a key never stands beside an image that is not its own
+    unlink((root / image::imageFile).c_str());
     using platform::WholeFile;
     platform::writeWhole(root / image::imageFile, compilation.image, WholeFile::Safety::inMemory);
-    if (!key.empty()) platform::writeWhole(root / keyFile, key, WholeFile::Safety::inMemory);
+    if (!key.empty())
+        platform::writeWhole(root / keyFile, key + checksumOf(compilation.image),
+                             WholeFile::Safety::inMemory);
+    return FacilityImage(root);
 }
 
 } // namespace console::launcher

@@ -2,6 +2,7 @@
 
 #pragma once
 
+#include "facilityImage.h"
 #include "platform/installation.h"
 
 #include <filesystem>
@@ -9,10 +10,10 @@
 namespace console::launcher
 {
 
-/// Provides the image of the facility file under the root. A malformed file is a Failure that names its first
-/// fault.
-void provideImage(const std::filesystem::path& facility, const std::filesystem::path& root,
-                  const platform::Installation& installation);
+/// Provides the image of the facility file under the root, whole as it was made. A malformed file is a
+/// Failure that names its first fault.
+FacilityImage provideImage(const std::filesystem::path& facility, const std::filesystem::path& root,
+                           const platform::Installation& installation);
 
 /// The whole file; a Failure when it cannot be read.
 std::string readFacility(const std::filesystem::path& facility);

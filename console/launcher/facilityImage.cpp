@@ -6,12 +6,14 @@
 #include <fcntl.h>
 #include <sys/mman.h>
 #include <sys/stat.h>
+#include <utility>
 
 namespace console::launcher
 {
 
 namespace fs = std::filesystem;
 
+/// All of it will be read, for its checksum.
 FacilityImage::FacilityImage(const fs::path& root)
 {
     const fs::path path = root / image::imageFile;
@@ -20,14 +22,19 @@ FacilityImage::FacilityImage(const fs::path& root)
     };
     if (fstat(file.get(), &status) != 0) throw platform::failedOn(path.string());
     size = static_cast<size_t>(status.st_size);
-    const void* base = mmap(nullptr, size, PROT_READ, MAP_PRIVATE, file.get(), 0);
+    const void* base = mmap(nullptr, size, PROT_READ, MAP_PRIVATE | MAP_POPULATE, file.get(), 0);
     if (base == MAP_FAILED) throw platform::failedOn(path.string());
     image.base = static_cast<const char*>(base);
 }
 
+FacilityImage::FacilityImage(FacilityImage&& other) noexcept
+    : image(std::exchange(other.image, {})), size(other.size)
+{
+}
+
 FacilityImage::~FacilityImage()
 {
-    munmap(const_cast<char*>(image.base), size);
+    if (image.base != nullptr) munmap(const_cast<char*>(image.base), size);
 }
 
 Recording FacilityImage::recording() const

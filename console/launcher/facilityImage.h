@@ -6,6 +6,7 @@
 
 #include <filesystem>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace console::launcher
@@ -25,9 +26,10 @@ public:
     /// A Failure when there is none that can be read.
     explicit FacilityImage(const std::filesystem::path& root);
     ~FacilityImage();
-    FacilityImage(const FacilityImage&) = delete;
-    FacilityImage& operator=(const FacilityImage&) = delete;
+    FacilityImage(FacilityImage&& other) noexcept;
+    FacilityImage& operator=(FacilityImage&&) = delete;
 
+    [[nodiscard]] std::string_view bytes() const { return {image.base, size}; }
     [[nodiscard]] uint64_t ruleCount() const { return image.header().ruleCount; }
     [[nodiscard]] Recording recording() const;
 

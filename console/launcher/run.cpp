@@ -5,7 +5,6 @@
 #include "console.h"
 #include "facility/collection.h"
 #include "facilityCache.h"
-#include "facilityImage.h"
 #include "image/image.h"
 #include "links.h"
 #include "namespaces.h"
@@ -91,8 +90,7 @@ int run(const RunOptions& options)
     refuseCovered(options.root);
     const platform::Installation installation = platform::findInstallation();
     const fs::path root = layOut(options.root, installation);
-    provideImage(options.facility, root, installation);
-    const FacilityImage image(root);
+    const FacilityImage image = provideImage(options.facility, root, installation);
     const Recording recording = image.recording();
     const std::vector<std::string> program = programOf(options, recording);
     startAfresh(root, image.ruleCount());

@@ -113,8 +113,8 @@ void complain(const char* name, const std::string& complaint)
 
 Outcome outcomeBy(const image::Image& facility, const image::Rule& rule)
 {
-    const char* output = facility.text(rule.output);
-    return {.status = rule.code, .output = output == nullptr ? "" : std::string(output, rule.outputLength)};
+    const auto output = facility.span<char>(rule.output, rule.output == 0 ? 0 : rule.outputLength);
+    return {.status = rule.code, .output = std::string(output.begin(), output.end())};
 }
 
 /// The journal has the line before anyone can read the output.

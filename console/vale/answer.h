@@ -56,18 +56,26 @@ struct Plan {
     }
 };
 
-/// The block of an answer, taken from front to back; every record is a multiple of 8 bytes long.
+/// What so many records take of a block, in which every one of them is aligned.
+template <typename Record>
+constexpr size_t sizeOf(size_t count)
+{
+    constexpr size_t step = 8;
+    constexpr size_t size = sizeof(Record); // NOLINT(bugprone-sizeof-expression): also of pointers
+    static_assert(alignof(Record) <= step);
+    return (count * size + step - 1) / step * step;
+}
+
+/// The block of an answer, taken from front to back.
 struct Room {
     char* next;
 
     template <typename Record>
     Record* take(size_t count)
     {
-        constexpr size_t size = sizeof(Record); // NOLINT(bugprone-sizeof-expression): also of pointers
-        static_assert(size % 8 == 0 && alignof(Record) <= 8);
         auto* records = reinterpret_cast<Record*>(next);
         std::uninitialized_value_construct_n(records, count);
-        next += count * size;
+        next += sizeOf<Record>(count);
         return records;
     }
 };
@@ -75,8 +83,8 @@ struct Room {
 /// What a value needs beside its attribute or element.
 inline size_t extraSize(const image::Value& value)
 {
-    if (value.type == image::Type::integers) return sizeof(ValeIntegerList);
-    if (value.type == image::Type::texts) return sizeof(ValeTextList) + value.count * sizeof(const char*);
+    if (value.type == image::Type::integers) return sizeOf<ValeIntegerList>(1);
+    if (value.type == image::Type::texts) return sizeOf<ValeTextList>(1) + sizeOf<const char*>(value.count);
     return 0;
 }
 inline size_t extraSize(const image::Attribute* attribute)
@@ -123,7 +131,7 @@ Response* layOut(Client& client, const Plan<Response>& plan, uint64_t of)
 {
     using Item = typename Parts<Response>::Item;
     const image::Image& image = client.run.image;
-    size_t size = plan.responses.size() * sizeof(Response) + plan.items.size() * sizeof(Item);
+    size_t size = sizeOf<Response>(plan.responses.size()) + sizeOf<Item>(plan.items.size());
     for (const auto& item : plan.items)
         size += extraSize(item);
 

@@ -42,11 +42,16 @@ ValeResourceHandle resourceHandle(uint64_t resource)
     return vale::handleOf<ValeResourceHandle>(resource + 1);
 }
 
+/// A handle's first byte, on any machine: for a handle that stands for no resource its first bit and the place
+/// of a class.
+constexpr unsigned firstByte = 8 * (sizeof(uintptr_t) - 1);
+constexpr uint64_t invented = 0x80;
+
 ValeResourceHandle inventedHandle(const image::Image& image, const image::Class* of)
 {
     const auto classes = image.classes();
     const size_t place = of == nullptr ? classes.size() : static_cast<size_t>(of - classes.data());
-    return vale::handleOf<ValeResourceHandle>((place + 1) << 32 | 1);
+    return vale::handleOf<ValeResourceHandle>((invented | place) << firstByte);
 }
 
 struct Target {
@@ -59,13 +64,13 @@ Target targetOf(const Client& client, ValeResourceHandle handle)
     if (!client.closed.empty()) return {};
     const image::Image& image = client.run.image;
     const uint64_t number = vale::numberOf(handle);
-    const uint64_t invented = number >> 32;
     const auto classes = image.classes();
-    if (invented > 0) {
-        return {.of = invented <= classes.size() ? &classes[invented - 1] : nullptr};
+    if ((number >> firstByte & invented) != 0) {
+        const auto place = static_cast<size_t>(number >> firstByte ^ invented);
+        return {.of = place < classes.size() ? &classes[place] : nullptr};
     }
     if (number == 0 || number > image.resources().size()) return {};
-    const image::Resource& resource = image.resources()[number - 1];
+    const image::Resource& resource = image.resources()[static_cast<size_t>(number) - 1];
     return {.of = &classes[resource.classIndex], .resource = &resource};
 }
 
@@ -146,9 +151,10 @@ void planAnswers(Plan<Response>& plan, const image::Image& image, const image::R
 template <typename Response>
 void placeError(Plan<Response>& plan, const image::Rule& rule, ValeResourceHandle handle)
 {
-    while (plan.responses.size() <= rule.response)
+    const auto place = static_cast<size_t>(rule.response);
+    while (plan.responses.size() <= place)
         plan.open(handle);
-    plan.responses[rule.response].error = rule.error;
+    plan.responses[place].error = rule.error;
 }
 
 /// Plans the answer to a call: by the rule that decides it or regularly, which `regular` does.
