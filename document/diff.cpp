@@ -100,7 +100,7 @@ std::vector<Host> surplus(const std::vector<Host>& list, const std::vector<Host>
     return more;
 }
 
-std::optional<std::string> portsOf(const std::vector<Host>& hosts, const std::string& description)
+std::optional<std::string> portsOf(const std::vector<Host>& hosts, std::string_view description)
 {
     const auto found = std::ranges::find(hosts, description, &Host::description);
     return found == hosts.end() ? std::nullopt : std::optional(std::to_string(found->ports));
@@ -133,12 +133,12 @@ public:
     }
 
 private:
-    void add(ChangeType type, const std::string& description, const ValueChange& change)
+    void add(ChangeType type, std::string_view description, const ValueChange& change)
     {
         found.push_back({.type = type,
                          .kind = "host",
                          .what = "host",
-                         .name = description,
+                         .name = std::string(description),
                          .id = std::string(partition.id),
                          .where = std::string(partition.name),
                          .from = {},
@@ -152,8 +152,8 @@ private:
             {.code = std::string(hostsCode),
              .label = "Host Inventory",
              .item = {},
-             .before = old.description + '=' + std::to_string(old.ports),
-             .after = host.description + '=' + std::to_string(host.ports)});
+             .before = std::string(old.description) + '=' + std::to_string(old.ports),
+             .after = std::string(host.description) + '=' + std::to_string(host.ports)});
     }
 
     void recount(const Host& host)

@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -12,8 +13,9 @@
 namespace document
 {
 
+/// The description is a view of the text that was read.
 struct Host {
-    std::string description;
+    std::string_view description;
     int64_t ports = 0;
 
     bool operator==(const Host&) const = default;
@@ -28,5 +30,9 @@ using NamedValues = std::vector<std::pair<std::string, std::string>>;
 /// The items of "name=value,name=value"; an item without a name belongs to the value before it. Nothing when
 /// the text is no such list.
 std::optional<NamedValues> parseNamedValues(std::string_view text);
+
+/// The items of "DI=value,DM=value", whose keys are looked for one behind the other: so a comma in a value
+/// splits nothing. An item that is not there has no data.
+std::vector<std::string_view> itemsOf(std::string_view text, std::span<const std::string_view> keys);
 
 } // namespace document

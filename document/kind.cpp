@@ -724,8 +724,9 @@ std::vector<std::string> kindWords()
 {
     std::vector<std::string> words;
     for (const KindRow& row : kindTable) {
-        std::string word = inPlural(withHyphens(row.word));
-        if (row.listed && std::ranges::find(words, word) == words.end()) words.push_back(std::move(word));
+        const std::string word = inPlural(withHyphens(row.word));
+        std::erase(words, word); // two kinds have the last one's word
+        if (row.listed) words.push_back(word);
     }
     words.emplace_back("all");
     return words;
@@ -739,6 +740,19 @@ std::vector<const Column*> columnsOf(Kind kind)
             columns.push_back(&column);
     }
     return columns;
+}
+
+std::vector<std::string> columnNamesOf(std::span<const Kind> ofKinds, bool onlyShown)
+{
+    std::vector<std::string> names;
+    for (const Kind kind : ofKinds) {
+        for (const Column* column : columnsOf(kind)) {
+            const bool known = std::ranges::find(names, column->name) != names.end();
+            const bool shown = column->shown && (rowOf(kind).idShown || column->source.from != From::id);
+            if (!known && (shown || !onlyShown)) names.emplace_back(column->name);
+        }
+    }
+    return names;
 }
 
 bool holdsItems(std::string_view code)

@@ -118,6 +118,7 @@ struct KindRow {
     bool byList = false;            ///< whatever stands in its list is of this kind
     bool counted = true;            ///< in a document's summary
     bool listed = true;             ///< it can be asked for by its word
+    bool idShown = true;            ///< in a table: not of hosts, whose description it is
     std::string_view serial = {};   ///< the property with the serial number that goes where the part goes
     std::string_view model = {};    ///< the one without which that number is not unique
     std::string_view position = {}; ///< the one with the position that stays when the part is exchanged
@@ -145,6 +146,9 @@ std::vector<std::string> kindWords();
 
 /// The common columns and the kind's own.
 std::vector<const Column*> columnsOf(Kind kind);
+
+/// The names of every column of the kinds, each once.
+std::vector<std::string> columnNamesOf(std::span<const Kind> ofKinds, bool onlyShown = false);
 
 /// Whether a property holds many values, each behind its key.
 bool holdsItems(std::string_view code);

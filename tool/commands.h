@@ -8,6 +8,9 @@ namespace tool
 {
 
 platform::Command showCommand();
+platform::Command listCommand();
+platform::Command kindsCommand();
+platform::Command jsonCommand();
 platform::Command xmlCommand();
 platform::Command diffCommand();
 platform::Command explainCommand();

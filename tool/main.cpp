@@ -9,7 +9,8 @@ int main(int argc, char* argv[])
          .version = KORD_VERSION,
          .help =
              "Reads the inventory documents and trace logs that collections leave, and records collections.",
-         .commands = {tool::showCommand(), tool::xmlCommand(), tool::diffCommand(), tool::explainCommand(),
-                      tool::followCommand(), tool::recordCommand()}},
+         .commands = {tool::showCommand(), tool::listCommand(), tool::kindsCommand(), tool::jsonCommand(),
+                      tool::xmlCommand(), tool::diffCommand(), tool::explainCommand(), tool::followCommand(),
+                      tool::recordCommand()}},
         {argv, static_cast<size_t>(argc)});
 }

@@ -1,11 +1,10 @@
 // kord show: one document for people.
 
 #include "commands.h"
+#include "documents.h"
 #include "output.h"
 
-#include "document/json.h"
 #include "document/page.h"
-#include "document/reader.h"
 #include "document/tree.h"
 #include "platform/wholeFile.h"
 
@@ -23,7 +22,6 @@ namespace
 
 struct Options {
     std::string file;
-    bool json = false;
     std::string page;
 };
 
@@ -36,11 +34,10 @@ document::Lines drawableLines()
 
 int show(const Options& options, Output& output)
 {
-    const document::Document document = document::readFile(options.file);
-    if (!options.page.empty()) platform::writeWhole(options.page, document::page(document));
-    if (options.json)
-        output.write(document::json(document));
-    else if (options.page.empty())
+    const document::Document document = readDocument(options.file);
+    if (!options.page.empty())
+        platform::writeWhole(options.page, document::page(document));
+    else
         output.write(document::tree(document, drawableLines()));
     return 0;
 }
@@ -53,8 +50,7 @@ platform::Command showCommand()
     return writing({.name = "show",
                     .help = "Show one inventory document as a tree",
                     .arguments = {{.name = "FILE", .into = &options->file, .help = "The document"}},
-                    .options = {{.names = "--json", .into = &options->json, .help = "Print it as JSON"},
-                                {.names = "--html",
+                    .options = {{.names = "--html",
                                  .into = &options->page,
                                  .help = "Write it as a page for a browser",
                                  .value = "PAGE"}}},

@@ -1,7 +1,6 @@
 // The reader: what it makes of the documents that the collector writes, and what it says of others.
 
 #include "consoleRun.h"
-#include "document/json.h"
 #include "document/reader.h"
 #include "documentReader.h"
 #include "writing.h"

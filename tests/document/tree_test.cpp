@@ -1,12 +1,10 @@
-// A document as a tree and as JSON.
+// A document as a tree.
 
-#include "document/json.h"
 #include "document/tree.h"
 #include "writing.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <nlohmann/json.hpp>
 
 namespace
 {
@@ -52,32 +50,6 @@ TEST(Tree, CountsAPartThatTwoPartitionsSeeOnce)
     const std::string shared = enclosure({.id = "E", .serial = "S", .location = "R-1"}, "");
     EXPECT_THAT(document::tree(parse(ofEnclosures(shared + shared)), Lines::ascii),
                 testing::HasSubstr("\n1 storage enclosure\n"));
-}
-
-TEST(Json, HoldsEveryPartWithItsProperties)
-{
-    const auto json = nlohmann::json::parse(document::json(parse(twoDrives)));
-    EXPECT_EQ(json["timestamp"], "1795268463.5");
-    const auto& system = json["system"];
-    EXPECT_EQ(system["kind"], "system");
-    EXPECT_FALSE(system.contains("list"));
-    EXPECT_EQ(
-        system["properties"][0],
-        nlohmann::json::parse(R"({"code": "S3", "label": "Storage Facility MTMS", "value": "FACILITY"})"));
-    const auto& one = system["children"][0]["children"][0]["children"][1];
-    EXPECT_EQ(one["kind"], "drive");
-    EXPECT_EQ(one["list"], "Partition Resources");
-    EXPECT_EQ(one["name"], "OSK Physical Disk Drive");
-    EXPECT_EQ(one["id"], "U.AB1-D10");
-    EXPECT_EQ(one["properties"].size(), 7U);
-    EXPECT_EQ(one["children"], nlohmann::json::array());
-}
-
-TEST(Json, IsJsonWhateverTheValues)
-{
-    const std::string value = "\"\\\n\x01\xFF</script>";
-    const auto json = nlohmann::json::parse(document::json(parse(ofSystem(property("PN", "L", value)))));
-    EXPECT_EQ(json["system"]["properties"][1]["value"], "\"\\\n\x01\xEF\xBF\xBD</script>");
 }
 
 } // namespace

@@ -150,15 +150,19 @@ TEST_F(Commands, DiffPrintsJson)
     EXPECT_EQ(report["changes"][0]["values"][0]["new"], "WKREPLACED");
 }
 
-TEST_F(Commands, ShowPrintsATreeOrJson)
+TEST_F(Commands, ShowPrintsATree)
 {
     const std::string document = expected / "small.xml";
     const Outcome tree = run({"show", document});
     EXPECT_EQ(tree.status, 0) << tree.error;
     EXPECT_THAT(tree.output, testing::HasSubstr("OSK Physical Disk Drive  U1234.5X6.AB100001-P1-D1"));
-    const Outcome data = run({"show", "--json", document});
-    EXPECT_EQ(data.status, 0) << data.error;
-    EXPECT_EQ(json::parse(data.output)["system"]["id"], "9999-B2C-7ABCD12");
+}
+
+TEST_F(Commands, JsonPrintsATreeOfParts)
+{
+    const Outcome outcome = run({"json", expected / "small.xml"});
+    EXPECT_EQ(outcome.status, 0) << outcome.error;
+    EXPECT_EQ(json::parse(outcome.output)["system"]["id"], "9999-B2C-7ABCD12");
 }
 
 TEST_F(Commands, ShowWritesAPage)

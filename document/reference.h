@@ -1,0 +1,28 @@
+// The table of parts for people: kinds and columns as tables, as the reference page and as its manual page.
+
+#pragma once
+
+#include "document/format.h"
+
+#include <string>
+
+namespace document
+{
+
+/// A table of the kinds: word, name, and where a document has such parts.
+void listKinds(const Write& write);
+
+/// A table of a kind's columns: name, type, unit, meaning, source. A platform::Failure where there is no such
+/// kind.
+void listColumns(const std::string& kind, const Write& write);
+
+/// The kinds that a word means; a platform::Failure where it means none.
+std::vector<Kind> knownKinds(const std::string& word);
+
+/// The page docs/parts.md.
+std::string partsPage();
+
+/// The manual page kord-parts(5).
+std::string partsManual();
+
+} // namespace document
