@@ -121,10 +121,14 @@ int32_t closeSubList(const kordRec* pKordRec, const Frame& frame)
 }
 
 int32_t writeResource(const kordRec* pKordRec, const char* displayName, const char* uniqueId,
-                      Properties properties)
+                      std::initializer_list<Properties> groups)
 {
     Element element(pKordRec);
-    addResource(element, displayName, uniqueId, properties);
+    addResource(element, displayName, uniqueId, {});
+    for (const Properties& properties : groups) {
+        for (const Property& property : properties)
+            element.add(property);
+    }
     element.add(endResource);
     return 0;
 }

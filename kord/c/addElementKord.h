@@ -86,9 +86,9 @@ int32_t closeResource(const kordRec* pKordRec, const Frame& frame);
 int32_t openSubList(const kordRec* pKordRec, const Frame& frame, const char* uniqueId);
 int32_t closeSubList(const kordRec* pKordRec, const Frame& frame);
 
-/// A whole resource.
+/// A whole resource, its properties in groups.
 int32_t writeResource(const kordRec* pKordRec, const char* displayName, const char* uniqueId,
-                      Properties properties);
+                      std::initializer_list<Properties> groups);
 
 /// A property that stands by itself.
 int32_t writeProperty(const kordRec* pKordRec, const char* traceText, const Property& property);

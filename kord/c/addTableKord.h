@@ -6,6 +6,7 @@
 #include "addTrcKord.h"
 
 #include <span>
+#include <type_traits>
 
 /// What a trace line or an event tells service personnel. What is empty is what every line of its role says.
 struct Explanation {
@@ -34,6 +35,37 @@ struct ToldLines {
     std::span<const ToldLine> lines;
     std::span<const ToldCommand> commands = {};
 };
+
+/// A writer of the document, to be run so that it shows what it writes.
+struct ToldWriter {
+    const char* name;
+    void (*write)(const kordRec*);
+};
+
+/// What stands for every text that such a writer is given.
+inline constexpr char anyText[] = "*";
+
+template <typename Value>
+Value anyValue()
+{
+    if constexpr (std::is_same_v<Value, const char*>)
+        return anyText;
+    else
+        return {};
+}
+
+/// Runs a writer with any values.
+template <auto Writer>
+void callWriter(const kordRec* pKordRec)
+{
+    []<typename Result, typename... Values>(Result (*writer)(const kordRec*, Values...),
+                                            const kordRec* record) {
+        writer(record, anyValue<Values>()...);
+    }(Writer, pKordRec);
+}
+
+extern const std::span<const ToldWriter> addXmlWriters;
+extern const std::span<const ToldWriter> addUncalledXmlWriters;
 
 extern const ToldLines addTarnLines;
 extern const ToldLines addCecEnclLines;

@@ -30,8 +30,15 @@ constexpr TraceText openArrayLine = {"0703", " arraySites = %d, %s"};
 constexpr ToldLine lines[] = {
     {.function = "openArray", .line = openArrayLine, .explanation = {.meaning = "an array is opened"}}};
 
+constexpr ToldWriter writers[] = {
+    {"writeRackEnclMTMS", callWriter<writeRackEnclMTMS>},
+    {"writeStorPlex", callWriter<writeStorPlex>},
+    {"writeOnyx", callWriter<writeOnyx>},
+};
+
 } // namespace
 
+const std::span<const ToldWriter> addUncalledXmlWriters = writers;
 const ToldLines addUncalledXmlLines = {.module = "addUncalledXmlKord", .lines = lines};
 
 // --- A partition in an enclosure of any kind: I/O and storage enclosures have their own, with trace lines of

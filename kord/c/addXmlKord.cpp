@@ -83,6 +83,18 @@ RackNumber rackNumberOf(const char* rackText)
     return number;
 }
 
+/// A whole part of the facility, with its own properties between those that all parts have.
+int32_t writePart(const kordRec* pKordRec, const char* displayName, const char* uniqueId,
+                  Properties properties)
+{
+    return writeResource(pKordRec, displayName, uniqueId,
+                         {
+                             {facility(pKordRec)},
+                             properties,
+                             {normal(systemVPD, displayName), normal(hardwareLocation, uniqueId)},
+                         });
+}
+
 /// The two kinds of adapter card differ in their display name alone.
 int32_t writeAdapter(const kordRec* pKordRec, const char* displayName, const char* interfaceIdentifier,
                      const char* locationCode, const char* kordpStorageFacilityImageMTMS,
@@ -90,7 +102,7 @@ int32_t writeAdapter(const kordRec* pKordRec, const char* displayName, const cha
                      const char* firmware, const char* ccin)
 {
     return writeResource(pKordRec, displayName, locationCode,
-                         {
+                         {{
                              normal(imageMTMS, kordpStorageFacilityImageMTMS),
                              reversed(assemblyNumber, partNumber),
                              reversed(serialNumberLabel, serialNumber),
@@ -100,7 +112,7 @@ int32_t writeAdapter(const kordRec* pKordRec, const char* displayName, const cha
                              reversed(cardIdentification, ccin),
                              normal(systemVPD, displayName),
                              normal(hardwareLocation, locationCode),
-                         });
+                         }});
 }
 
 /// Makes way for a new document: an empty file stays, anything else but a folder goes.
@@ -122,8 +134,53 @@ constexpr ToldLine lines[] = {
     {.function = "openInventory", .line = stampLine, .explanation = {.meaning = "the document's timestamp"}},
 };
 
+constexpr ToldWriter writers[] = {
+    {"openSystem", callWriter<openSystem>},
+    {"openEnclosures", callWriter<openEnclosures>},
+    {"openPartitionList", callWriter<openPartitionList>},
+    {"openCecEncl", callWriter<openCecEncl>},
+    {"openCecEnclosurePartitionsList", callWriter<openCecEnclosurePartitionsList>},
+    {"openPartitionResourcesList", callWriter<openPartitionResourcesList>},
+    {"openPartitionResources", callWriter<openPartitionResources>},
+    {"writeNVC", callWriter<writeNVC>},
+    {"openIOEncl", callWriter<openIOEncl>},
+    {"writeDA", callWriter<writeDA>},
+    {"writeHA", callWriter<writeHA>},
+    {"openStorEncl", callWriter<openStorEncl>},
+    {"writeDDM", callWriter<writeDDM>},
+    {"writeFCIC", callWriter<writeFCIC>},
+    {"writeBaffle", callWriter<writeBaffle>},
+    {"openRackEncl", callWriter<openRackEncl>},
+    {"openGlobalResources", callWriter<openGlobalResources>},
+    {"writePPS", callWriter<writePPS>},
+    {"writeBattery", callWriter<writeBattery>},
+    {"writeRPC", callWriter<writeRPC>},
+    {"writeFanSense", callWriter<writeFanSense>},
+    {"writeFanTray", callWriter<writeFanTray>},
+    {"openQUAYEncl", callWriter<openQUAYEncl>},
+    {"openPartitionResource", callWriter<openPartitionResource>},
+    {"writeSFI", callWriter<writeSFI>},
+    {"writeVRMF", callWriter<writeVRMF>},
+    {"writeSFImageWWNN", callWriter<writeSFImageWWNN>},
+    {"writeHSLPool", callWriter<writeHSLPool>},
+    {"writeLogcialConfig", callWriter<writeLogcialConfig>},
+    {"writeHostInventory", callWriter<writeHostInventory>},
+    {"writeHostDescription", callWriter<writeHostDescription>},
+    {"openStorConfigResourceList", callWriter<openStorConfigResourceList>},
+    {"openStorConfigResource", callWriter<openStorConfigResource>},
+    {"openArraySitesResourceList", callWriter<openArraySitesResourceList>},
+    {"openArraysResourceList", callWriter<openArraysResourceList>},
+    {"openRanksResourceList", callWriter<openRanksResourceList>},
+    {"openSegmentPoolResourceList", callWriter<openSegmentPoolResourceList>},
+    {"writeArraySite", callWriter<writeArraySite>},
+    {"writeArray", callWriter<writeArray>},
+    {"writeRank", callWriter<writeRank>},
+    {"writeSegmentPool", callWriter<writeSegmentPool>},
+};
+
 } // namespace
 
+const std::span<const ToldWriter> addXmlWriters = writers;
 const ToldLines addXmlLines = {.module = "addXmlKord", .lines = lines};
 
 // --- Frame
@@ -215,12 +272,12 @@ int32_t writeNVC(const kordRec* pKordRec, const char* locationCode_nvc,
                  const char* serialNumber_nvc, const char* ecLevel_nvc)
 {
     writeResource(pKordRec, nvcName, locationCode_nvc,
-                  {
+                  {{
                       normal(imageMTMS, kordpStorageFacilityImageMTMS),
                       reversed(assemblyNumber, partNumber_nvc),
                       reversed(serialNumberLabel, serialNumber_nvc),
                       reversed(changeLevel, ecLevel_nvc),
-                  });
+                  }});
     fflush(stdout);
     return 0;
 }
@@ -304,48 +361,39 @@ int32_t writeDDM(const kordRec* pKordRec, const char* locationCode, const char* 
     formatText(space, "DI=%s,DM=%s,DC=%dMB,DR=%d,DS=%d,AS=%d,AP=%d,IT=%s,ST=%d", diskName, diskManufacturer,
                diskCapacity, diskRPM, diskInterfaceRate, arraySite, arraySitePosition, diskInterfaceType,
                serviceState);
-    return writeResource(pKordRec, ddmName, locationCode,
-                         {
-                             facility(pKordRec),
-                             normal(imageMTMS, kordpStorageFacilityImageMTMS),
-                             normal(ecLevelLabel, ecLevel),
-                             normal(firmwareLevelLabel, firmwareLevel),
-                             normal(partNumberLabel, partNumber),
-                             normal(serialNumberLabel, serialNumber),
-                             normal(diskSpace, space),
-                             normal(systemVPD, ddmName),
-                             normal(hardwareLocation, locationCode),
-                         });
+    return writePart(pKordRec, ddmName, locationCode,
+                     {
+                         normal(imageMTMS, kordpStorageFacilityImageMTMS),
+                         normal(ecLevelLabel, ecLevel),
+                         normal(firmwareLevelLabel, firmwareLevel),
+                         normal(partNumberLabel, partNumber),
+                         normal(serialNumberLabel, serialNumber),
+                         normal(diskSpace, space),
+                     });
 }
 
 int32_t writeFCIC(const kordRec* pKordRec, const char* locationCode,
                   const char* kordpStorageFacilityImageMTMS, const char* ecLevel, const char* firmwareLevel,
                   const char* partNumber, const char* serialNumber)
 {
-    return writeResource(pKordRec, fcicName, locationCode,
-                         {
-                             facility(pKordRec),
-                             normal(imageMTMS, kordpStorageFacilityImageMTMS),
-                             normal(ecLevelLabel, ecLevel),
-                             normal(firmwareLevelLabel, firmwareLevel),
-                             normal(partNumberLabel, partNumber),
-                             normal(serialNumberLabel, serialNumber),
-                             normal(systemVPD, fcicName),
-                             normal(hardwareLocation, locationCode),
-                         });
+    return writePart(pKordRec, fcicName, locationCode,
+                     {
+                         normal(imageMTMS, kordpStorageFacilityImageMTMS),
+                         normal(ecLevelLabel, ecLevel),
+                         normal(firmwareLevelLabel, firmwareLevel),
+                         normal(partNumberLabel, partNumber),
+                         normal(serialNumberLabel, serialNumber),
+                     });
 }
 
 int32_t writeBaffle(const kordRec* pKordRec, const char* locationCode,
                     const char* kordpStorageFacilityImageMTMS, const char* partNumber)
 {
-    return writeResource(pKordRec, baffleName, locationCode,
-                         {
-                             facility(pKordRec),
-                             normal(imageMTMS, kordpStorageFacilityImageMTMS),
-                             normal(partNumberLabel, partNumber),
-                             normal(systemVPD, baffleName),
-                             normal(hardwareLocation, locationCode),
-                         });
+    return writePart(pKordRec, baffleName, locationCode,
+                     {
+                         normal(imageMTMS, kordpStorageFacilityImageMTMS),
+                         normal(partNumberLabel, partNumber),
+                     });
 }
 
 // --- Racks
@@ -375,34 +423,28 @@ int32_t writePPS(const kordRec* pKordRec, const char* locationCode, const char* 
                  const char* flashFirmwareLevel, const char* partNumber, const char* serialNumber,
                  const char* rackNumber)
 {
-    return writeResource(pKordRec, ppsName, locationCode,
-                         {
-                             facility(pKordRec),
-                             normal(ecLevelLabel, ecLevel),
-                             normal(firmwareLevelLabel, flashFirmwareLevel),
-                             normal(partNumberLabel, partNumber),
-                             normal(serialNumberLabel, serialNumber),
-                             normal(rackNumberLabel, rackNumberOf(rackNumber).text),
-                             normal(systemVPD, ppsName),
-                             normal(hardwareLocation, locationCode),
-                         });
+    return writePart(pKordRec, ppsName, locationCode,
+                     {
+                         normal(ecLevelLabel, ecLevel),
+                         normal(firmwareLevelLabel, flashFirmwareLevel),
+                         normal(partNumberLabel, partNumber),
+                         normal(serialNumberLabel, serialNumber),
+                         normal(rackNumberLabel, rackNumberOf(rackNumber).text),
+                     });
 }
 
 int32_t writeBattery(const kordRec* pKordRec, const char* locationCode, const char* ecLevel,
                      const char* partNumber, const char* serialNumber, const char* batteryRemainingLife,
                      const char* rackNumber)
 {
-    return writeResource(pKordRec, batteryName, locationCode,
-                         {
-                             facility(pKordRec),
-                             normal(ecLevelLabel, ecLevel),
-                             normal(partNumberLabel, partNumber),
-                             normal(serialNumberLabel, serialNumber),
-                             normal(rackNumberLabel, rackNumberOf(rackNumber).text),
-                             normal(batteryLife, batteryRemainingLife),
-                             normal(systemVPD, batteryName),
-                             normal(hardwareLocation, locationCode),
-                         });
+    return writePart(pKordRec, batteryName, locationCode,
+                     {
+                         normal(ecLevelLabel, ecLevel),
+                         normal(partNumberLabel, partNumber),
+                         normal(serialNumberLabel, serialNumber),
+                         normal(rackNumberLabel, rackNumberOf(rackNumber).text),
+                         normal(batteryLife, batteryRemainingLife),
+                     });
 }
 
 int32_t writeRPC(const kordRec* pKordRec, const char* locationCode, const char* ecLevel,
@@ -410,46 +452,37 @@ int32_t writeRPC(const kordRec* pKordRec, const char* locationCode, const char* 
                  const char* kyrosFeatureCode, const char* rackNumber)
 {
     // The firmware level follows the rack number here, unlike in a power supply.
-    return writeResource(pKordRec, rpcName, locationCode,
-                         {
-                             facility(pKordRec),
-                             normal(ecLevelLabel, ecLevel),
-                             normal(partNumberLabel, partNumber),
-                             normal(serialNumberLabel, serialNumber),
-                             normal(rackNumberLabel, rackNumberOf(rackNumber).text),
-                             normal(firmwareLevelLabel, flashFirmwareLevel),
-                             normal(featureCode, kyrosFeatureCode),
-                             normal(systemVPD, rpcName),
-                             normal(hardwareLocation, locationCode),
-                         });
+    return writePart(pKordRec, rpcName, locationCode,
+                     {
+                         normal(ecLevelLabel, ecLevel),
+                         normal(partNumberLabel, partNumber),
+                         normal(serialNumberLabel, serialNumber),
+                         normal(rackNumberLabel, rackNumberOf(rackNumber).text),
+                         normal(firmwareLevelLabel, flashFirmwareLevel),
+                         normal(featureCode, kyrosFeatureCode),
+                     });
 }
 
 int32_t writeFanSense(const kordRec* pKordRec, const char* locationCode, const char* ecLevel,
                       const char* partNumber, const char* serialNumber, const char* rackNumber)
 {
-    return writeResource(pKordRec, fanSenseName, locationCode,
-                         {
-                             facility(pKordRec),
-                             normal(ecLevelLabel, ecLevel),
-                             normal(partNumberLabel, partNumber),
-                             normal(serialNumberLabel, serialNumber),
-                             normal(rackNumberLabel, rackNumberOf(rackNumber).text),
-                             normal(systemVPD, fanSenseName),
-                             normal(hardwareLocation, locationCode),
-                         });
+    return writePart(pKordRec, fanSenseName, locationCode,
+                     {
+                         normal(ecLevelLabel, ecLevel),
+                         normal(partNumberLabel, partNumber),
+                         normal(serialNumberLabel, serialNumber),
+                         normal(rackNumberLabel, rackNumberOf(rackNumber).text),
+                     });
 }
 
 int32_t writeFanTray(const kordRec* pKordRec, const char* locationCode, const char* partNumber,
                      const char* rackNumber)
 {
-    return writeResource(pKordRec, fanTrayName, locationCode,
-                         {
-                             facility(pKordRec),
-                             normal(partNumberLabel, partNumber),
-                             normal(rackNumberLabel, rackNumberOf(rackNumber).text),
-                             normal(systemVPD, fanTrayName),
-                             normal(hardwareLocation, locationCode),
-                         });
+    return writePart(pKordRec, fanTrayName, locationCode,
+                     {
+                         normal(partNumberLabel, partNumber),
+                         normal(rackNumberLabel, rackNumberOf(rackNumber).text),
+                     });
 }
 
 // --- Consoles
@@ -557,16 +590,13 @@ int32_t writeArraySite(const kordRec* pKordRec, int32_t arraySite, const char* k
     const Composed id = partOf(kordpStorageFacilityImageMTMS, "S", arraySite);
     const Composed space =
         compose("AP=%d,DP=%d,DC=%dMB,DR=%d", arrayPostition, daPair, diskCapacity, diskRPM);
-    return writeResource(
+    return writePart(
         pKordRec, arraySiteName, id.text,
         {
-            facility(pKordRec),
             normal(imageMTMS, kordpStorageFacilityImageMTMS),
             normal(arrayBelow, partOf(kordpStorageFacilityImageMTMS, "A", array).text),
             normal(partitionIdentifier, partitionOf(pKordRec->kordpManagedSystemMTMS, lparId).text),
             normal(logicalSpace, space.text),
-            normal(systemVPD, arraySiteName),
-            normal(hardwareLocation, id.text),
         });
 }
 
@@ -579,16 +609,13 @@ int32_t writeArray(const kordRec* pKordRec, const char* arraySites, const char* 
     const Composed space =
         compose("AN=%s,AC=%s,RP=%d,DP=%d,DC=%dMB,DR=%d,RT=%s", serialNumber, arraySiteConfiguration,
                 rankPosition, daPair, diskCapacity, diskRPM, raidType);
-    return writeResource(
+    return writePart(
         pKordRec, arrayName, id.text,
         {
-            facility(pKordRec),
             normal(imageMTMS, kordpStorageFacilityImageMTMS),
             normal(rankBelow, partOf(kordpStorageFacilityImageMTMS, "R", rank).text),
             normal(partitionIdentifier, partitionOf(pKordRec->kordpManagedSystemMTMS, lparId).text),
             normal(logicalSpace, space.text),
-            normal(systemVPD, arrayName),
-            normal(hardwareLocation, id.text),
         });
 }
 
@@ -599,16 +626,13 @@ int32_t writeRank(const kordRec* pKordRec, int32_t rank, const char* kordpStorag
     const Composed id = partOf(kordpStorageFacilityImageMTMS, "R", rank);
     const Composed space =
         compose("RN=%s,ET=%d,ES=%d,RG=%d", serialNumber, segmentType, numberSegments, rankGroup);
-    return writeResource(
+    return writePart(
         pKordRec, rankName, id.text,
         {
-            facility(pKordRec),
             normal(imageMTMS, kordpStorageFacilityImageMTMS),
             normal(segmentPoolBelow, partOf(kordpStorageFacilityImageMTMS, "P", segmentPool).text),
             normal(partitionIdentifier, partitionOf(pKordRec->kordpManagedSystemMTMS, lparId).text),
             normal(logicalSpace, space.text),
-            normal(systemVPD, rankName),
-            normal(hardwareLocation, id.text),
         });
 }
 
@@ -620,14 +644,11 @@ int32_t writeSegmentPool(const kordRec* pKordRec, int32_t segmentPool,
     const Composed id = partOf(kordpStorageFacilityImageMTMS, "P", segmentPool);
     const Composed space = compose("ET=%d,ES=%d,EL=%d,VE=%d,VL=%d,RG=%d", segmentType, numberSegments,
                                    segmentLimit, numbervirtualSegments, virtualSegmentLimit, rankGroup);
-    return writeResource(
+    return writePart(
         pKordRec, segmentPoolName, id.text,
         {
-            facility(pKordRec),
             normal(imageMTMS, kordpStorageFacilityImageMTMS),
             normal(partitionIdentifier, partitionOf(pKordRec->kordpManagedSystemMTMS, lparId).text),
             normal(logicalSpace, space.text),
-            normal(systemVPD, segmentPoolName),
-            normal(hardwareLocation, id.text),
         });
 }

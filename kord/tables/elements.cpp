@@ -1,6 +1,5 @@
 // The elements of the document, learned from the writers themselves: each is run, and what it writes is read.
 
-#include "addXmlKord.h"
 #include "tables.h"
 
 #include <cstdlib>
@@ -37,83 +36,6 @@ namespace tables
 namespace
 {
 
-/// What stands for every text that a writer is given.
-constexpr const char* given = "*";
-
-template <typename Value>
-Value valueFor()
-{
-    if constexpr (std::is_same_v<Value, const char*>)
-        return given;
-    else
-        return {};
-}
-
-template <typename Result, typename... Values>
-void call(Result (*writer)(const kordRec*, Values...), const kordRec* pKordRec)
-{
-    writer(pKordRec, valueFor<Values>()...);
-}
-
-template <auto Writer>
-void callWriter(const kordRec* pKordRec)
-{
-    call(Writer, pKordRec);
-}
-
-struct WriterRow {
-    const char* name;
-    void (*write)(const kordRec*);
-};
-
-/// Every writer that the collectors call, in the order of the document's parts.
-constexpr WriterRow writers[] = {
-    {"openSystem", callWriter<openSystem>},
-    {"openEnclosures", callWriter<openEnclosures>},
-    {"openPartitionList", callWriter<openPartitionList>},
-    {"openCecEncl", callWriter<openCecEncl>},
-    {"openCecEnclosurePartitionsList", callWriter<openCecEnclosurePartitionsList>},
-    {"openPartitionResourcesList", callWriter<openPartitionResourcesList>},
-    {"openPartitionResources", callWriter<openPartitionResources>},
-    {"writeNVC", callWriter<writeNVC>},
-    {"openIOEncl", callWriter<openIOEncl>},
-    {"writeDA", callWriter<writeDA>},
-    {"writeHA", callWriter<writeHA>},
-    {"openStorEncl", callWriter<openStorEncl>},
-    {"writeDDM", callWriter<writeDDM>},
-    {"writeFCIC", callWriter<writeFCIC>},
-    {"writeBaffle", callWriter<writeBaffle>},
-    {"openRackEncl", callWriter<openRackEncl>},
-    {"openGlobalResources", callWriter<openGlobalResources>},
-    {"writePPS", callWriter<writePPS>},
-    {"writeBattery", callWriter<writeBattery>},
-    {"writeRPC", callWriter<writeRPC>},
-    {"writeFanSense", callWriter<writeFanSense>},
-    {"writeFanTray", callWriter<writeFanTray>},
-    {"openQUAYEncl", callWriter<openQUAYEncl>},
-    {"writeRackEnclMTMS", callWriter<writeRackEnclMTMS>},
-    {"writeStorPlex", callWriter<writeStorPlex>},
-    {"openPartitionResource", callWriter<openPartitionResource>},
-    {"writeSFI", callWriter<writeSFI>},
-    {"writeVRMF", callWriter<writeVRMF>},
-    {"writeOnyx", callWriter<writeOnyx>},
-    {"writeSFImageWWNN", callWriter<writeSFImageWWNN>},
-    {"writeHSLPool", callWriter<writeHSLPool>},
-    {"writeLogcialConfig", callWriter<writeLogcialConfig>},
-    {"writeHostInventory", callWriter<writeHostInventory>},
-    {"writeHostDescription", callWriter<writeHostDescription>},
-    {"openStorConfigResourceList", callWriter<openStorConfigResourceList>},
-    {"openStorConfigResource", callWriter<openStorConfigResource>},
-    {"openArraySitesResourceList", callWriter<openArraySitesResourceList>},
-    {"openArraysResourceList", callWriter<openArraysResourceList>},
-    {"openRanksResourceList", callWriter<openRanksResourceList>},
-    {"openSegmentPoolResourceList", callWriter<openSegmentPoolResourceList>},
-    {"writeArraySite", callWriter<writeArraySite>},
-    {"writeArray", callWriter<writeArray>},
-    {"writeRank", callWriter<writeRank>},
-    {"writeSegmentPool", callWriter<writeSegmentPool>},
-};
-
 /// What stands between two texts, the first after `from`, which moves behind it. "": there is none.
 std::string_view between(std::string_view text, size_t& from, std::string_view begin, std::string_view end)
 {
@@ -140,7 +62,7 @@ std::vector<ElementProperty> propertiesOf(std::string_view text)
     }
 }
 
-Element elementOf(const WriterRow& row)
+Element elementOf(const ToldWriter& row)
 {
     lastLine.clear();
     const std::string text = written(row.write);
@@ -149,7 +71,7 @@ Element elementOf(const WriterRow& row)
     const bool isProperty = text.starts_with("<Property ");
     std::string name;
     if (!isProperty) name = between(text, at, "displayName=\"", "\"");
-    if (name == given) name.clear();
+    if (name == anyText) name.clear();
     return {.writer = row.name,
             .kind = isResource   ? "resource"
                     : isProperty ? "property"
@@ -166,7 +88,7 @@ std::string written(void (*write)(const kordRec*))
     char* bytes = nullptr;
     size_t size = 0;
     kordRec record{};
-    copyText(record.kordpManagedSystemMTMS, given);
+    copyText(record.kordpManagedSystemMTMS, anyText);
     record.inp = open_memstream(&bytes, &size);
     if (record.inp == nullptr) abort();
     write(&record);
@@ -179,8 +101,10 @@ std::string written(void (*write)(const kordRec*))
 std::vector<Element> allElements()
 {
     std::vector<Element> elements;
-    for (const WriterRow& row : writers)
-        elements.push_back(elementOf(row));
+    for (const std::span<const ToldWriter> writers : {addXmlWriters, addUncalledXmlWriters}) {
+        for (const ToldWriter& writer : writers)
+            elements.push_back(elementOf(writer));
+    }
     return elements;
 }
 
