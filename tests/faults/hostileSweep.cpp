@@ -89,6 +89,7 @@ Plan faulty(const std::string& name, const json& rule)
 
 void addAttribute(std::vector<Plan>& plans, const ClassForm& form, const AttributeForm& attribute)
 {
+    if (!smallFacility()["resources"].contains(form.name)) return; // no resource to change
     const std::string place = form.name + " " + attribute.name;
     Random random = randomFor(place);
     for (const HostileValue& value : valuesOf(typeName(attribute.type), random)) {
@@ -386,6 +387,7 @@ void addMixtures(std::vector<Plan>& plans, const Classes&)
             Random random = randomFor(name);
             for (const ClassForm& form : classForms()) {
                 if (form.name == nodes || form.name == partitions) continue; // they end most runs early
+                if (!facility["resources"].contains(form.name)) continue;
                 for (json& resource : facility["resources"][form.name]) {
                     spoil(resource, form, random);
                 }

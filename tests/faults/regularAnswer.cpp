@@ -45,8 +45,9 @@ bool holds(const Condition& condition, const json& resource)
 json regularAnswer(const json& facility, const Call& query, const Texts& attributes)
 {
     const std::vector<Condition> conditions = conditionsOf(query.selection);
+    const json resources = facility.at("resources").value(query.className, json::array());
     json answer = json::array();
-    for (const json& resource : facility.at("resources").at(query.className)) {
+    for (const json& resource : resources) {
         bool selected = true;
         for (const Condition& condition : conditions) {
             selected = selected && holds(condition, resource);
