@@ -1,200 +1,227 @@
 #include "document/diff.h"
 
+#include "document/hostDiff.h"
 #include "document/hosts.h"
 #include "document/match.h"
 
 #include <algorithm>
 #include <array>
+#include <functional>
+#include <map>
 #include <unordered_map>
+#include <unordered_set>
 
 namespace document
 {
 
 std::string_view wordOf(ChangeType type)
 {
-    constexpr std::array<std::string_view, 5> words = {"added", "removed", "moved", "replaced", "changed"};
+    constexpr std::array<std::string_view, changeTypes.size()> words = {"added", "removed", "moved",
+                                                                        "replaced", "changed"};
     return words.at(static_cast<size_t>(type));
-}
-
-bool Change::sameAs(const Change& other) const
-{
-    return type == other.type && kind == other.kind && name == other.name && id == other.id &&
-           from == other.from && to == other.to && values == other.values && parts == other.parts;
 }
 
 namespace
 {
 
 constexpr std::string_view hostsCode = "U2";
-constexpr std::string_view countsCode = "U1";
 
 // --- Values
 
-std::optional<std::string> valueOf(const Property* property)
+/// The keys under which a kind's property holds many values, in their order.
+const std::vector<std::string_view>& keysOf(Kind kind, std::string_view code)
 {
-    return property == nullptr ? std::nullopt : std::optional(std::string(property->value));
-}
-
-/// The items that differ, where both values are lists of the same named items.
-std::optional<std::vector<ValueChange>> itemChanges(const Property& before, const Property& after)
-{
-    const auto old = parseNamedValues(before.value);
-    const auto now = parseNamedValues(after.value);
-    if (!old || !now || old->size() != now->size()) return std::nullopt;
-    std::vector<ValueChange> changes;
-    for (size_t i = 0; i < old->size(); ++i) {
-        const auto& [name, value] = (*old)[i];
-        const auto& [newName, newValue] = (*now)[i];
-        if (name != newName) return std::nullopt;
-        if (value == newValue) continue;
-        changes.push_back({.code = std::string(after.code()),
-                           .label = std::string(after.label()),
-                           .item = name,
-                           .before = value,
-                           .after = newValue});
+    static std::map<std::pair<Kind, std::string_view>, std::vector<std::string_view>> known;
+    const auto [entry, isNew] = known.try_emplace({kind, code});
+    if (!isNew) return entry->second;
+    for (const Column* column : columnsOf(kind)) {
+        if (column->source.from == From::item && column->source.code == code)
+            entry->second.push_back(column->source.mark);
     }
-    return changes;
+    return entry->second;
 }
 
-void addChanges(std::vector<ValueChange>& changes, const Property* before, const Property* after)
+/// The column that tells a property, or one item of it.
+std::string_view columnOf(Kind kind, std::string_view code, std::string_view item)
 {
-    const Property& known = after == nullptr ? *before : *after;
-    if (before != nullptr && after != nullptr && holdsItems(known.code())) {
-        if (const auto items = itemChanges(*before, *after)) {
-            changes.insert(changes.end(), items->begin(), items->end());
-            return;
-        }
+    for (const Column* column : columnsOf(kind)) {
+        const Source& source = column->source;
+        if (source.code != code || code.empty()) continue;
+        if (source.from == From::item ? source.mark == item : item.empty()) return column->name;
     }
-    changes.push_back({.code = std::string(known.code()),
-                       .label = std::string(known.label()),
-                       .item = {},
-                       .before = valueOf(before),
-                       .after = valueOf(after)});
+    return {};
 }
 
-/// The property of the same code, and of the same turn where a part has several of a code.
-const Property* counterpart(const Property& property, const Part& mine, const Part& other)
+std::optional<std::string_view> valueOf(const Property* property)
 {
-    const auto sameCode = [&](const Property& one) { return one.code() == property.code(); };
-    auto turn = std::count_if(mine.properties.data(), &property, sameCode);
-    for (const Property& candidate : other.properties) {
-        if (sameCode(candidate) && turn-- == 0) return &candidate;
-    }
-    return nullptr;
+    return property == nullptr ? std::nullopt : std::optional(property->value);
 }
 
-// --- Hosts
-
-/// How many ports of each description one list has more than another, in the list's order.
-std::vector<Host> surplus(const std::vector<Host>& list, const std::vector<Host>& other)
-{
-    std::unordered_map<std::string_view, int64_t> ports;
-    for (const Host& host : other)
-        ports[host.description] += host.ports;
-    std::vector<Host> more;
-    for (const Host& host : list) {
-        const auto found = ports.find(host.description);
-        const int64_t there = found == ports.end() ? 0 : found->second;
-        if (host.ports > there) more.push_back({host.description, host.ports - there});
-    }
-    return more;
-}
-
-std::optional<std::string> portsOf(const std::vector<Host>& hosts, std::string_view description)
-{
-    const auto found = std::ranges::find(hosts, description, &Host::description);
-    return found == hosts.end() ? std::nullopt : std::optional(std::to_string(found->ports));
-}
-
-class Hosts
+/// Collects what differs in the values of one part.
+class ValueChanges
 {
 public:
-    Hosts(std::vector<Host> inBefore, std::vector<Host> inAfter, const Part& ofPartition)
-        : before(std::move(inBefore)), after(std::move(inAfter)), partition(ofPartition)
+    explicit ValueChanges(const Part& ofPart) : part(ofPart) {}
+
+    void add(const Property* before, const Property* after)
     {
+        const PropertyName& name = *(after == nullptr ? before : after)->name;
+        if (before != nullptr && after != nullptr && addItems(name, before->value, after->value)) return;
+        changes.push_back({.code = name.code,
+                           .label = name.label,
+                           .column = columnOf(part.kind, name.code, {}),
+                           .before = valueOf(before),
+                           .after = valueOf(after)});
     }
 
-    std::vector<Change> changes()
+    void addName(std::string_view before, std::string_view after)
     {
-        std::vector<Host> gone = surplus(before, after);
-        for (const Host& host : surplus(after, before)) {
-            // As many ports less of one description as there are more of another: they were renamed.
-            const auto old = std::ranges::find(gone, host.ports, &Host::ports);
-            if (old != gone.end()) {
-                rename(*old, host);
-                gone.erase(old);
-            } else {
-                recount(host);
-            }
-        }
-        for (const Host& host : gone)
-            recount(host);
-        return std::move(found);
+        changes.push_back({.code = {}, .label = "name", .before = before, .after = after});
     }
+
+    std::vector<ValueChange> changes;
 
 private:
-    void add(ChangeType type, std::string_view description, const ValueChange& change)
+    /// The items that differ; false where it is not items that do.
+    bool addItems(const PropertyName& name, std::string_view before, std::string_view after)
     {
-        found.push_back({.type = type,
-                         .kind = "host",
-                         .what = "host",
-                         .name = std::string(description),
-                         .id = std::string(partition.id),
-                         .where = std::string(partition.name),
-                         .from = {},
-                         .to = {},
-                         .values = {change}});
+        const auto& keys = keysOf(part.kind, name.code);
+        const auto old = itemsOf(before, keys);
+        const auto now = itemsOf(after, keys);
+        const size_t already = changes.size();
+        for (size_t i = 0; i < keys.size(); ++i) {
+            const bool there = old[i].data() != nullptr && now[i].data() != nullptr;
+            if (!there && old[i].data() != now[i].data()) {
+                changes.resize(already);
+                return false;
+            }
+            if (old[i] == now[i]) continue;
+            changes.push_back({.code = name.code,
+                               .label = name.label,
+                               .item = keys[i],
+                               .column = columnOf(part.kind, name.code, keys[i]),
+                               .before = old[i],
+                               .after = now[i]});
+        }
+        return changes.size() > already;
     }
 
-    void rename(const Host& old, const Host& host)
+    const Part& part;
+};
+
+/// Pairs the properties of two parts: those of the same code, in their turn where a part has several.
+class Counterparts
+{
+public:
+    Counterparts(const Part& before, const Part& after) : olds(before.properties), news(after.properties)
     {
-        add(ChangeType::changed, old.description,
-            {.code = std::string(hostsCode),
-             .label = "Host Inventory",
-             .item = {},
-             .before = std::string(old.description) + '=' + std::to_string(old.ports),
-             .after = std::string(host.description) + '=' + std::to_string(host.ports)});
+        newOf.resize(olds.size());
+        oldOf.resize(news.size());
+        if (sameCodes()) {
+            for (size_t i = 0; i < olds.size(); ++i)
+                pair(i, i);
+        } else {
+            pairByCode();
+        }
     }
 
-    void recount(const Host& host)
+    /// By turn among the properties of the new part, and of the old one; none: there is none.
+    std::vector<const Property*> oldOf;
+    std::vector<const Property*> newOf;
+
+private:
+    [[nodiscard]] bool sameCodes() const
     {
-        const auto old = portsOf(before, host.description);
-        const auto now = portsOf(after, host.description);
-        add(!old   ? ChangeType::added
-            : !now ? ChangeType::removed
-                   : ChangeType::changed,
-            host.description,
-            {.code = std::string(hostsCode),
-             .label = "Host Inventory",
-             .item = "ports",
-             .before = old,
-             .after = now});
+        return std::ranges::equal(olds, news, {}, &Property::code, &Property::code);
     }
 
-    std::vector<Host> before;
-    std::vector<Host> after;
-    const Part& partition;
-    std::vector<Change> found;
+    void pair(size_t old, size_t now)
+    {
+        oldOf[now] = &olds[old];
+        newOf[old] = &news[now];
+    }
+
+    void pairByCode()
+    {
+        std::unordered_map<std::string_view, std::pair<size_t, std::vector<size_t>>> turns;
+        for (size_t i = 0; i < olds.size(); ++i)
+            turns[olds[i].code()].second.push_back(i);
+        for (size_t i = 0; i < news.size(); ++i) {
+            const auto found = turns.find(news[i].code());
+            if (found == turns.end()) continue;
+            auto& [turn, indexes] = found->second;
+            if (turn < indexes.size()) pair(indexes[turn++], i);
+        }
+    }
+
+    std::span<const Property> olds;
+    std::span<const Property> news;
 };
 
 // --- Parts
 
-class Diff
-{
-public:
-    Diff(const Document& before, const Document& after) : olds(before.system()), news(after.system())
+struct SameChange {
+    bool operator()(const Change* one, const Change* other) const
     {
-        match(olds, news);
-    }
-
-    std::vector<Change> changes()
-    {
-        walk(0);
-        return std::move(found);
+        return one->type == other->type && one->kind == other->kind && one->host == other->host &&
+               sameId(one->before, other->before) && sameId(one->after, other->after) &&
+               one->part().name == other->part().name && one->values == other->values &&
+               one->parts == other->parts;
     }
 
 private:
-    void walk(size_t index)
+    static bool sameId(const Part* one, const Part* other)
+    {
+        return one == nullptr || other == nullptr ? one == other : one->id == other->id;
+    }
+};
+
+struct HashOfChange {
+    size_t operator()(const Change* change) const
+    {
+        constexpr size_t factor = 1'000'003;
+        const std::hash<std::string_view> hashOf;
+        size_t hash = hashOf(change->part().id) * factor ^ hashOf(change->host);
+        for (const ValueChange& value : change->values) {
+            hash = hash * factor ^ hashOf(value.before.value_or(""));
+            hash = hash * factor ^ hashOf(value.after.value_or(""));
+        }
+        return hash;
+    }
+};
+
+/// How many parts without a match are inside each part; a partition's share of an enclosure is none.
+std::vector<size_t> unmatchedInside(const Nodes& nodes)
+{
+    std::vector<size_t> counts(nodes.levelStart(nodes.levelCount()));
+    for (size_t index = counts.size(); index-- > 1;) {
+        const bool counted = nodes[index].match == Node::none && rowOf(nodes[index].part->kind).listed;
+        counts[nodes[index].parent] += counts[index] + (counted ? 1 : 0);
+    }
+    return counts;
+}
+
+class Diff
+{
+public:
+    Diff(const Document& before, const Document& after, const KindSet& wantedKinds)
+        : wanted(wantedKinds), olds(before.system()),
+          news(after.system()), result{.before = &before, .after = &after}
+    {
+        match(olds, news);
+        goneInside = unmatchedInside(olds);
+        newInside = unmatchedInside(news);
+    }
+
+    Changes changes()
+    {
+        walk(0);
+        result.found.assign(std::make_move_iterator(found.begin()), std::make_move_iterator(found.end()));
+        return std::move(result);
+    }
+
+private:
+    void walk(uint32_t index)
     {
         const Node& now = news[index];
         if (now.match == Node::none) {
@@ -203,9 +230,9 @@ private:
         }
         const Node& old = olds[now.match];
         compare(old, now);
-        for (const size_t child : now.children)
-            walk(child);
-        for (const size_t child : old.children) {
+        for (uint32_t child = 0; child < now.childCount; ++child)
+            walk(now.firstChild + child);
+        for (uint32_t child = old.firstChild; child < old.firstChild + old.childCount; ++child) {
             if (olds[child].match == Node::none) addWhole(ChangeType::removed, olds, child);
         }
     }
@@ -213,7 +240,7 @@ private:
     /// What came into an added part from elsewhere; the rest is told with the part.
     void walkMatched(const Node& node)
     {
-        for (const size_t child : node.children) {
+        for (uint32_t child = node.firstChild; child < node.firstChild + node.childCount; ++child) {
             if (news[child].match == Node::none)
                 walkMatched(news[child]);
             else
@@ -221,78 +248,56 @@ private:
         }
     }
 
-    static size_t unmatchedInside(const Nodes& nodes, size_t index)
+    void addWhole(ChangeType type, const Nodes& nodes, uint32_t index)
     {
-        size_t count = 0;
-        for (const size_t child : nodes[index].children) {
-            const bool part = nodes[child].part->kind != Kind::enclosurePartition;
-            count += nodes[child].match == Node::none && part ? 1 : 0;
-            count += unmatchedInside(nodes, child);
+        const Node& node = nodes[index];
+        const bool added = type == ChangeType::added;
+        if (!wanted.test(static_cast<size_t>(node.part->kind))) {
+            for (uint32_t child = node.firstChild; child < node.firstChild + node.childCount; ++child) {
+                if (nodes[child].match == Node::none) addWhole(type, nodes, child);
+            }
+            return;
         }
-        return count;
-    }
-
-    static Change changeOf(ChangeType type, const Part& part)
-    {
-        const KindRow& row = rowOf(part.kind);
-        return {.type = type,
-                .kind = std::string(row.word),
-                .what = std::string(row.singular),
-                .name = std::string(part.name),
-                .id = std::string(part.id),
-                .where = {},
-                .from = {},
-                .to = {},
-                .values = {}};
-    }
-
-    void addWhole(ChangeType type, const Nodes& nodes, size_t index)
-    {
-        Change change = changeOf(type, *nodes[index].part);
-        change.parts = unmatchedInside(nodes, index);
-        add(std::move(change));
+        add({.type = type,
+             .kind = node.part->kind,
+             .before = added ? nullptr : node.part,
+             .after = added ? node.part : nullptr,
+             .parts = added ? newInside[index] : goneInside[index]});
     }
 
     void add(Change change)
     {
-        const std::string key = change.kind + '\0' + change.id + '\0' + change.name;
-        for (const size_t index : byPart[key]) {
-            if (!found[index].sameAs(change)) continue;
-            ++found[index].listed;
-            return;
-        }
-        byPart[key].push_back(found.size());
+        if (!wanted.test(static_cast<size_t>(change.kind))) return;
         found.push_back(std::move(change));
+        const auto [same, isNew] = known.insert(&found.back());
+        if (isNew) return;
+        ++(*same)->listed;
+        found.pop_back();
     }
 
     [[nodiscard]] bool moved(const Node& old, const Node& now) const
     {
-        if (now.parent == Node::none) return false;
-        if (news[now.parent].match != old.parent || old.serial.empty()) return !old.serial.empty();
-        if (old.serial != now.serial) return false;
-        const bool enclosure = now.part->kind == Kind::storageEnclosure;
-        return old.place != now.place || (enclosure && old.part->value("R1") != now.part->value("R1"));
-    }
-
-    static std::string_view placeOf(const Part& part, const Part& other)
-    {
-        return part.id != other.id ? part.id : part.value("R1");
+        if (now.parent == Node::none || old.serial.empty()) return false;
+        if (news[now.parent].match != old.parent) return true;
+        if (old.serial != now.serial || old.model != now.model) return false;
+        const std::string_view position = rowOf(now.part->kind).position;
+        return old.place != now.place || old.part->value(position) != now.part->value(position);
     }
 
     void compare(const Node& old, const Node& now)
     {
-        Change change = changeOf(ChangeType::changed, *now.part);
+        Change change = {.kind = now.part->kind, .before = old.part, .after = now.part};
         std::vector<Change> hosts;
         if (!std::ranges::equal(old.part->properties, now.part->properties) ||
             old.part->name != now.part->name)
             change.values = valueChanges(old, now, hosts);
         if (moved(old, now)) {
             change.type = ChangeType::moved;
-            change.from = placeOf(*old.part, *now.part);
-            change.to = placeOf(*now.part, *old.part);
-            std::erase_if(change.values,
-                          [](const ValueChange& value) { return value.code == "R1" || value.code == "R2"; });
-        } else if (!old.serial.empty() && !now.serial.empty() && old.serial != now.serial) {
+            std::erase_if(change.values, [](const ValueChange& value) {
+                return value.column == "rack" || value.column == "enclosure";
+            });
+        } else if (!old.serial.empty() && !now.serial.empty() &&
+                   (old.serial != now.serial || old.model != now.model)) {
             change.type = ChangeType::replaced;
         }
         if (change.type != ChangeType::changed || !change.values.empty()) add(std::move(change));
@@ -302,63 +307,54 @@ private:
 
     std::vector<ValueChange> valueChanges(const Node& old, const Node& now, std::vector<Change>& hosts)
     {
-        std::vector<ValueChange> values;
-        if (old.part->name != now.part->name) {
-            values.push_back({.code = {},
-                              .label = "name",
-                              .item = {},
-                              .before = std::string(old.part->name),
-                              .after = std::string(now.part->name)});
-        }
-        for (const Property& property : now.part->properties) {
-            const Property* const before = counterpart(property, *now.part, *old.part);
+        ValueChanges values(*now.part);
+        if (old.part->name != now.part->name) values.addName(old.part->name, now.part->name);
+        const Counterparts counterparts(*old.part, *now.part);
+        for (size_t i = 0; i < now.part->properties.size(); ++i) {
+            const Property& property = now.part->properties[i];
+            const Property* const before = counterparts.oldOf[i];
             if (before != nullptr && before->value == property.value) continue;
             const bool told =
                 repeats(property, *now.part) && (before == nullptr || repeats(*before, *old.part));
-            if (told || takeHosts(before, property, *now.part, hosts)) continue;
-            addChanges(values, before, &property);
+            if (told || takeHosts(before, property, old, now, hosts)) continue;
+            values.add(before, &property);
         }
-        for (const Property& property : old.part->properties) {
-            const bool gone = counterpart(property, *old.part, *now.part) == nullptr;
-            if (gone && !repeats(property, *old.part)) addChanges(values, &property, nullptr);
+        for (size_t i = 0; i < old.part->properties.size(); ++i) {
+            const Property& property = old.part->properties[i];
+            if (counterparts.newOf[i] == nullptr && !repeats(property, *old.part))
+                values.add(&property, nullptr);
         }
-        moveCounts(values, hosts);
-        return values;
+        moveHostCounts(values.changes, hosts);
+        return std::move(values.changes);
     }
 
-    static bool takeHosts(const Property* before, const Property& after, const Part& partition,
-                          std::vector<Change>& hosts)
+    bool takeHosts(const Property* before, const Property& after, const Node& old, const Node& now,
+                   std::vector<Change>& hosts)
     {
         if (before == nullptr || after.code() != hostsCode) return false;
-        auto old = parseHosts(before->value);
-        auto now = parseHosts(after.value);
-        if (!old || !now) return false;
-        hosts = Hosts(std::move(*old), std::move(*now), partition).changes();
+        const auto oldHosts = parseHosts(before->value);
+        const auto newHosts = parseHosts(after.value);
+        if (!oldHosts || !newHosts) return false;
+        hosts = hostChanges({.part = old.part, .hosts = *oldHosts}, {.part = now.part, .hosts = *newHosts},
+                            after.label(), result.texts);
         return true;
     }
 
-    /// With a host come its volume group and its ports, which the counts tell: that is one change.
-    static void moveCounts(std::vector<ValueChange>& values, std::vector<Change>& hosts)
-    {
-        if (hosts.empty()) return;
-        const auto follows = [](const ValueChange& value) {
-            return value.code == countsCode && (value.item == "o0" || value.item == "o1");
-        };
-        std::ranges::copy_if(values, std::back_inserter(hosts.front().values), follows);
-        std::erase_if(values, follows);
-    }
-
+    KindSet wanted;
     Nodes olds;
     Nodes news;
-    std::vector<Change> found;
-    std::unordered_map<std::string, std::vector<size_t>> byPart; ///< indexes of what was found
+    std::vector<size_t> goneInside;
+    std::vector<size_t> newInside;
+    std::deque<Change> found; ///< whose places stay
+    std::unordered_set<Change*, HashOfChange, SameChange> known;
+    Changes result;
 };
 
 } // namespace
 
-std::vector<Change> diff(const Document& before, const Document& after)
+Changes diff(const Document& before, const Document& after, const KindSet& wanted)
 {
-    return Diff(before, after).changes();
+    return Diff(before, after, wanted).changes();
 }
 
 } // namespace document

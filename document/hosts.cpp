@@ -48,23 +48,6 @@ std::optional<std::vector<Host>> parseHosts(std::string_view text)
     return hosts;
 }
 
-std::optional<NamedValues> parseNamedValues(std::string_view text)
-{
-    NamedValues values;
-    while (!text.empty()) {
-        const std::string_view item = text.substr(0, text.find(','));
-        const size_t sign = item.find('=');
-        if (sign != std::string_view::npos)
-            values.emplace_back(item.substr(0, sign), item.substr(sign + 1));
-        else if (!values.empty())
-            values.back().second.append(1, ',').append(item);
-        else
-            return std::nullopt;
-        text.remove_prefix(std::min(item.size() + 1, text.size()));
-    }
-    return values;
-}
-
 namespace
 {
 

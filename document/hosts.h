@@ -7,7 +7,6 @@
 #include <span>
 #include <string>
 #include <string_view>
-#include <utility>
 #include <vector>
 
 namespace document
@@ -24,12 +23,6 @@ struct Host {
 /// The hosts of "description=ports,description=ports,". A description may hold blanks, commas and equals
 /// signs. Nothing when the text is no list of hosts.
 std::optional<std::vector<Host>> parseHosts(std::string_view text);
-
-using NamedValues = std::vector<std::pair<std::string, std::string>>;
-
-/// The items of "name=value,name=value"; an item without a name belongs to the value before it. Nothing when
-/// the text is no such list.
-std::optional<NamedValues> parseNamedValues(std::string_view text);
 
 /// The items of "DI=value,DM=value", whose keys are looked for one behind the other: so a comma in a value
 /// splits nothing. An item that is not there has no data.

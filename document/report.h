@@ -3,6 +3,7 @@
 #pragma once
 
 #include "document/diff.h"
+#include "document/json.h"
 
 #include <string>
 #include <vector>
@@ -10,10 +11,21 @@
 namespace document
 {
 
-/// A line for each change and one that counts them; nothing when there is none.
-std::string lines(const std::vector<Change>& changes);
+struct LineOptions {
+    bool grouped = false; ///< identical changes of several parts are one line
+    bool colored = false;
+};
 
-/// { "old", "new", "changes": [{ "change", "kind", "name", "id", "values": [...] }] }.
-std::string json(const std::vector<Change>& changes, const std::string& oldFile, const std::string& newFile);
+/// A line for each change and one that counts them; nothing when there is none.
+void writeLines(const Changes& changes, const LineOptions& options, const Write& write);
+
+/// A line for each kind of part and one that counts all; nothing when there is no change.
+void writeSummary(const Changes& changes, const Write& write);
+
+/// { "old", "new", "complete", "missing", "changes": [...] }.
+void writeJson(const Changes& changes, const Write& write);
+
+/// The same, with how many changes of each kind there are: "summary": { "drive": { "added": 1 } }.
+void writeJsonSummary(const Changes& changes, const Write& write);
 
 } // namespace document

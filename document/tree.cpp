@@ -22,12 +22,19 @@ struct Strokes {
 constexpr Strokes asciiStrokes = {.branch = "|-- ", .last = "`-- ", .pass = "|   ", .none = "    "};
 constexpr Strokes unicodeStrokes = {.branch = "├── ", .last = "└── ", .pass = "│   ", .none = "    "};
 
-constexpr size_t widestValue = 100;
+constexpr size_t widestCell = 100;
+constexpr size_t bytesOfColumn = 20; ///< a character and the marks that people put on one
+constexpr size_t pieceSize = size_t{64} * 1024;
+
+std::string cell(std::string_view text)
+{
+    return cutTo(shown(text.substr(0, bytesOfColumn * widestCell)), widestCell);
+}
 
 std::string told(const Property& property)
 {
     const auto hosts = property.code() == "U2" ? parseHosts(property.value) : std::nullopt;
-    if (!hosts) return std::string(property.code()) + ' ' + cutTo(shown(property.value), widestValue);
+    if (!hosts) return std::string(property.code()) + ' ' + cell(property.value);
     return std::string(property.code()) + ' ' + std::to_string(hosts->size()) +
            (hosts->size() == 1 ? " host" : " hosts");
 }
@@ -35,7 +42,7 @@ std::string told(const Property& property)
 /// A part's line, cell by cell.
 std::vector<std::string> cellsOf(const Part& part)
 {
-    std::vector<std::string> cells = {shown(part.name), part.id == part.name ? "" : shown(part.id)};
+    std::vector<std::string> cells = {cell(part.name), part.id == part.name ? "" : cell(part.id)};
     for (const Property& property : part.properties) {
         if (!repeats(property, part)) cells.push_back(told(property));
     }
@@ -45,12 +52,12 @@ std::vector<std::string> cellsOf(const Part& part)
 class Tree
 {
 public:
-    explicit Tree(const Strokes& withStrokes) : strokes(withStrokes) {}
+    Tree(const Strokes& withStrokes, const Write& toWrite) : strokes(withStrokes), write(toWrite) {}
 
-    std::string draw(const Part& system)
+    void draw(const Part& system)
     {
         children(system, "");
-        return std::move(text);
+        write(text);
     }
 
 private:
@@ -91,23 +98,27 @@ private:
             blanks += widths[i] == 0 ? 0 : widths[i] - widthOf(cells[i]) + gap;
         }
         text += '\n';
+        if (text.size() < pieceSize) return;
+        write(text);
+        text.clear();
     }
 
     const Strokes& strokes;
+    const Write& write;
     std::string text;
 };
 
 } // namespace
 
-std::string tree(const Document& document, Lines lines)
+void writeTree(const Document& document, Lines lines, const Write& write)
 {
     const Part& system = document.system();
     std::string text = shown(system.name);
     if (const auto facility = system.value("S3"); !facility.empty())
         text += " of storage facility " + shown(facility);
     text += ", collected " + shown(timeOf(document.timestamp)) + '\n';
-    text += summary(document) + '\n';
-    return text + Tree(lines == Lines::unicode ? unicodeStrokes : asciiStrokes).draw(system);
+    write(text + summary(document) + '\n');
+    Tree(lines == Lines::unicode ? unicodeStrokes : asciiStrokes, write).draw(system);
 }
 
 } // namespace document

@@ -3,8 +3,7 @@
 #pragma once
 
 #include "document/document.h"
-
-#include <string>
+#include "document/json.h"
 
 namespace document
 {
@@ -13,6 +12,7 @@ enum class Lines { ascii, unicode };
 
 /// The document's own line and its summary, then a line for each part: display name, identifier and those
 /// properties that the parts around it do not tell already. Siblings of a kind stand in columns.
-std::string tree(const Document& document, Lines lines);
+/// Names, identifiers and values are cut to a width that a terminal bears.
+void writeTree(const Document& document, Lines lines, const Write& write);
 
 } // namespace document

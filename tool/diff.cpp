@@ -1,11 +1,13 @@
 // kord diff: what happened to the machine between two documents.
 
 #include "commands.h"
+#include "documents.h"
 #include "output.h"
 
 #include "document/diff.h"
-#include "document/reader.h"
 #include "document/report.h"
+#include "platform/failure.h"
+#include "platform/nearest.h"
 
 #include <memory>
 #include <string>
@@ -17,20 +19,46 @@ namespace
 {
 
 constexpr int differences = 1;
+constexpr size_t manyForATerminal = 20;
 
 struct Options {
     std::string before;
     std::string after;
+    std::string kind = "all";
+    bool summary = false;
+    bool grouped = false;
     bool json = false;
 };
 
+document::KindSet kindSetOf(const std::string& word)
+{
+    document::KindSet kinds;
+    for (const document::Kind kind : document::kindsOf(word))
+        kinds.set(static_cast<size_t>(kind));
+    if (kinds.none()) {
+        throw platform::Failure("no kind of part is called \"" + word + '"' +
+                                platform::didYouMean(word, document::kindWords()));
+    }
+    return word == "all" ? kinds.set() : kinds; // with what has no word of its own
+}
+
 int diff(const Options& options, Output& output)
 {
-    const auto changes =
-        document::diff(document::readFile(options.before), document::readFile(options.after));
-    output.write(options.json ? document::json(changes, options.before, options.after)
-                              : document::lines(changes));
-    return changes.empty() ? 0 : differences;
+    const document::KindSet kinds = kindSetOf(options.kind);
+    const document::Document before = readDocument(options.before);
+    const document::Document after = readDocument(options.after);
+    const document::Changes changes = document::diff(before, after, kinds);
+    const auto write = [&](std::string_view text) { output.write(text); };
+    const bool many = output.isTerminal() && changes.found.size() > manyForATerminal;
+    if (options.json && options.summary)
+        writeJsonSummary(changes, write);
+    else if (options.json)
+        writeJson(changes, write);
+    else if (options.summary)
+        writeSummary(changes, write);
+    else
+        writeLines(changes, {.grouped = options.grouped || many, .colored = output.isColored()}, write);
+    return changes.found.empty() ? 0 : differences;
 }
 
 } // namespace
@@ -43,7 +71,19 @@ platform::Command diffCommand()
          .help = "Show what differs between two inventory documents",
          .arguments = {{.name = "OLD", .into = &options->before, .help = "The older document"},
                        {.name = "NEW", .into = &options->after, .help = "The newer document"}},
-         .options = {{.names = "--json", .into = &options->json, .help = "Print the differences as JSON"}}},
+         .options = {{.names = "--summary",
+                      .into = &options->summary,
+                      .help = "Print how many changes there are of each kind of part"},
+                     {.names = "--kind",
+                      .into = &options->kind,
+                      .help = "Print the changes of this kind of part, such as drives",
+                      .value = "KIND",
+                      .offers = {.words = [](const auto&) { return document::kindWords(); }}},
+                     {.names = "--group",
+                      .into = &options->grouped,
+                      .help = "Print identical changes as one line with their count, as more than 20 are on "
+                              "a terminal"},
+                     {.names = "--json", .into = &options->json, .help = "Print JSON"}}},
         [options](Output& output) { return diff(*options, output); });
 }
 

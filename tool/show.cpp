@@ -38,7 +38,7 @@ int show(const Options& options, Output& output)
     if (!options.page.empty())
         platform::writeWhole(options.page, document::page(document));
     else
-        output.write(document::tree(document, drawableLines()));
+        writeTree(document, drawableLines(), [&](std::string_view text) { output.write(text); });
     return 0;
 }
 

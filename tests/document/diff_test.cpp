@@ -1,5 +1,6 @@
 // What differs between two documents: one line for each thing that happened to the machine.
 
+#include "consoleRun.h"
 #include "document/diff.h"
 #include "document/report.h"
 #include "writing.h"
@@ -7,7 +8,6 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
-#include <sstream>
 
 namespace
 {
@@ -16,13 +16,26 @@ using namespace kordTest;
 using document::Change;
 using Lines = std::vector<std::string>;
 
+document::KindSet everything()
+{
+    return document::KindSet().set();
+}
+
+std::string report(const std::string& before, const std::string& after,
+                   const document::LineOptions& options = {}, const document::KindSet& wanted = everything())
+{
+    const document::Document old = parse(before);
+    const document::Document now = parse(after);
+    std::string text;
+    document::writeLines(document::diff(old, now, wanted), options,
+                         [&](std::string_view piece) { text += piece; });
+    return text;
+}
+
 /// The report without its last line, which counts.
 Lines changes(const std::string& before, const std::string& after)
 {
-    std::istringstream text(document::lines(document::diff(parse(before), parse(after))));
-    Lines lines;
-    for (std::string line; std::getline(text, line);)
-        lines.push_back(line);
+    Lines lines = splitLines(report(before, after));
     if (!lines.empty()) lines.pop_back();
     return lines;
 }
@@ -53,7 +66,6 @@ TEST(Diff, OfADocumentWithItselfIsNothing)
 {
     const std::string text = ofEnclosures(with({driveA, driveB}) + with({driveC}, second));
     EXPECT_EQ(changes(text, text), Lines{});
-    EXPECT_EQ(document::lines({}), "");
 }
 
 TEST(Diff, TimesAndTheStylesheetAreNone)
@@ -73,31 +85,37 @@ TEST(Diff, OrderIsNone)
 
 TEST(Diff, AReplacedDriveIsOneLine)
 {
-    EXPECT_EQ(changes(ofEnclosures(with({driveA, driveB})),
-                      ofEnclosures(with({driveA, {.slot = "-P1-D2", .serial = "NEW", .level = "J2"}}))),
-              Lines{"replaced  drive U.AB1-P1-D2: EC Level J1 -> J2, Serial Number B -> NEW"});
+    EXPECT_EQ(
+        changes(ofEnclosures(with({driveA, driveB})),
+                ofEnclosures(with({driveA, {.slot = "-P1-D2", .serial = "NEW", .level = "J2"}}))),
+        Lines{
+            "replaced  drive U.AB1-P1-D2 (enclosure 1, slot 2): EC Level J1 -> J2, Serial Number B -> NEW"});
 }
 
 TEST(Diff, AMovedDriveIsOneLine)
 {
     EXPECT_EQ(changes(ofEnclosures(with({driveA}) + with({}, second)),
                       ofEnclosures(with({}) + with({in("-P1-D9", driveA)}, second))),
-              Lines{"moved     drive U.AB2-P1-D9: U.AB1-P1-D1 -> U.AB2-P1-D9"});
+              Lines{"moved     drive U.AB2-P1-D9 (serial A): U.AB1-P1-D1 (enclosure 1, slot 1) -> "
+                    "U.AB2-P1-D9 (enclosure 2, slot 9)"});
 }
 
 TEST(Diff, TwoDrivesThatChangedPlacesAreTwoMoves)
 {
     EXPECT_EQ(changes(ofEnclosures(with({driveA, driveB})),
                       ofEnclosures(with({in("-P1-D1", driveB), in("-P1-D2", driveA)}))),
-              (Lines{"moved     drive U.AB1-P1-D1: U.AB1-P1-D2 -> U.AB1-P1-D1",
-                     "moved     drive U.AB1-P1-D2: U.AB1-P1-D1 -> U.AB1-P1-D2"}));
+              (Lines{"moved     drive U.AB1-P1-D1 (serial B): U.AB1-P1-D2 (enclosure 1, slot 2) -> "
+                     "U.AB1-P1-D1 (enclosure 1, slot 1)",
+                     "moved     drive U.AB1-P1-D2 (serial A): U.AB1-P1-D1 (enclosure 1, slot 1) -> "
+                     "U.AB1-P1-D2 (enclosure 1, slot 2)"}));
 }
 
 TEST(Diff, ADriveThatTookTheSlotOfAnotherMovedAndTheOtherIsGone)
 {
-    EXPECT_EQ(
-        changes(ofEnclosures(with({driveA, driveB})), ofEnclosures(with({in("-P1-D2", driveA)}))),
-        (Lines{"moved     drive U.AB1-P1-D2: U.AB1-P1-D1 -> U.AB1-P1-D2", "removed   drive U.AB1-P1-D2"}));
+    EXPECT_EQ(changes(ofEnclosures(with({driveA, driveB})), ofEnclosures(with({in("-P1-D2", driveA)}))),
+              (Lines{"moved     drive U.AB1-P1-D2 (serial A): U.AB1-P1-D1 (enclosure 1, slot 1) -> "
+                     "U.AB1-P1-D2 (enclosure 1, slot 2)",
+                     "removed   drive U.AB1-P1-D2 (enclosure 1, slot 2, serial B)"}));
 }
 
 TEST(Diff, AMoveTellsWhatElseChanged)
@@ -105,7 +123,8 @@ TEST(Diff, AMoveTellsWhatElseChanged)
     Drive changed = in("-P1-D5", driveA);
     changed.state = 2;
     EXPECT_EQ(changes(ofEnclosures(with({driveA})), ofEnclosures(with({changed}))),
-              Lines{"moved     drive U.AB1-P1-D5: U.AB1-P1-D1 -> U.AB1-P1-D5, "
+              Lines{"moved     drive U.AB1-P1-D5 (serial A): U.AB1-P1-D1 (enclosure 1, slot 1) -> "
+                    "U.AB1-P1-D5 (enclosure 1, slot 5), "
                     "Disk Space Characteristics ST 0 -> 2"});
 }
 
@@ -115,14 +134,17 @@ TEST(Diff, SerialNumbersThatSeveralDrivesShareTellNothing)
     const Drive blankB = {.slot = "-P1-D2", .serial = "0000"};
     EXPECT_EQ(changes(ofEnclosures(with({blankA, blankB})),
                       ofEnclosures(with({in("-P1-D3", blankA), in("-P1-D4", blankB)}))),
-              (Lines{"added     drive U.AB1-P1-D3", "added     drive U.AB1-P1-D4",
-                     "removed   drive U.AB1-P1-D1", "removed   drive U.AB1-P1-D2"}));
+              (Lines{"added     drive U.AB1-P1-D3 (enclosure 1, slot 3, serial 0000)",
+                     "added     drive U.AB1-P1-D4 (enclosure 1, slot 4, serial 0000)",
+                     "removed   drive U.AB1-P1-D1 (enclosure 1, slot 1, serial 0000)",
+                     "removed   drive U.AB1-P1-D2 (enclosure 1, slot 2, serial 0000)"}));
 }
 
 TEST(Diff, AddedAndRemovedDrives)
 {
     EXPECT_EQ(changes(ofEnclosures(with({driveA, driveB})), ofEnclosures(with({driveB, driveC}))),
-              (Lines{"added     drive U.AB1-P1-D3", "removed   drive U.AB1-P1-D1"}));
+              (Lines{"added     drive U.AB1-P1-D3 (enclosure 1, slot 3, serial C)",
+                     "removed   drive U.AB1-P1-D1 (enclosure 1, slot 1, serial A)"}));
 }
 
 TEST(Diff, AChangedValueTellsItsItem)
@@ -130,49 +152,56 @@ TEST(Diff, AChangedValueTellsItsItem)
     Drive failed = driveA;
     failed.state = 5;
     EXPECT_EQ(changes(ofEnclosures(with({driveA})), ofEnclosures(with({failed}))),
-              Lines{"changed   drive U.AB1-P1-D1: Disk Space Characteristics ST 0 -> 5"});
+              Lines{"changed   drive U.AB1-P1-D1 (enclosure 1, slot 1, serial A): Disk Space Characteristics "
+                    "ST 0 -> 5"});
 }
 
 TEST(Diff, ASerialNumberThatCameToLightIsAChange)
 {
-    EXPECT_EQ(changes(ofEnclosures(with({{.slot = "-P1-D1", .serial = ""}})), ofEnclosures(with({driveA}))),
-              Lines{"changed   drive U.AB1-P1-D1: Serial Number (empty) -> A"});
+    EXPECT_EQ(
+        changes(ofEnclosures(with({{.slot = "-P1-D1", .serial = ""}})), ofEnclosures(with({driveA}))),
+        Lines{"changed   drive U.AB1-P1-D1 (enclosure 1, slot 1, serial A): Serial Number (empty) -> A"});
 }
 
 TEST(Diff, AnAddedEnclosureIsOneLineWithItsParts)
 {
     const std::string before = ofEnclosures(with({driveA}));
     const std::string after = ofEnclosures(with({driveA}) + with({driveB, driveC}, second));
-    EXPECT_EQ(changes(before, after), Lines{"added     storage enclosure U.AB2: with 2 parts"});
-    EXPECT_EQ(changes(after, before), Lines{"removed   storage enclosure U.AB2: with 2 parts"});
+    EXPECT_EQ(changes(before, after),
+              Lines{"added     storage enclosure U.AB2 (enclosure 2, serial AB2): with 2 parts"});
+    EXPECT_EQ(changes(after, before),
+              Lines{"removed   storage enclosure U.AB2 (enclosure 2, serial AB2): with 2 parts"});
 }
 
 TEST(Diff, DrivesThatCameIntoANewEnclosureMoved)
 {
     EXPECT_EQ(changes(ofEnclosures(with({driveA, driveB})),
                       ofEnclosures(with({driveA}) + with({driveB, driveC}, second))),
-              (Lines{"added     storage enclosure U.AB2: with 1 part",
-                     "moved     drive U.AB2-P1-D2: U.AB1-P1-D2 -> U.AB2-P1-D2"}));
+              (Lines{"added     storage enclosure U.AB2 (enclosure 2, serial AB2): with 1 part",
+                     "moved     drive U.AB2-P1-D2 (serial B): U.AB1-P1-D2 (enclosure 1, slot 2) -> "
+                     "U.AB2-P1-D2 (enclosure 2, slot 2)"}));
 }
 
 TEST(Diff, AMovedEnclosureIsOneLineAndItsDrivesStay)
 {
     Enclosure elsewhere = first;
     elsewhere.location = "R-7";
-    EXPECT_EQ(changes(ofEnclosures(with({driveA, driveB})), ofEnclosures(with({driveA, driveB}, elsewhere))),
-              Lines{"moved     storage enclosure U.AB1: R-1 -> R-7"});
+    EXPECT_EQ(
+        changes(ofEnclosures(with({driveA, driveB})), ofEnclosures(with({driveA, driveB}, elsewhere))),
+        Lines{"moved     storage enclosure U.AB1 (serial AB1): R-1 (enclosure 1) -> R-7 (enclosure 7)"});
     elsewhere.id = "U.ELSEWHERE";
     EXPECT_EQ(changes(ofEnclosures(with({driveA, driveB})), ofEnclosures(with({driveA, driveB}, elsewhere))),
-              Lines{"moved     storage enclosure U.ELSEWHERE: U.AB1 -> U.ELSEWHERE"});
+              Lines{"moved     storage enclosure U.ELSEWHERE (serial AB1): U.AB1 (enclosure 1) -> "
+                    "U.ELSEWHERE (enclosure 7)"});
 }
 
 TEST(Diff, AnEnclosureThatTookThePlaceOfAnotherReplacedIt)
 {
     Enclosure spare = second;
     spare.location = first.location;
-    EXPECT_EQ(
-        changes(ofEnclosures(with({driveA})), ofEnclosures(with({driveA}, spare))),
-        Lines{"replaced  storage enclosure U.AB2: Plant of Manufature code and Serial Number AB1 -> AB2"});
+    EXPECT_EQ(changes(ofEnclosures(with({driveA})), ofEnclosures(with({driveA}, spare))),
+              Lines{"replaced  storage enclosure U.AB2 (enclosure 1): Plant of Manufature code and Serial "
+                    "Number AB1 -> AB2"});
 }
 
 /// The same enclosure and drive as two partitions see them.
@@ -188,10 +217,12 @@ std::string seenTwice(Drive drive)
 
 TEST(Diff, WhatTwoPartitionsSeeIsOneChange)
 {
-    EXPECT_EQ(changes(seenTwice(driveA), seenTwice({.slot = "-P1-D1", .serial = "NEW"})),
-              Lines{"replaced  drive U.AB1-P1-D1: Serial Number A -> NEW (listed 2 times)"});
+    EXPECT_EQ(
+        changes(seenTwice(driveA), seenTwice({.slot = "-P1-D1", .serial = "NEW"})),
+        Lines{"replaced  drive U.AB1-P1-D1 (enclosure 1, slot 1): Serial Number A -> NEW (listed 2 times)"});
     EXPECT_EQ(changes(seenTwice(driveA), seenTwice(in("-P1-D4", driveA))),
-              Lines{"moved     drive U.AB1-P1-D4: U.AB1-P1-D1 -> U.AB1-P1-D4 (listed 2 times)"});
+              Lines{"moved     drive U.AB1-P1-D4 (serial A): U.AB1-P1-D1 (enclosure 1, slot 1) -> "
+                    "U.AB1-P1-D4 (enclosure 1, slot 4) (listed 2 times)"});
 }
 
 std::string fan(const std::string& part)
@@ -208,7 +239,7 @@ TEST(Diff, FansThatAreListedForEachPartitionAreOne)
 {
     EXPECT_EQ(changes(ofEnclosures(rack(fan("F1"))), ofEnclosures(rack(fan("F1") + fan("F1")))), Lines{});
     EXPECT_EQ(changes(ofEnclosures(rack(fan("F1") + fan("F1"))), ofEnclosures(rack(fan("F2") + fan("F2")))),
-              Lines{"changed   fan tray R-A1: Part Number F1 -> F2"});
+              Lines{"changed   fan tray R-A1 (rack 1): Part Number F1 -> F2"});
 }
 
 TEST(Diff, AnEmptyElementIsNoPart)
@@ -218,7 +249,7 @@ TEST(Diff, AnEmptyElementIsNoPart)
                         property("SN", "Serial Number", serial) + property("YL", "L", id));
     };
     EXPECT_EQ(changes(ofEnclosures(rack(supply("R-E1", "A"))), ofEnclosures(rack(supply("", "")))),
-              Lines{"removed   power supply R-E1"});
+              Lines{"removed   power supply R-E1 (rack 1, serial A)"});
 }
 
 // --- Partitions and hosts
@@ -279,7 +310,8 @@ TEST(Diff, WhatThePartsRepeatOfThePartsAroundThemIsToldOnce)
                                       property("S4", "Storage Facility Image MTMS", in.image)));
     };
     EXPECT_EQ(changes(ofEnclosures(card(first)), ofEnclosures(card(other))),
-              Lines{"changed   storage enclosure U.AB1: Storage Facility Image MTMS IMAGE-1 -> IMAGE-9"});
+              Lines{"changed   storage enclosure U.AB1 (enclosure 1, serial AB1): Storage Facility Image "
+                    "MTMS IMAGE-1 -> IMAGE-9"});
 }
 
 TEST(Diff, PropertiesThatCameAndWent)
@@ -292,39 +324,128 @@ TEST(Diff, PropertiesThatCameAndWent)
         Lines{"changed   console Q: Part Number (none) -> (empty), Account Name me -> (none)"});
 }
 
+// --- What is told
+
+document::KindSet only(document::Kind kind)
+{
+    return document::KindSet().set(static_cast<size_t>(kind));
+}
+
+TEST(Diff, TellsTheKindsThatAreWanted)
+{
+    const std::string before = ofEnclosures(with({driveA}));
+    const std::string after = ofEnclosures(with({{.slot = "-P1-D1", .serial = "A", .level = "J2"}}) +
+                                           with({driveB, driveC}, second));
+    EXPECT_EQ(report(before, after, {}, only(document::Kind::storageEnclosure)),
+              "added     storage enclosure U.AB2 (enclosure 2, serial AB2): with 2 parts\n"
+              "1 change: 1 added\n");
+    // The drives of an enclosure that is not told are.
+    EXPECT_EQ(report(before, after, {}, only(document::Kind::drive)),
+              "changed   drive U.AB1-P1-D1 (enclosure 1, slot 1, serial A): EC Level J1 -> J2\n"
+              "added     drive U.AB2-P1-D2 (enclosure 2, slot 2, serial B)\n"
+              "added     drive U.AB2-P1-D3 (enclosure 2, slot 3, serial C)\n"
+              "3 changes: 2 added, 1 changed\n");
+    EXPECT_EQ(report(before, after, {}, only(document::Kind::host)), "");
+}
+
 // --- The report
+
+/// Two drives of a new level, of three, and one that is gone.
+struct Upgrade {
+    std::string before = ofEnclosures(with({driveA, driveB, driveC}));
+    std::string after = ofEnclosures(with({{.slot = "-P1-D1", .serial = "A", .level = "J2"},
+                                           {.slot = "-P1-D2", .serial = "B", .level = "J2"}}));
+};
 
 TEST(Report, CountsTheChanges)
 {
-    const auto found =
-        document::diff(parse(ofEnclosures(with({driveA, driveB}))),
-                       parse(ofEnclosures(with({{.slot = "-P1-D1", .serial = "NEW"}, driveB, driveC}))));
-    EXPECT_THAT(document::lines(found), testing::EndsWith("\n2 changes: 1 added, 1 replaced\n"));
+    EXPECT_THAT(report(Upgrade().before, Upgrade().after),
+                testing::EndsWith("\n3 changes: 1 removed, 2 changed\n"));
+}
+
+TEST(Report, GroupsWhatIsIdenticalButForThePart)
+{
+    EXPECT_EQ(report(Upgrade().before, Upgrade().after, {.grouped = true}),
+              "changed   2 drives (enclosure 1): EC Level J1 -> J2\n"
+              "removed   drive U.AB1-P1-D3 (enclosure 1, slot 3, serial C)\n"
+              "3 changes: 1 removed, 2 changed\n");
+    // Each drive's way is its own.
+    const std::string moved = ofEnclosures(with({in("-P1-D8", driveA), in("-P1-D9", driveB), driveC}));
+    EXPECT_EQ(splitLines(report(Upgrade().before, moved, {.grouped = true})).size(), 3U);
+}
+
+TEST(Report, ColoursTheWordAlone)
+{
+    EXPECT_THAT(report(Upgrade().before, Upgrade().after, {.colored = true}),
+                testing::HasSubstr("\n\x1b[31mremoved\x1b[0m   drive U.AB1-P1-D3 (enclosure 1"));
+}
+
+TEST(Report, SummarizesByKind)
+{
+    const auto summary = [](const std::string& before, const std::string& after) {
+        const document::Document old = parse(before);
+        const document::Document now = parse(after);
+        std::string text;
+        document::writeSummary(document::diff(old, now), [&](std::string_view piece) { text += piece; });
+        return text;
+    };
+    EXPECT_EQ(summary(Upgrade().before,
+                      ofEnclosures(
+                          with({driveA, driveB, {.slot = "-P1-D3", .serial = "NEW"}, in("-P1-D4", driveC)}) +
+                          with({}, second))),
+              "storage enclosures  1 added\n"
+              "drives              1 added, 1 moved\n"
+              "3 changes: 2 added, 1 moved\n");
+    EXPECT_EQ(summary(Upgrade().before, Upgrade().before), "");
 }
 
 TEST(Report, ShowsNoControlCharacters)
 {
-    const std::string text = document::lines(
-        document::diff(parse(ofEnclosures("")), parse(ofEnclosures(resource("Quay", "\x1b[2J\xFF", "")))));
-    EXPECT_THAT(text, testing::StartsWith("added     console \\x1B[2J\\xFF\n"));
+    EXPECT_THAT(report(ofEnclosures(""), ofEnclosures(resource("Quay", "\x1b[2J\xFF\xE2\x80\xAE", ""))),
+                testing::StartsWith("added     console \\x1B[2J\\xFF\\u{202E}\n"));
+}
+
+nlohmann::json jsonOf(const std::string& before, const std::string& after, bool summary = false)
+{
+    const document::Document old = parse(before);
+    const document::Document now = parse(after);
+    std::string text;
+    const auto write = [&](std::string_view piece) { text += piece; };
+    const document::Changes changes = document::diff(old, now);
+    if (summary)
+        document::writeJsonSummary(changes, write);
+    else
+        document::writeJson(changes, write);
+    return nlohmann::json::parse(text);
 }
 
 TEST(Report, IsJsonForPrograms)
 {
-    const auto found = document::diff(
-        parse(ofEnclosures(with({driveA, driveB}))),
-        parse(ofEnclosures(with({{.slot = "-P1-D1", .serial = "N\"\x01"}, in("-P1-D8", driveB)}))));
-    const auto json = nlohmann::json::parse(document::json(found, "old.xml", "new.xml"));
-    EXPECT_EQ(json["old"], "old.xml");
-    EXPECT_EQ(json["new"], "new.xml");
+    const std::string before = ofEnclosures(with({driveA, driveB}));
+    const auto json =
+        jsonOf(before, ofEnclosures(with({{.slot = "-P1-D1", .serial = "N\"\x01"}, in("-P1-D8", driveB)})));
+    EXPECT_EQ(json["old"], "test.xml");
+    EXPECT_EQ(json["new"], "test.xml");
+    EXPECT_EQ(json["complete"], true);
+    EXPECT_EQ(json["missing"], nlohmann::json::array());
     ASSERT_EQ(json["changes"].size(), 2U);
     EXPECT_EQ(json["changes"][0], nlohmann::json::parse(R"({"change": "replaced", "kind": "drive",
-        "name": "OSK Physical Disk Drive", "id": "U.AB1-P1-D1", "parts": 0, "listed": 1,
-        "values": [{"code": "SN", "label": "Serial Number", "old": "A", "new": "N\"\u0001"}]})"));
-    EXPECT_EQ(json["changes"][1]["change"], "moved");
-    EXPECT_EQ(json["changes"][1]["from"], "U.AB1-P1-D2");
-    EXPECT_EQ(json["changes"][1]["to"], "U.AB1-P1-D8");
-    EXPECT_EQ(nlohmann::json::parse(document::json({}, "a", "b"))["changes"], nlohmann::json::array());
+        "name": "OSK Physical Disk Drive", "id": "U.AB1-P1-D1", "enclosure": 1, "slot": 1, "serial": "N\"\u0001",
+        "parts": 0, "listed": 1,
+        "values": [{"code": "SN", "label": "Serial Number", "column": "serial", "old": "A",
+                    "new": "N\"\u0001"}]})"));
+    EXPECT_EQ(json["changes"][1], nlohmann::json::parse(R"({"change": "moved", "kind": "drive",
+        "name": "OSK Physical Disk Drive", "id": "U.AB1-P1-D8", "enclosure": 1, "slot": 8, "serial": "B",
+        "from": "U.AB1-P1-D2", "to": "U.AB1-P1-D8", "old_enclosure": 1, "old_slot": 2,
+        "parts": 0, "listed": 1, "values": []})"));
+    EXPECT_EQ(jsonOf(before, before)["changes"], nlohmann::json::array());
+}
+
+TEST(Report, IsASummaryInJson)
+{
+    EXPECT_EQ(jsonOf(Upgrade().before, Upgrade().after, true)["summary"],
+              nlohmann::json::parse(R"({"drive": {"removed": 1, "changed": 2}})"));
+    EXPECT_EQ(jsonOf(Upgrade().before, Upgrade().before, true)["summary"], nlohmann::json::object());
 }
 
 } // namespace

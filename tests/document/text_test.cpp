@@ -1,4 +1,4 @@
-// Times, and the two properties that hold many values.
+// Times and hosts.
 
 #include "document/document.h"
 #include "document/hosts.h"
@@ -27,14 +27,6 @@ TEST(Hosts, AreReadWithWhateverIsInTheirDescriptions)
     EXPECT_EQ(parseHosts("web,"), std::nullopt);
     EXPECT_EQ(parseHosts("web=x,"), std::nullopt);
     EXPECT_EQ(parseHosts("web=99999999999999999999,"), std::nullopt);
-}
-
-TEST(NamedValues, AreReadWithTheCommasOfTheirValues)
-{
-    EXPECT_EQ(parseNamedValues(""), NamedValues{});
-    EXPECT_EQ(parseNamedValues("AN=1,AC=6+P,7+P,RP=,"),
-              (NamedValues{{"AN", "1"}, {"AC", "6+P,7+P"}, {"RP", ""}}));
-    EXPECT_EQ(parseNamedValues("none"), std::nullopt);
 }
 
 } // namespace

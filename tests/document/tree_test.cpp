@@ -12,6 +12,13 @@ namespace
 using namespace kordTest;
 using document::Lines;
 
+std::string tree(const document::Document& document, Lines lines)
+{
+    std::string text;
+    document::writeTree(document, lines, [&](std::string_view piece) { text += piece; });
+    return text;
+}
+
 const std::string twoDrives = ofEnclosures(enclosure({.id = "U.AB1", .serial = "AB1", .location = "R-1"},
                                                      drive("U.AB1", {.slot = "-D1", .serial = "A"}) +
                                                          drive("U.AB1", {.slot = "-D10", .serial = "LONG"})) +
@@ -20,7 +27,7 @@ const std::string twoDrives = ofEnclosures(enclosure({.id = "U.AB1", .serial = "
 TEST(Tree, AlignsWhatStandsTogether)
 {
     EXPECT_EQ(
-        document::tree(parse(twoDrives), Lines::ascii),
+        tree(parse(twoDrives), Lines::ascii),
         "SYSTEM-1 of storage facility FACILITY, collected 2026-11-21 13:41:03 UTC\n"
         "1 storage enclosure, 2 drives, 1 console\n"
         "|-- Storage Enclosure  U.AB1  S4 IMAGE-1  R1 R-1  TM 1234-5X6  SG AB1\n"
@@ -32,23 +39,34 @@ TEST(Tree, AlignsWhatStandsTogether)
 
 TEST(Tree, DrawsLinesWhereTheTerminalHasThem)
 {
-    EXPECT_THAT(document::tree(parse(twoDrives), Lines::unicode), testing::HasSubstr("│       └── OSK"));
+    EXPECT_THAT(tree(parse(twoDrives), Lines::unicode), testing::HasSubstr("│       └── OSK"));
 }
 
 TEST(Tree, ShowsValuesOnOneLineAndWithoutControlCharacters)
 {
-    const std::string text = document::tree(
-        parse(ofPartitions(resource("a\x1b[31m\nb", "P",
-                                    property("NN", "WWNN", std::string(300, 'w')) + hosts("a=1,b=2,")))),
-        Lines::ascii);
+    const std::string text =
+        tree(parse(ofPartitions(resource("a\x1b[31m\nb", "P",
+                                         property("NN", "WWNN", std::string(300, 'w')) + hosts("a=1,b=2,")))),
+             Lines::ascii);
     EXPECT_THAT(
         text, testing::HasSubstr("`-- a\\x1B[31m\\nb  P  NN " + std::string(97, 'w') + "...  U2 2 hosts\n"));
+}
+
+TEST(Tree, IsNoWiderForALongIdentifier)
+{
+    const std::string huge(1'000'000, 'i');
+    std::string siblings = resource("Quay", huge, property("AC", "Account Name", "me"));
+    for (int i = 0; i < 100; ++i)
+        siblings += resource("Quay", "Q", property("AC", "Account Name", "me"));
+    const std::string text = tree(parse(ofEnclosures(siblings)), Lines::ascii);
+    EXPECT_THAT(text, testing::HasSubstr("|-- Quay  " + std::string(97, 'i') + "...  AC me\n"));
+    EXPECT_LT(text.size(), 20'000U);
 }
 
 TEST(Tree, CountsAPartThatTwoPartitionsSeeOnce)
 {
     const std::string shared = enclosure({.id = "E", .serial = "S", .location = "R-1"}, "");
-    EXPECT_THAT(document::tree(parse(ofEnclosures(shared + shared)), Lines::ascii),
+    EXPECT_THAT(tree(parse(ofEnclosures(shared + shared)), Lines::ascii),
                 testing::HasSubstr("\n1 storage enclosure\n"));
 }
 

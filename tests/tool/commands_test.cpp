@@ -140,6 +140,30 @@ TEST_F(Commands, ARenamedHostIsOneChange)
     EXPECT_EQ(lines[1], "changed   host web-06 of SF00XY123Tarn02: Host Inventory web-06=3 -> web-07=3");
 }
 
+TEST_F(Commands, DiffTellsWhatIsAskedFor)
+{
+    const fs::path old = collect("old");
+    const fs::path now = collect("new", [](json& facility) {
+        replaceDrive(facility);
+        addHost(facility);
+        for (json& drive : facility["resources"]["Orvik.TarnDDM"])
+            if (drive["serialNumber"] != "WKREPLACED") drive["firmwareLevel"] = "Z1";
+    });
+    const Outcome summary = run({"diff", "--summary", old, now});
+    EXPECT_EQ(summary.status, 1);
+    EXPECT_EQ(summary.output, "drives  1 replaced, 127 changed\n"
+                              "hosts   1 added\n"
+                              "129 changes: 1 added, 1 replaced, 127 changed\n");
+    const Outcome hosts = run({"diff", "--kind", "hosts", old, now});
+    EXPECT_THAT(hosts.output, testing::StartsWith("added     host newcomer of SF00XY123Tarn01: "));
+    EXPECT_THAT(hosts.output, testing::EndsWith("\n1 change: 1 added\n"));
+    EXPECT_EQ(run({"diff", "--kind", "racks", old, now}).status, 0);
+    const Outcome grouped = run({"diff", "--group", "--kind", "drive", old, now});
+    EXPECT_LT(kordTest::splitLines(grouped.output).size(), 10U) << grouped.output;
+    const Outcome colored = run({"diff", "--color", "always", "--kind", "host", old, now});
+    EXPECT_THAT(colored.output, testing::StartsWith("\x1b[32madded\x1b[0m     host "));
+}
+
 TEST_F(Commands, DiffPrintsJson)
 {
     const Outcome outcome = run({"diff", "--json", collect("old"), collect("new", replaceDrive)});
@@ -192,6 +216,8 @@ TEST_F(Commands, TroubleIsOneLineAndStatus2)
         {{"diff", good, bad}, bad + ":2: "},
         {{"diff", bad, good}, bad + ":2: "},
         {{"diff", good}, "NEW is required"},
+        {{"diff", "--kind", "drvies", good, good},
+         "no kind of part is called \"drvies\": did you mean \"drives\"?"},
         {{"follow"}, "TRACE is required"},
         {{"follow", "/"}, "/: "},
     };
