@@ -43,9 +43,10 @@ std::string placeOf(const KindRow& row)
 std::vector<Kind> knownKinds(const std::string& word)
 {
     std::vector<Kind> found = kindsOf(word);
-    if (found.empty())
-        throw platform::Failure("no kind \"" + word + '"' + platform::didYouMean(word, kindWords()));
-    return found;
+    if (!found.empty()) return found;
+    const std::string meant = platform::didYouMean(word, kindWords());
+    throw platform::Failure("no kind \"" + word + '"' +
+                            (meant.empty() ? ": \"kord kinds\" lists them" : meant));
 }
 
 void listKinds(const Write& write)

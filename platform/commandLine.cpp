@@ -112,12 +112,13 @@ void refuseUnknownOptions(const Command& command, const std::vector<std::string>
     throw Failure(std::string(command.name) + " has no option " + inQuotes(name) + didYouMean(name, known));
 }
 
-void takeArguments(const Command& command, std::vector<std::string> given)
+void takeArguments(const Program& program, const Command& command, std::vector<std::string> given)
 {
     size_t taken = 0;
     for (const Argument& argument : command.arguments) {
         const bool there = taken < given.size();
-        if (!there && argument.required) throw Failure(std::string(argument.name) + " is required");
+        if (!there && argument.required)
+            throw Failure(std::string(argument.name) + " is required: " + briefUsage(program, command));
         if (!there) break;
         if (auto* const* several = std::get_if<std::vector<std::string>*>(&argument.into)) {
             (*several)->assign(given.begin() + static_cast<std::ptrdiff_t>(taken), given.end());
@@ -127,7 +128,7 @@ void takeArguments(const Command& command, std::vector<std::string> given)
         }
     }
     if (taken < given.size())
-        throw Failure(std::string(command.name) + " takes no further argument: " + inQuotes(given[taken]));
+        throw Failure(inQuotes(given[taken]) + " is one too many: " + briefUsage(program, command));
 }
 
 /// Whether all words between the commas are among those that are offered for the option.
@@ -188,7 +189,7 @@ std::vector<std::string> takeOptions(const Command& command, std::vector<std::st
 }
 
 /// Everything behind "--" is no option, whatever it looks like.
-void parse(const Command& command, const std::vector<std::string>& given)
+void parse(const Program& program, const Command& command, const std::vector<std::string>& given)
 {
     const auto mark = std::ranges::find(given, "--");
     std::vector<std::string> arguments = takeOptions(command, {given.begin(), mark});
@@ -197,7 +198,7 @@ void parse(const Command& command, const std::vector<std::string>& given)
         arguments.insert(arguments.end(), behind.begin(), behind.end());
     else
         *command.program = behind;
-    takeArguments(command, std::move(arguments));
+    takeArguments(program, command, std::move(arguments));
     if (command.program != nullptr && command.needsProgram && behind.empty())
         throw Failure("there is no program to run: name it after --");
 }
@@ -229,7 +230,7 @@ int runCommand(const Program& program, const Command& command, const std::vector
         print(helpOf(program, command));
         return 0;
     }
-    parse(command, given);
+    parse(program, command, given);
     return command.run();
 }
 

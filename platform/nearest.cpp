@@ -30,6 +30,14 @@ size_t distance(std::string_view one, std::string_view other)
     return row.back();
 }
 
+std::string lower(std::string_view text)
+{
+    std::string plain(text);
+    for (char& letter : plain)
+        letter = letter >= 'A' && letter <= 'Z' ? static_cast<char>(letter - 'A' + 'a') : letter;
+    return plain;
+}
+
 } // namespace
 
 std::string nearest(std::string_view word, const std::vector<std::string>& known)
@@ -37,11 +45,13 @@ std::string nearest(std::string_view word, const std::vector<std::string>& known
     constexpr size_t longest = 64; // no known word is near to a longer one
     constexpr size_t shortest = 3; // two letters may be anything
     if (word.size() < shortest || word.size() > longest) return "";
+    const std::string typed = lower(word);
     std::string best;
     size_t least = word.size() / 3 + 2;
     for (const std::string& candidate : known) {
-        const bool begun = candidate.starts_with(word);
-        const size_t away = begun ? 0 : distance(word, candidate);
+        const std::string plain = lower(candidate);
+        const bool begun = plain.starts_with(typed);
+        const size_t away = begun ? 0 : distance(typed, plain);
         if (away >= least || away >= candidate.size()) continue;
         least = away;
         best = candidate;

@@ -116,6 +116,15 @@ std::string entryOf(const Option& option)
 
 } // namespace
 
+std::string briefUsage(const Program& program, const Command& command)
+{
+    std::string text = std::string(program.name) + ' ' + std::string(command.name);
+    if (!command.options.empty()) text += " [OPTION]...";
+    for (const Argument& argument : command.arguments)
+        text += ' ' + usageOf(argument);
+    return text + (command.program == nullptr ? "" : " -- PROGRAM [ARGUMENT]...");
+}
+
 std::vector<std::string> choicesOf(const Option& option)
 {
     if (option.value.find('|') == std::string_view::npos) return {};

@@ -15,6 +15,9 @@ std::string helpOf(const Program& program);
 /// A command's usage, arguments and options.
 std::string helpOf(const Program& program, const Command& command);
 
+/// A command's arguments in one line: "kord list [OPTION]... KIND FILE...".
+std::string briefUsage(const Program& program, const Command& command);
+
 /// The words that a choice of words offers; none where the value is something else.
 std::vector<std::string> choicesOf(const Option& option);
 

@@ -5,9 +5,8 @@
 #include "output.h"
 
 #include "document/diff.h"
+#include "document/reference.h"
 #include "document/report.h"
-#include "platform/failure.h"
-#include "platform/nearest.h"
 
 #include <memory>
 #include <string>
@@ -33,12 +32,8 @@ struct Options {
 document::KindSet kindSetOf(const std::string& word)
 {
     document::KindSet kinds;
-    for (const document::Kind kind : document::kindsOf(word))
+    for (const document::Kind kind : document::knownKinds(word))
         kinds.set(static_cast<size_t>(kind));
-    if (kinds.none()) {
-        throw platform::Failure("no kind of part is called \"" + word + '"' +
-                                platform::didYouMean(word, document::kindWords()));
-    }
     return word == "all" ? kinds.set() : kinds; // with what has no word of its own
 }
 

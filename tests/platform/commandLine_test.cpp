@@ -187,8 +187,8 @@ TEST(CommandLine, SaysWhatIsWrongInOneLine)
         {{"list", "--wher", "a=b"}, 2, "list has no option \"--wher\": did you mean \"--where\"?"},
         {{"list", "--col=x"}, 2, "list has no option \"--col\": did you mean \"--color\"?"},
         {{"list", "-x", "drives", "x"}, 2, "list has no option \"-x\""},
-        {{"list"}, 2, "KIND is required"},
-        {{"list", "drives"}, 2, "FILE is required"},
+        {{"list"}, 2, "KIND is required: sample list [OPTION]... KIND FILE..."},
+        {{"list", "drives"}, 2, "FILE is required: sample list [OPTION]... KIND FILE..."},
         {{"list", "a", "b", "--color", "alway"},
          2,
          "--color: \"alway\" is none of auto|always|never: did you mean \"always\"?"},
@@ -197,7 +197,9 @@ TEST(CommandLine, SaysWhatIsWrongInOneLine)
         {{"list", "a", "b", "-n", "-1"}, 2, "--count: \"-1\" is no number from 1 to 8"},
         {{"list", "a", "b", "-n", "4294967297"}, 2, "--count: \"4294967297\" is no number from 1 to 8"},
         {{"list", "a", "b", "--where"}, 2, "--where: 1 required WHAT missing"},
-        {{"start", "x", "--", "p"}, 125, "start takes no further argument: \"x\""},
+        {{"start", "x", "--", "p"},
+         125,
+         "\"x\" is one too many: sample start [OPTION]... -- PROGRAM [ARGUMENT]..."},
         {{"start"}, 125, "there is no program to run: name it after --"},
         {{"start", "--"}, 125, "there is no program to run: name it after --"},
         {{"list", "--\x1b[31m", "a", "b"}, 2, "list has no option \"--\\x1B[31m\""},
@@ -324,6 +326,7 @@ TEST(Nearest, IsAWordWithFewMistakesOrTheStartOfOne)
     EXPECT_EQ(nearest("xlm", words), "xml");
     EXPECT_EQ(nearest("hist", words), "history");
     EXPECT_EQ(nearest("explian", words), "explain");
+    EXPECT_EQ(nearest("LIST", words), "list");
     EXPECT_EQ(nearest("drives", words), "");
     EXPECT_EQ(nearest("", words), "");
     EXPECT_EQ(nearest(std::string(1'000'000, 'l'), words), "");

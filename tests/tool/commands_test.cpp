@@ -217,7 +217,7 @@ TEST_F(Commands, TroubleIsOneLineAndStatus2)
         {{"diff", bad, good}, bad + ":2: "},
         {{"diff", good}, "NEW is required"},
         {{"diff", "--kind", "drvies", good, good},
-         "no kind of part is called \"drvies\": did you mean \"drives\"?"},
+         "no kind \"drvies\": did you mean \"drives\"?"},
         {{"follow"}, "TRACE is required"},
         {{"follow", "/"}, "/: "},
     };
