@@ -212,14 +212,14 @@ int32_t parseOutput(const kordRec* pKordRec, const char* Filename, int32_t* xarg
 
     const size_t newlines = static_cast<size_t>(std::count(text, text + size, '\n'));
     const size_t entries = std::max<size_t>(newlines, 1);
-    char** lines = static_cast<char**>(malloc(entries * sizeof *lines));
-    if (lines == nullptr) {
+    char** starts = static_cast<char**>(malloc(entries * sizeof *starts));
+    if (starts == nullptr) {
         free(text);
         return 1;
     }
-    splitLines(text, size, lines, entries);
+    splitLines(text, size, starts, entries);
     *xargc = static_cast<int32_t>(newlines);
-    *xargv = lines;
+    *xargv = starts;
     return 0;
 }
 

@@ -241,7 +241,9 @@ TEST_F(TraceLog, cutsThroughNoLink)
 
 TEST_F(TraceLog, removesThroughTheWrapper)
 {
-    const std::string journal = std::string(getenv("KORD_CONSOLE_ROOT")) + "/journal.jsonl";
+    const char* root = getenv("KORD_CONSOLE_ROOT");
+    ASSERT_NE(root, nullptr);
+    const std::string journal = std::string(root) + "/journal.jsonl";
     const size_t before = unit::readFile(journal).size();
     unit::writeFile(path, grownLog(100, 3'010'001));
     addTrcKord(name.c_str(), "0100", "text");

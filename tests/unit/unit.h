@@ -96,7 +96,7 @@ std::string written(kordRec& record, Write write)
     write(&record);
     fclose(record.inp);
     record.inp = nullptr;
-    const std::string result(text, size);
+    std::string result(text, size);
     free(text);
     return result;
 }
