@@ -17,8 +17,8 @@ namespace
 
 constexpr size_t block = size_t{256} << 10U;
 constexpr size_t longestHeadLine = 4096;
-constexpr uint64_t mostTagLines = 16; ///< a name and an identifier may hold line feeds
-constexpr size_t deepest = 32;        ///< documents are 7 elements deep
+constexpr size_t longestTag = 1024; ///< of several lines: a name and an identifier may hold line feeds
+constexpr size_t deepest = 32;      ///< documents are 7 elements deep
 
 std::string quoted(std::string_view text)
 {
@@ -413,37 +413,51 @@ bool Scanner::property()
 bool Scanner::readTag(Tag& tag)
 {
     Stretch text = {.from = 0, .to = 0};
-    for (tag.lines = 1; tag.lines <= mostTagLines; ++tag.lines) {
+    for (tag.lines = 1; text.to <= longestTag; ++tag.lines) {
         if (!lineAt(text.from, text)) return false;
+        if (tag.lines > 1 && at(text).starts_with(resourceName)) return false; // that is the next one
         const Stretch inner = {.from = resourceName.size(), .to = text.to - tagEnd.size()};
         if (text.to >= resourceName.size() + tagEnd.size() && at(text).ends_with(tagEnd)) {
-            if (writtenTwice(inner, tag)) return true;
-            if (tag.lines == 1 && mendedTag(inner, tag)) return true;
+            if (tag.lines == 1 ? writtenInALine(inner, tag) || mendedTag(inner, tag)
+                               : writtenInLines(inner, tag))
+                return true;
         }
         text.from = text.to + 1;
     }
     return false;
 }
 
-/// The lines behind a tag repeat the identifier, which tells where in the tag it begins.
-bool Scanner::writtenTwice(Stretch inner, Tag& tag)
+/// The line behind a tag repeats the identifier, which tells where in the tag it begins.
+bool Scanner::writtenInALine(Stretch inner, Tag& tag)
 {
-    const size_t from = inner.to + tagEnd.size() + 1;
-    Stretch text = {.from = from, .to = from};
-    for (uint64_t lines = 1; lines <= tag.lines; ++lines) {
-        if (!lineAt(text.from, text)) return false;
-        const size_t length = text.to - from;
-        if (length + idName.size() > inner.size()) return false;
-        const Stretch id = {.from = inner.to - length, .to = inner.to};
-        const Stretch before = {.from = id.from - idName.size(), .to = id.from};
-        const Stretch idLine = {.from = from, .to = text.to};
-        if (at(before) == idName && at(id) == at(idLine)) {
-            tag = {{inner.from, before.from}, id, idLine, tag.lines + lines, text.to + 1};
-            return true;
-        }
-        text.from = text.to + 1;
+    Stretch text;
+    if (!lineAt(inner.to + tagEnd.size() + 1, text) || text.size() > inner.size()) return false;
+    return isSplit(inner, inner.to - text.size(), tag);
+}
+
+/// The lines behind it do.
+bool Scanner::writtenInLines(Stretch inner, Tag& tag)
+{
+    have(inner.to + tagEnd.size() + 1 + inner.size() + 1);
+    for (size_t name = at(inner).find(idName); name != std::string_view::npos;
+         name = at(inner).find(idName, name + 1)) {
+        if (isSplit(inner, inner.from + name + idName.size(), tag)) return true;
     }
     return false;
+}
+
+/// Whether the identifier begins there.
+bool Scanner::isSplit(Stretch inner, size_t id, Tag& tag)
+{
+    const size_t behind = inner.to + tagEnd.size() + 1;
+    const Stretch idLine = {.from = behind, .to = behind + inner.to - id};
+    if (id < inner.from + idName.size() || first + idLine.to >= last || bytes[first + idLine.to] != '\n')
+        return false;
+    const Stretch before = {.from = id - idName.size(), .to = id};
+    if (at(before) != idName || at({id, inner.to}) != at(idLine)) return false;
+    const auto feeds = static_cast<uint64_t>(std::ranges::count(at(idLine), '\n'));
+    tag = {{inner.from, before.from}, {id, inner.to}, idLine, tag.lines + feeds + 1, idLine.to + 1};
+    return true;
 }
 
 /// Where references stand in a tag, the lines behind it mean the same and need not look the same.
@@ -458,7 +472,7 @@ bool Scanner::mendedTag(Stretch inner, Tag& tag)
     const size_t from = inner.to + tagEnd.size() + 1;
     Stretch text = {.from = from, .to = from};
     for (uint64_t read = 0; read < lines; ++read, text.from = text.to + 1) {
-        if (lines > mostTagLines || !lineAt(text.from, text)) return false;
+        if (lines > longestTag || !lineAt(text.from, text)) return false;
     }
     const Stretch idLine = {.from = from, .to = text.to};
     std::string lineMeant;
@@ -473,17 +487,13 @@ bool Scanner::otherIdentifier(Stretch text, Tag& tag)
 {
     const Stretch inner = {.from = resourceName.size(), .to = text.to - tagEnd.size()};
     if (text.to < resourceName.size() + tagEnd.size() || !at(text).ends_with(tagEnd)) return false;
-    const size_t name = at(inner).rfind(idName);
     Stretch next;
-    if (name == std::string_view::npos || !lineAt(text.to + 1, next)) return false;
+    const bool lines = lineAt(text.to + 1, next);
+    const size_t name = at(inner).rfind(idName);
+    if (!lines || name == std::string_view::npos) return false;
     const Stretch id = {.from = inner.from + name + idName.size(), .to = inner.to};
-    const bool repeated = !at(next).starts_with('<');
-    tag = {{inner.from, inner.from + name},
-           id,
-           repeated ? next : id,
-           repeated ? 2U : 1U,
-           repeated ? next.to + 1 : next.from};
-    find("the line behind this tag is not its identifier");
+    const bool other = !at(next).starts_with('<');
+    tag = {{inner.from, inner.from + name}, id, id, other ? 2U : 1U, other ? next.to + 1 : next.from, false};
     return true;
 }
 
@@ -556,7 +566,8 @@ bool Scanner::mayFollow(size_t from)
         may = nextProperty(from);
     else if (startsWith(from, listName))
         may = lineAt(from, text) && at(text).ends_with(tagEnd) &&
-              (startsWith(text.to + 1, resourceName) || isLine(text.to + 1, words::listEnd));
+              (startsWith(text.to + 1, resourceName) || isLine(text.to + 1, words::listEnd) ||
+               isLine(text.to + 1, incomplete));
     else if (inDrawer() && isLine(from, words::listEnd))
         may = isLine(from + words::listEnd.size() + 1, words::resourceEnd);
     else

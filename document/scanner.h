@@ -158,7 +158,9 @@ private:
 
     // What an element's lines say
     bool readTag(Tag& tag);
-    bool writtenTwice(Stretch inner, Tag& tag);
+    bool writtenInALine(Stretch inner, Tag& tag);
+    bool writtenInLines(Stretch inner, Tag& tag);
+    bool isSplit(Stretch inner, size_t id, Tag& tag);
     bool mendedTag(Stretch inner, Tag& tag);
     bool otherIdentifier(Stretch firstLine, Tag& tag);
     bool readHead(size_t from, Head& head);

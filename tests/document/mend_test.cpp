@@ -1,15 +1,23 @@
 // Mended documents: what changes and what does not.
 
+#include "consoleRun.h"
+#include "document/kind.h"
 #include "document/mend.h"
+#include "mendedDocument.h"
+#include "process.h"
 #include "writing.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <random>
+#include <regex>
+#include <set>
 
 namespace
 {
 
 using namespace kordTest;
+using Texts = std::vector<std::string>;
 
 std::string mended(const std::string& text)
 {
@@ -122,6 +130,86 @@ TEST(Mend, MendingAgainChangesNothing)
     for (size_t length = whole.find("<Resource "); length <= whole.size(); ++length) {
         const std::string once = mended(whole.substr(0, length));
         EXPECT_EQ(mended(once), once) << length;
+    }
+}
+
+// --- The schema, and what parsers of XML make of mended documents
+
+Texts enumerated(const std::string& schema, const std::string& type)
+{
+    const size_t from = schema.find("<xs:simpleType name=\"" + type + '"');
+    const std::string part = schema.substr(from, schema.find("</xs:simpleType>", from) - from);
+    static const std::regex value("<xs:enumeration value=\"([^\"]*)\"");
+    Texts values;
+    for (std::sregex_iterator at(part.begin(), part.end(), value), end; at != end; ++at)
+        values.push_back((*at)[1]);
+    return values;
+}
+
+TEST(Schema, KnowsTheWordsOfTheTableOfParts)
+{
+    const std::string schema =
+        kordTest::readFile(KORD_SOURCE_DIR "/document/schema/kord-document.xsd").value();
+    std::set<std::string> codes;
+    std::set<std::string> labels;
+    std::set<std::string> lists;
+    for (const document::KindRow& kind : document::kinds) {
+        if (!kind.list.empty()) lists.emplace(kind.list);
+        for (const document::PropertyRow& property : kind.properties) {
+            codes.emplace(property.code);
+            if (property.order == document::Order::reversed) labels.emplace(property.label);
+        }
+    }
+    EXPECT_THAT(enumerated(schema, "KnownCode"), testing::UnorderedElementsAreArray(codes));
+    EXPECT_THAT(enumerated(schema, "KnownLabel"), testing::UnorderedElementsAreArray(labels));
+    EXPECT_THAT(enumerated(schema, "KnownList"), testing::UnorderedElementsAreArray(lists));
+}
+
+TEST(Mend, EveryDocumentCutAnywhereIsValid)
+{
+    const std::string whole = ofEnclosures(
+        resource("CEC", "C",
+                 listStart + resource("1\n2", "\"1\"", "") + listStart + resource("2", "", "") + listEnd) +
+        resource("CEC", "D", listEnd) +
+        enclosure({.id = "E", .serial = "<&>", .location = "R"},
+                  drive("E", {.slot = "\n", .serial = "\xFF"})));
+    for (size_t length = whole.find("<Resource "); length <= whole.size(); ++length)
+        ASSERT_EQ(mendDocument(whole.substr(0, length)).faults, Texts{}) << length;
+}
+
+/// Documents in which lines are lost, come twice or change places.
+TEST(Mend, EveryDocumentInDisorderIsValid)
+{
+    const std::string whole =
+        ofEnclosures(resource("CEC", "C", listStart + resource("1", "1", "") + listEnd) +
+                     resource("Quay", "Q", property("S3", "L", "1") + property("DS", "L", "2")));
+    const Texts lines = splitLines(whole);
+    std::mt19937 random(1);
+    for (int round = 0; round < 3000; ++round) {
+        Texts changed = lines;
+        for (size_t changes = 1 + random() % 4; changes > 0; --changes) {
+            const size_t at = 4 + random() % (changed.size() - 4);
+            const size_t other = 4 + random() % (changed.size() - 4);
+            switch (random() % 3) {
+            case 0:
+                changed.erase(changed.begin() + static_cast<std::ptrdiff_t>(at));
+                break;
+            case 1:
+                changed.insert(changed.begin() + static_cast<std::ptrdiff_t>(at), changed[other]);
+                break;
+            default:
+                std::swap(changed[at], changed[other]);
+            }
+        }
+        std::string text;
+        for (const std::string& line : changed)
+            text += line + '\n';
+        Texts faults = mendDocument(text).faults;
+        // What the text lines say, no schema can see.
+        std::erase_if(faults, [](const std::string& fault) {
+            return fault.ends_with("is not repeated") || fault == "changed although nothing was wrong";
+        });
+        ASSERT_EQ(faults, Texts{}) << text;
     }
 }
 

@@ -261,6 +261,13 @@ TEST(Scanner, TellsNameAndIdentifierApart)
     }
 }
 
+TEST(Scanner, ANameAndAnIdentifierMayBeAllLineFeeds)
+{
+    const std::string feeds(100, '\n');
+    EXPECT_THAT(scan(ofPartitions(resource(feeds, feeds, ""))).events,
+                testing::Contains("resource " + feeds + "|" + feeds));
+}
+
 TEST(Scanner, AMendedTagNeedNotLookLikeItsIdentifier)
 {
     const std::string text =

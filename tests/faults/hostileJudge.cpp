@@ -7,6 +7,7 @@
 #include "documentReader.h"
 #include "hostileValues.h"
 #include "judge.h"
+#include "mendedDocument.h"
 
 namespace sweep
 {
@@ -255,6 +256,37 @@ void judgeShape(const Result& result, Findings& findings)
     if (!faults.empty()) broken(findings, "document, " + faults.front().substr(0, 200));
 }
 
+/// Every document becomes XML, whatever its values hold.
+/// \param read what it holds, where that is known; nothing else may be in the XML
+void judgeMended(const Result& result, const std::optional<kordTest::Document>& read, Findings& findings)
+{
+    if (!result.document) return;
+    const kordTest::MendedDocument mended = kordTest::mendDocument(*result.document);
+    for (const std::string& fault : mended.faults)
+        broken(findings, "mended document, " + fault.substr(0, 200));
+    const std::string difference = read ? differenceOf(read->resources, mended.resources) : "";
+    if (!difference.empty()) broken(findings, "mended document, " + difference.substr(0, 200));
+}
+
+void takeStandIns(std::vector<kordTest::Element>& elements)
+{
+    for (kordTest::Element& element : elements) {
+        element.displayName = withoutStandIns(element.displayName);
+        element.uniqueId = withoutStandIns(element.uniqueId);
+        for (kordTest::Property& property : element.properties)
+            property.value = withoutStandIns(property.value);
+        takeStandIns(element.children);
+    }
+}
+
+/// What a document holds, read where its values held stand-ins.
+kordTest::Document readTwin(const Result& quiet)
+{
+    kordTest::Document document = kordTest::readDocument(*quiet.document);
+    takeStandIns(document.resources);
+    return document;
+}
+
 void compareWithTwin(const Plan& plan, const Result& result, Findings& findings)
 {
     Plan twin = plan;
@@ -268,7 +300,10 @@ void compareWithTwin(const Plan& plan, const Result& result, Findings& findings)
     } else if (quiet.document && kordTest::withFixedTimestamp(withoutStandIns(*quiet.document)) !=
                                      kordTest::withFixedTimestamp(*result.document)) {
         broken(findings, "the document's values are not raw, or its elements depend on them");
+    } else if (quiet.document) {
+        return judgeMended(result, readTwin(quiet), findings);
     }
+    judgeMended(result, std::nullopt, findings);
 }
 
 } // namespace
@@ -331,8 +366,11 @@ void judgeElements(const Plan& plan, const Result& result, Findings& findings)
     const json& resources = result.facility["resources"];
     if (!anyText(resources, hasMeaning)) {
         judgeShape(result, findings);
+        if (result.document) judgeMended(result, kordTest::readDocument(*result.document), findings);
     } else if (!anyText(resources, hasStandIns)) {
         compareWithTwin(plan, result, findings);
+    } else {
+        judgeMended(result, std::nullopt, findings);
     }
 }
 

@@ -31,7 +31,8 @@ void judgeArguments(const Plan& plan, const Result& result, Findings& findings);
 
 /// The document can be read back. Where values hold characters that could be taken for markup, it is that of
 /// the same run with stand-ins in their place, to the byte: every value stands in it raw, and no element
-/// depends on what a value holds. Values that hold stand-ins of themselves cannot be told so.
+/// depends on what a value holds. Values that hold stand-ins of themselves cannot be told so. Mended, it is
+/// XML with the same elements and values.
 void judgeElements(const Plan& plan, const Result& result, Findings& findings);
 
 /// The collector refused its MTMS: nothing was printed, run or written.

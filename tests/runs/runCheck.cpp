@@ -11,6 +11,7 @@
 
 #include "consoleRun.h"
 #include "documentReader.h"
+#include "mendedDocument.h"
 #include "tempFolder.h"
 
 namespace kordTest
@@ -407,6 +408,18 @@ void checkExactDocument(Finished& finished, const std::string& name, const std::
     }
 }
 
+/// Every document becomes XML with the same elements and values.
+void checkMended(Finished& finished, const std::string& text, const Document& document)
+{
+    const MendedDocument mended = mendDocument(text);
+    for (const std::string& fault : mended.faults)
+        finished.fault("mended document", fault);
+    finished.equal("mended document", "", differenceOf(document.resources, mended.resources));
+    if (finished.places.documents.empty()) return;
+    fs::create_directories(finished.places.documents);
+    std::ofstream(finished.places.documents / (finished.run.name + ".xml"), std::ios::binary) << text;
+}
+
 void checkDocument(Finished& finished)
 {
     const DocumentState& expected = finished.run.document;
@@ -433,6 +446,7 @@ void checkDocument(Finished& finished)
         finished.fault("outline", difference(expected.outline, outline(document, *expected.outlineDepth)));
     }
     checkLines(finished, "document", std::nullopt, expected.lines, expected.lacks, splitLines(*text));
+    checkMended(finished, *text, document);
     if (expected.exact) checkExactDocument(finished, *expected.exact, *text);
 }
 

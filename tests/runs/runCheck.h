@@ -15,6 +15,7 @@ struct Places {
     std::filesystem::path console;    ///< the launcher
     std::filesystem::path facilities; ///< the folder of facility files
     std::filesystem::path expected;   ///< the folder of expected documents
+    std::filesystem::path documents;  ///< where to leave each run's document; empty: nowhere
     bool update = false;              ///< rewrite expected documents instead of comparing with them
 };
 

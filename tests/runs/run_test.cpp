@@ -26,6 +26,7 @@ TEST_P(WholeRun, leavesWhatItShould)
     const kordTest::Places places{.console = build / "bin/kord-console",
                                   .facilities = source / "console/facilities",
                                   .expected = source / "tests/runs/expected",
+                                  .documents = build / "tests/runs/documents",
                                   .update = std::getenv("KORD_UPDATE") != nullptr};
     for (const std::string& fault : checkRun(run, places)) {
         ADD_FAILURE() << run.name << ": " << fault << "\n(" << run.why << ")";
