@@ -301,4 +301,22 @@ INSTANTIATE_TEST_SUITE_P(OfTheBundledFacilities, Runs, testing::Values("small.js
                              return name.substr(0, name.find('.'));
                          });
 
+/// Byte for byte, for whoever matches them.
+TEST(Tables, linesOnStandardOutputStandOnTheOperatorsPages)
+{
+    const std::string page = kordTest::readFile(source / "docs/operating.md").value();
+    const std::string manual = kordTest::readFile(source / "docs/man/addTarnKord.8").value();
+    size_t count = 0;
+    for (const Json& part : tables()["checks"]) {
+        for (const Json& check : part["checks"]) {
+            const std::string line = check["message"].get<std::string>().substr(
+                0, check["message"].get<std::string>().rfind('\n'));
+            EXPECT_NE(page.find("| `" + line + "` |"), std::string::npos) << line;
+            EXPECT_NE(manual.find(".It \"" + line + "\"\n"), std::string::npos) << line;
+            ++count;
+        }
+    }
+    EXPECT_EQ(count, 12U);
+}
+
 } // namespace
