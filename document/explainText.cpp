@@ -166,7 +166,7 @@ struct KindWords {
     std::string (*words)(const Problem&);
 };
 
-constexpr std::array<KindWords, 21> kindWords = {{
+constexpr std::array<KindWords, 23> kindWords = {{
     {"callFailed", failedWords},
     {"nothingFound", [](const Problem&) -> std::string { return "nothing was found"; }},
     {"responseInError", errorWords},
@@ -191,6 +191,11 @@ constexpr std::array<KindWords, 21> kindWords = {{
     {"programSilent", [](const Problem&) -> std::string { return "it printed nothing that was looked for"; }},
     {"programUnended", [](const Problem&) -> std::string { return "it printed no whole line"; }},
     {"programUnread", [](const Problem&) -> std::string { return "what it printed could not be read"; }},
+    {"programBlank", [](const Problem&) -> std::string { return "the first line that it printed is empty"; }},
+    {"programTalkative",
+     [](const Problem& problem) {
+         return "it printed " + numberWords(problem) + " lines; the first one was taken";
+     }},
     {"documentNotStarted",
      [](const Problem& problem) {
          return problem.message.empty() ? "the document could not be started"

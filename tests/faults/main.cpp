@@ -6,6 +6,7 @@
 
 #include <CLI/CLI.hpp>
 
+#include "explainJudge.h"
 #include "sweep.h"
 
 namespace
@@ -44,7 +45,9 @@ bool runAll(const CLI::App& app, const Options& options)
         printRow(*sweep, tally);
         clean = clean && isClean(tally);
     }
-    return clean;
+    const sweep::Explained explained = sweep::explained();
+    printExplained(explained, options.verbose);
+    return clean && explained.isEnough();
 }
 
 } // namespace
