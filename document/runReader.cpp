@@ -409,10 +409,10 @@ void RunReader::succeeded(const TraceLine& line, const Match& match)
 std::optional<std::string> RunReader::workedOutSelection(const TableQuery& query) const
 {
     if (!query.selection) return std::nullopt;
-    std::string value;
-    if (query.selection->starts_with("managedSystemMTMS=") && !query.tracesSelection)
-        value = query.function == "queryPartition" && partitionQueries > 1 ? partner : managedSystem();
-    if (value.empty()) return std::nullopt;
+    if (!query.selection->starts_with("managedSystemMTMS=") || query.tracesSelection) return std::nullopt;
+    const bool isPartners = query.function == "queryPartition" && partitionQueries > 1;
+    const std::string value = isPartners ? partner : managedSystem();
+    if (value.empty() && !isPartners) return std::nullopt; // of the partner an empty one is asked for
     std::string selection = *query.selection;
     return selection.replace(selection.find("%s"), 2, value);
 }
