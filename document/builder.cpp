@@ -35,15 +35,24 @@ std::string_view Builder::keepOnce(std::string_view text)
     return texts.emplace(kept, kept).first->second;
 }
 
-/// A document has some forty names of properties, and one follows the other in the same order.
 Builder::Name& Builder::nameOf(const PropertyName& name)
 {
-    const auto known = std::ranges::find_if(names, [&](const Name& one) { return *one.name == name; });
-    if (known != names.end()) return *known;
-    void* const memory = document.memory->allocate(sizeof(PropertyName), alignof(PropertyName));
-    const PropertyName* const kept = new (memory)
-        PropertyName{.code = keep(name.code), .label = keep(name.label), .reversed = name.reversed};
-    return names.emplace_back(Name{.name = kept, .last = {}});
+    if (*expected == nullptr || *(*expected)->name != name) *expected = &findName(name);
+    Name& found = **expected;
+    expected = &found.follower;
+    return found;
+}
+
+Builder::Name& Builder::findName(const PropertyName& name)
+{
+    const std::string key = std::string(name.code) + (name.reversed ? '-' : '+') + std::string(name.label);
+    Name& known = names[key];
+    if (known.name == nullptr) {
+        void* const memory = document.memory->allocate(sizeof(PropertyName), alignof(PropertyName));
+        known.name = new (memory)
+            PropertyName{.code = keep(name.code), .label = keep(name.label), .reversed = name.reversed};
+    }
+    return known;
 }
 
 template <typename Item>
@@ -76,6 +85,7 @@ void Builder::openPart(std::string_view name, std::string_view id)
     opened.part.kind = kindOf(opened.part.list, opened.part.name);
     opened.firstProperty = properties.size();
     opened.firstChild = parts.size();
+    expected = &firstNames.at(static_cast<size_t>(opened.part.kind));
     open.push_back(opened);
 }
 

@@ -5,6 +5,7 @@
 
 #pragma once
 
+#include "document/finding.h"
 #include "document/kind.h"
 
 #include <cstdint>
@@ -58,6 +59,9 @@ struct Document {
     std::string_view timestamp; ///< seconds.microseconds, the microseconds without leading zeros
     /// What an incomplete document lacks, in words; empty: it is complete.
     std::vector<std::string> missing;
+    /// The first of what the collector would not have written, and how much there is of it.
+    std::vector<Finding> findings;
+    uint64_t findingCount = 0;
 
     [[nodiscard]] const Part& system() const { return *root; }
 

@@ -1,23 +1,18 @@
-// Reads an inventory document as the collector writes it, line by line.
-//
-// It is no XML reader: values stand in the document unescaped, the property with the host descriptions has a
-// name without quotation marks, and processor complexes open more lists of partitions than they close, or
-// close one that they never opened.
+// Reads inventory documents into memory: whole ones and incomplete ones, as the collector writes them and
+// mended.
 
 #pragma once
 
 #include "document/document.h"
 #include "document/input.h"
 
-#include <istream>
-
 namespace document
 {
 
-/// \param name what failures call the document: its file
-Document read(std::istream& input, const std::string& name);
+/// What is no inventory document, or one without a managed system, is a Malformed.
+Document read(Input& input);
 
-/// Reads a file; what cannot be opened is a Malformed of the form "FILE: what".
+/// Reads a file, "-" for standard input.
 Document readFile(const std::string& file);
 
 } // namespace document

@@ -18,6 +18,7 @@
 
 #pragma once
 
+#include "document/finding.h"
 #include "document/input.h"
 #include "document/kind.h"
 
@@ -56,12 +57,6 @@ struct Event {
     std::string_view label;
     std::string_view value;
     std::string_view timestamp; ///< seconds.microseconds
-};
-
-/// Something that the collector would not have written.
-struct Finding {
-    uint64_t line = 0;
-    std::string what; ///< safe to show
 };
 
 class Scanner

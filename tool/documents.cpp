@@ -6,11 +6,21 @@
 namespace tool
 {
 
+void tell(const std::string& name, const std::vector<document::Finding>& findings, uint64_t findingCount,
+          const std::vector<std::string>& missing)
+{
+    for (const document::Finding& finding : findings)
+        platform::complain("kord", name + ':' + std::to_string(finding.line) + ": " + finding.what);
+    const uint64_t more = findingCount - findings.size();
+    if (more > 0) platform::complain("kord", name + ": " + std::to_string(more) + " more of these");
+    for (const std::string& what : missing)
+        platform::complain("kord", name + ": the document is incomplete: " + what);
+}
+
 document::Document readDocument(const std::string& file)
 {
     document::Document document = document::readFile(file);
-    for (const std::string& what : document.missing)
-        platform::complain("kord", document.name + ": the document is incomplete: " + what);
+    tell(document.name, document.findings, document.findingCount, document.missing);
     return document;
 }
 
@@ -18,13 +28,19 @@ int eachDocument(const std::vector<std::string>& files, const std::function<void
 {
     constexpr int trouble = 2;
     int status = 0;
-    for (const std::string& file : files) {
+    const auto attempt = [&](const std::function<void()>& work) {
         try {
-            use(readDocument(file));
+            work();
         } catch (const document::Malformed& malformed) {
             platform::complain("kord", malformed.what());
             status = trouble;
         }
+    };
+    for (const std::string& file : files) {
+        attempt([&] {
+            for (const std::string& one : document::documentsOf(file))
+                attempt([&] { use(readDocument(one)); });
+        });
     }
     return status;
 }

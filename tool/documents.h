@@ -11,7 +11,11 @@
 namespace tool
 {
 
-/// A document; what an incomplete one lacks is told on standard error.
+/// Tells on standard error what the collector would not have written, and what a document lacks.
+void tell(const std::string& name, const std::vector<document::Finding>& findings, uint64_t findingCount,
+          const std::vector<std::string>& missing);
+
+/// A document, with what there is to tell of it.
 document::Document readDocument(const std::string& file);
 
 /// Calls for every document, in the files' order. One in trouble is told on standard error and keeps no other

@@ -29,7 +29,8 @@ TEST(Json, IsATreeOfPartsByTheirColumns)
 {
     const json document = jsonOf(twoDrives);
     EXPECT_EQ(document["timestamp"], "1795268463.5");
-    EXPECT_EQ(document["missing"], json::array());
+    EXPECT_EQ(document["complete"], false);
+    EXPECT_EQ(document["missing"], json({"the partitions"}));
     const json& system = document["system"];
     EXPECT_EQ(system["kind"], "system");
     EXPECT_EQ(system["properties"], json({{"S3", "FACILITY"}}));
@@ -74,8 +75,8 @@ TEST(Json, SeveralPropertiesOfOneCodeAreAList)
 {
     const json document =
         jsonOf(ofPartitions(resource("P", "SYSTEM-1-1",
-                                     property("LE", "LIC VRMF", "5.1") + property("NN", "WWNN", "50") +
-                                         property("LE", "LIC VRMF", "5.2"))));
+                                     property("LE", "LIC VRMF", "5.1") + property("LE", "LIC VRMF", "5.2") +
+                                         property("NN", "WWNN", "50"))));
     EXPECT_EQ(document["system"]["parts"][0]["properties"], json({{"LE", {"5.1", "5.2"}}, {"NN", "50"}}));
 }
 

@@ -2,8 +2,6 @@
 
 #include "document/reader.h"
 
-#include <sstream>
-
 namespace kordTest
 {
 
@@ -97,8 +95,8 @@ std::string enclosure(const Enclosure& enclosure, const std::string& content)
 
 document::Document parse(const std::string& text)
 {
-    std::istringstream input(text);
-    return document::read(input, "test.xml");
+    document::Input input("test.xml", text);
+    return document::read(input);
 }
 
 } // namespace kordTest
