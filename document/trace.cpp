@@ -175,7 +175,7 @@ void TraceReader::settle()
           .text = text,
           .further = further,
           .number = number,
-          .whole = single || (whole && joined.fits)});
+          .whole = whole && (single || joined.fits)});
 }
 
 void TraceReader::dropMiddle()

@@ -123,10 +123,11 @@ void writeLine(int fd, std::string_view code, std::string_view message)
     line.flush();
 }
 
-int openLog(const char* path)
+constexpr int safely = O_NOFOLLOW | O_CLOEXEC | O_NOCTTY | O_NONBLOCK;
+
+int openLog(const char* path, int flags = 0)
 {
-    return open(path, O_WRONLY | O_APPEND | O_CREAT | O_NOFOLLOW | O_CLOEXEC | O_NOCTTY | O_NONBLOCK,
-                logMode);
+    return open(path, O_WRONLY | O_APPEND | O_CREAT | safely | flags, logMode);
 }
 
 /// Where line `number` (1-based) starts in the file, or -1 when the file has fewer lines.
@@ -159,7 +160,7 @@ void keepFrom(const Path& logFile, int log, off_t offset, off_t size)
 {
     const Path kept = pieceOf(logFile, "01");
     unlink(kept.text);
-    const int piece = open(kept.text, O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, logMode);
+    const int piece = open(kept.text, O_WRONLY | O_CREAT | O_EXCL | safely, logMode);
     if (piece < 0) return;
     copyRest(log, offset, piece);
     fchmod(piece, logMode);
@@ -171,13 +172,13 @@ void keepFrom(const Path& logFile, int log, off_t offset, off_t size)
 /// Drops the log's oldest 9,999 lines; a log without a line 10,000 stays as it is.
 void cutLog(const Path& logFile)
 {
-    const int log = open(logFile.text, O_RDONLY | O_NOFOLLOW | O_CLOEXEC);
+    const int log = open(logFile.text, O_RDONLY | safely);
     if (log < 0) return;
     struct stat status {
     };
-    const off_t start = startOfLine(log, cutLine);
-    if (fstat(log, &status) == 0 && start >= 0 && start < status.st_size) {
-        keepFrom(logFile, log, start, status.st_size);
+    if (fstat(log, &status) == 0 && isLog(status.st_mode, status.st_nlink)) {
+        const off_t start = startOfLine(log, cutLine);
+        if (start >= 0 && start < status.st_size) keepFrom(logFile, log, start, status.st_size);
     }
     close(log);
     unlink(pieceOf(logFile, "00").text);
@@ -190,7 +191,7 @@ void removeLog(const Path& logFile)
     formatText(command, removeLogCommand, logFile.text);
     [[maybe_unused]] const int ignored = system(command);
     unlink(logFile.text);
-    const int log = openLog(logFile.text);
+    const int log = openLog(logFile.text, O_EXCL);
     if (log < 0) return;
     fchmod(log, logMode);
     close(log);
@@ -207,15 +208,16 @@ int32_t addTrcKord(const char* fileName, const char* code, const char* message)
     // Only what is needed is asked for: a file whose times were looked at pays for exact ones at its next
     // write.
     struct statx status;
-    constexpr unsigned wanted = STATX_TYPE | STATX_MODE | STATX_SIZE;
-    const bool known = statx(log, "", AT_EMPTY_PATH, wanted, &status) == 0;
-    if (known && S_ISREG(status.stx_mode)) {
+    constexpr unsigned wanted = STATX_TYPE | STATX_MODE | STATX_NLINK | STATX_SIZE;
+    const bool isOurs =
+        statx(log, "", AT_EMPTY_PATH, wanted, &status) == 0 && isLog(status.stx_mode, status.stx_nlink);
+    if (isOurs) {
         writeLine(log, textOrEmpty(code), textOrEmpty(message));
         if ((status.stx_mode & 07777) != logMode) fchmod(log, logMode);
     }
     close(log);
 
-    const off_t size = known ? static_cast<off_t>(status.stx_size) : 0;
+    const off_t size = isOurs ? static_cast<off_t>(status.stx_size) : 0;
     if (size > removeAbove)
         removeLog(logFile);
     else if (size > cutAbove)

@@ -5,6 +5,8 @@
 
 #include "kordRec.h"
 
+#include <sys/stat.h>
+
 /// Longest message of an ordinary trace line.
 constexpr size_t traceTextSize = 800;
 
@@ -16,6 +18,13 @@ struct TraceText {
     const char* code = nullptr;
     const char* format = nullptr;
 };
+
+/// Whoever can write to the folder can give a log's name to a link, a FIFO or another file: none of them is
+/// the log.
+inline bool isLog(mode_t mode, nlink_t links)
+{
+    return S_ISREG(mode) && links == 1;
+}
 
 /// Appends one line to the log `fileName` of the trace folder ("": "addTrcKord.log"), wrapped after 79 bytes,
 /// leaves the log world-writable, and cuts or removes it past its size limits. Null texts read as empty.

@@ -29,18 +29,16 @@ constexpr TraceText uselessOutputLine = {"0067", "parse cmd rc=%d "};
 constexpr TraceText userLine = {"0068", "rc=%d, xargc=%d, User=%s "};
 constexpr TraceText noUserLine = {"0068", "rc=%d, xargc=%d, %s "};
 
-/// Makes the command's output file anew: a file or link that lies in the way goes. False when it cannot be
-/// made.
-bool createOutputFile(const char* fileName)
+/// Makes the command's output file anew: a file or link that lies in the way goes. -1 when it cannot be made.
+int createOutputFile(const char* fileName)
 {
     constexpr int flags = O_RDWR | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC;
     int fd = open(fileName, flags, 0777);
     if (fd < 0 && errno == EEXIST && unlink(fileName) == 0) fd = open(fileName, flags, 0777);
-    if (fd < 0) return false;
+    if (fd < 0) return fd;
     fchmod(fd, 0666);
-    close(fd);
     errno = 0;
-    return true;
+    return fd;
 }
 
 /// Whether the command redirects its standard output itself; "2>" does not.
@@ -67,18 +65,11 @@ ssize_t readAll(int fd, char* text, size_t size)
 }
 
 /// The file's text, terminated, and its size; null when it cannot be read.
-char* readFile(const kordRec* pKordRec, const char* fileName, size_t& size)
+char* readFile(const kordRec* pKordRec, int fd, size_t& size)
 {
     char* text = static_cast<char*>(malloc(size + 1));
     if (text == nullptr) return nullptr;
-    const int fd = open(fileName, O_RDONLY | O_NOFOLLOW | O_CLOEXEC);
-    if (fd < 0) {
-        trace(pKordRec, noOutputLine, fd);
-        free(text);
-        return nullptr;
-    }
     const ssize_t length = readAll(fd, text, size);
-    close(fd);
     if (length < 0) {
         trace(pKordRec, unreadOutputLine);
         free(text);
@@ -106,6 +97,39 @@ void splitLines(char* text, size_t size, char** lines, size_t count)
         *newline = '\0';
         line = newline + 1;
     }
+}
+
+/// The name stands in the line as a number.
+int32_t failOnEmpty(const kordRec* pKordRec, const char* fileName, off_t size)
+{
+    trace(pKordRec, emptyOutputLine, static_cast<int32_t>(reinterpret_cast<intptr_t>(fileName)),
+          static_cast<int32_t>(size));
+    return 1;
+}
+
+/// What `parseOutput` does, of the open file.
+int32_t parseFile(const kordRec* pKordRec, const char* fileName, int fd, int32_t* xargc, char*** xargv)
+{
+    struct stat status {
+    };
+    if (fstat(fd, &status) != 0 || status.st_size == 0) {
+        return failOnEmpty(pKordRec, fileName, status.st_size);
+    }
+    size_t size = static_cast<size_t>(status.st_size);
+    char* text = readFile(pKordRec, fd, size);
+    if (text == nullptr) return 1;
+
+    const size_t newlines = static_cast<size_t>(std::count(text, text + size, '\n'));
+    const size_t entries = std::max<size_t>(newlines, 1);
+    char** starts = static_cast<char**>(malloc(entries * sizeof *starts));
+    if (starts == nullptr) {
+        free(text);
+        return 1;
+    }
+    splitLines(text, size, starts, entries);
+    *xargc = static_cast<int32_t>(newlines);
+    *xargv = starts;
+    return 0;
 }
 
 int32_t cut(const char* text, size_t from, size_t length, std::span<char> part)
@@ -137,50 +161,23 @@ constexpr ToldCommand commands[] = {
 constexpr ToldLine lines[] = {
     {.function = "parseOutput",
      .line = emptyOutputLine,
-     .explanation =
-         {.meaning = "a console command printed nothing: the name of its output as a number, and its size",
-          .cause =
-              "the command has nothing to say, as a search that finds nothing, or its output could not be "
-              "written",
-          .advice = "see which command by the next line with another code, run it by hand, and see that "
-                    "/var/brisk/log takes files"}},
+     .explanation = {.meaning = "a console command printed nothing", .advice = "run the command by hand"}},
     {.function = "parseOutput",
      .line = noOutputLine,
-     .explanation =
-         {.meaning = "a command's output could not be opened: -1",
-          .cause = "something removed or replaced the file tmp.SERIAL in /var/brisk/log during the run, such "
-                   "as a second run for the same system",
-          .advice = "see that only one run for a system is started at a time"}},
+     .explanation = {.meaning = "a command's output could not be opened", .advice = "see /var/brisk/log"}},
     {.function = "parseOutput",
      .line = unreadOutputLine,
-     .explanation = {.meaning = "a command's output could not be read",
-                     .cause = "the disk of /var/brisk/log has errors",
-                     .advice = "see the system log for errors of the disk"}},
+     .explanation = {.meaning = "a command's output could not be read", .advice = "see /var/brisk/log"}},
     {.function = "excuteCommand",
      .line = commandFailedLine,
-     .explanation =
-         {.meaning =
-              "a console command ended with a status other than 0, or could not be run (-1): the status and "
-              "errno",
-          .cause = "127: the program is not there; 126: it may not be run; 1 or 2: its output could not be "
-                   "written to /var/brisk/log, or it failed itself",
-          .advice = "see which command by the next line with another code, and run it by hand as the "
-                    "collector's user"}},
+     .explanation = {.meaning = "a console command failed: its status", .advice = "run the command by hand"}},
     {.function = "excuteCommand",
      .line = uselessOutputLine,
-     .explanation = {.meaning = "a command ended well, but its output is of no use",
-                     .cause = "what the line before it tells",
-                     .advice = "see the line 0062, 0063 or 0064 before it"}},
+     .explanation = {.meaning = "a command's output is of no use", .advice = "see the line before it"}},
     {.function = "getLoginUserName", .line = userLine, .explanation = {.meaning = "who runs the collector"}},
     {.function = "getLoginUserName",
      .line = noUserLine,
-     .explanation =
-         {.meaning = "who runs the collector could not be learned: whoami's status and how many lines; it "
-                     "goes on as "
-                     "briskroot, by the wrapper",
-          .cause = "whoami failed: the user has no name, or /var/brisk/log takes no file",
-          .advice = "run whoami by hand in the automation's environment, and see that /var/brisk/log can be "
-                    "written"}},
+     .explanation = {.meaning = "who runs the collector could not be learned"}},
 };
 
 } // namespace
@@ -194,6 +191,7 @@ int32_t excuteCommand(const kordRec* pKordRec, const char* Cmd, int32_t* xargc, 
     char fileName[50] = "";
     const char* redirection = "";
     const char* nowhere = "";
+    int output = -1;
 
     errno = 0;
     if (wanted) {
@@ -201,7 +199,8 @@ int32_t excuteCommand(const kordRec* pKordRec, const char* Cmd, int32_t* xargc, 
         *xargv = nullptr;
         formatText(fileName, "%s/tmp.%s", commandOutputFolder, pKordRec->systemSerial);
         // What lies at that name and does not go is not ours: as a folder's name it takes no output.
-        if (!createOutputFile(fileName)) nowhere = "/";
+        output = createOutputFile(fileName);
+        if (output < 0) nowhere = "/";
         redirection = " >";
     } else if (!redirectsOutput(Cmd)) {
         redirection = " >/dev/null";
@@ -214,7 +213,9 @@ int32_t excuteCommand(const kordRec* pKordRec, const char* Cmd, int32_t* xargc, 
 
     if (rc != 0) trace(pKordRec, commandFailedLine, rc, error);
     const bool hasOutput = wanted && rc == 0;
-    const int32_t result = hasOutput ? parseOutput(pKordRec, fileName, xargc, xargv) : 1;
+    // What others may have put at the name meanwhile is not what the command printed.
+    const int32_t result = hasOutput ? parseFile(pKordRec, fileName, output, xargc, xargv) : 1;
+    if (output >= 0) close(output);
     if (wanted) unlink(fileName);
     if (hasOutput && result != 0) trace(pKordRec, uselessOutputLine, result);
     return result;
@@ -228,26 +229,16 @@ int32_t parseOutput(const kordRec* pKordRec, const char* Filename, int32_t* xarg
     struct stat status {
     };
     if (stat(Filename, &status) != 0 || status.st_size == 0) {
-        // The name stands in the line as a number.
-        trace(pKordRec, emptyOutputLine, static_cast<int32_t>(reinterpret_cast<intptr_t>(Filename)),
-              static_cast<int32_t>(status.st_size));
+        return failOnEmpty(pKordRec, Filename, status.st_size);
+    }
+    const int fd = open(Filename, O_RDONLY | O_NOFOLLOW | O_CLOEXEC | O_NOCTTY | O_NONBLOCK);
+    if (fd < 0) {
+        trace(pKordRec, noOutputLine, fd);
         return 1;
     }
-    size_t size = static_cast<size_t>(status.st_size);
-    char* text = readFile(pKordRec, Filename, size);
-    if (text == nullptr) return 1;
-
-    const size_t newlines = static_cast<size_t>(std::count(text, text + size, '\n'));
-    const size_t entries = std::max<size_t>(newlines, 1);
-    char** starts = static_cast<char**>(malloc(entries * sizeof *starts));
-    if (starts == nullptr) {
-        free(text);
-        return 1;
-    }
-    splitLines(text, size, starts, entries);
-    *xargc = static_cast<int32_t>(newlines);
-    *xargv = starts;
-    return 0;
+    const int32_t result = parseFile(pKordRec, Filename, fd, xargc, xargv);
+    close(fd);
+    return result;
 }
 
 void releaseOutput(char** xargv)
@@ -255,6 +246,26 @@ void releaseOutput(char** xargv)
     if (xargv == nullptr) return;
     free(xargv[0]);
     free(static_cast<void*>(xargv));
+}
+
+bool isNameOfLog(const char* fileName)
+{
+    char path[100];
+    struct stat status {
+    };
+    formatText(path, "%s/%s", traceFolder, fileName);
+    return lstat(path, &status) != 0 || isLog(status.st_mode, status.st_nlink);
+}
+
+void spareOddLog(std::span<char> command, const char* fileName)
+{
+    constexpr const char* redirection = ">>";
+    char* place = isNameOfLog(fileName) ? nullptr : strstr(command.data(), redirection);
+    if (place == nullptr) return;
+    for (char* next; (next = strstr(place + 1, redirection)) != nullptr;)
+        place = next;
+    place[strlen(redirection)] = '\0';
+    appendText(command, "/dev/null");
 }
 
 int32_t getLoginUserName(kordRec* pKordRec)

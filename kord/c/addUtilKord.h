@@ -25,6 +25,13 @@ int32_t parseOutput(const kordRec* pKordRec, const char* Filename, int32_t* xarg
 /// allowed.
 void releaseOutput(char** xargv);
 
+/// Whether a log of the trace folder can be written to by its name: it is a log, or not there.
+bool isNameOfLog(const char* fileName);
+
+/// Sends what the command appends to that log, by the last ">>" in it, nowhere if its name is no log's. The
+/// shell would follow a link and wait for a FIFO's reader.
+void spareOddLog(std::span<char> command, const char* fileName);
+
 /// Fills `loginUserName` from `whoami`, or with "briskroot" when that fails (result 1). Traces "0068".
 int32_t getLoginUserName(kordRec* pKordRec);
 

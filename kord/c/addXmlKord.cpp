@@ -115,13 +115,13 @@ int32_t writeAdapter(const kordRec* pKordRec, const char* displayName, const cha
                          }});
 }
 
-/// Makes way for a new document: an empty file stays, anything else but a folder goes.
+/// Makes way for a new document: an empty file of no other name stays, anything else but a folder goes.
 void removeEarlier(const char* path)
 {
     struct stat status {
     };
     if (lstat(path, &status) != 0 || S_ISDIR(status.st_mode)) return;
-    if (status.st_size != 0 || !S_ISREG(status.st_mode)) unlink(path);
+    if (status.st_size != 0 || status.st_nlink != 1 || !S_ISREG(status.st_mode)) unlink(path);
 }
 
 // --- What the tables tell
@@ -129,11 +129,8 @@ void removeEarlier(const char* path)
 constexpr ToldLine lines[] = {
     {.function = "startXml",
      .line = noFileLine,
-     .explanation =
-         {.meaning = "the document's file could not be opened",
-          .cause = "/var/adm/stockmere/VPD is not there, is full or read-only, or a folder stands at the "
-                   "file's name",
-          .advice = "see that the folder is there and takes files of the collector's user, then run again"}},
+     .explanation = {.meaning = "the document's file could not be opened",
+                     .advice = "see /var/adm/stockmere/VPD"}},
     {.function = "openInventory", .line = stampLine, .explanation = {.meaning = "the document's timestamp"}},
 };
 
@@ -195,7 +192,8 @@ int32_t startXml(kordRec* pKordRec)
     removeEarlier(path);
 
     constexpr mode_t defaultMode = 0666;
-    const int fd = open(path, O_WRONLY | O_CREAT | O_TRUNC | O_NOFOLLOW | O_CLOEXEC, defaultMode);
+    constexpr int safely = O_NOFOLLOW | O_CLOEXEC | O_NOCTTY | O_NONBLOCK;
+    const int fd = open(path, O_WRONLY | O_CREAT | O_TRUNC | safely, defaultMode);
     FILE* stream = fd >= 0 ? fdopen(fd, "w") : nullptr;
     if (stream == nullptr) {
         if (fd >= 0) close(fd);

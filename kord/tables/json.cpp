@@ -127,6 +127,14 @@ const Session& sessionOf(const Query& query)
     return addTarnSessions.front();
 }
 
+const EventKind& eventOf(std::string_view type)
+{
+    for (const EventKind& kind : addErrLogEvents) {
+        if (kind.errortype != nullptr && type == kind.errortype) return kind;
+    }
+    return addErrLogEvents.back();
+}
+
 /// What a row's field takes: "text", "integer", or null where the attribute is never read.
 const char* typeOf(const Attribute& attribute)
 {
@@ -144,11 +152,11 @@ void writeAttribute(Writer& json, const Attribute& attribute)
     json.truth("kept", attribute.kept);
 }
 
-void writeWords(Writer& json, const Words& words)
+void writeExplanation(Writer& json, const Explanation& explanation)
 {
-    json.text("meaning", words.meaning);
-    json.text("cause", words.cause);
-    json.text("advice", words.advice);
+    json.text("meaning", explanation.meaning);
+    json.text("cause", explanation.cause);
+    json.text("advice", explanation.advice);
 }
 
 void writeReport(Writer& json, const Report& report)
@@ -175,7 +183,7 @@ void writeLine(Writer& json, const Line& line)
     json.text("role", line.role);
     json.text("code", line.text.code);
     json.text("format", line.text.format);
-    writeWords(json, line.words);
+    writeExplanation(json, line.explanation);
     if (line.ends.empty()) return;
     json.list("ends", line.ends, [&](const ToldEnd& end) { writeEnd(json, end); });
 }
@@ -190,8 +198,6 @@ void writeQuery(Writer& json, const QueryLines& told)
     json.number("scope", sessionOf(query).scope);
     json.text("call", nameOf(query.call));
     json.truth("counter", told.isCounter);
-    json.text("things", told.things);
-    json.text("of", told.of);
     json.textOrNull("selection", query.selection);
     json.textOrNull("action", query.action);
     json.list("attributes", query.attributes, [&](const Attribute& row) { writeAttribute(json, row); });
@@ -204,7 +210,7 @@ void writeEvents(Writer& json)
         json.textOrNull("type", kind.errortype);
         json.text("referenceCode", kind.systemRefCode);
         json.text("text", kind.text);
-        writeWords(json, wordsOf(kind.explanation));
+        writeExplanation(json, kind.explanation);
     });
 }
 

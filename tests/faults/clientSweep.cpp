@@ -25,7 +25,6 @@ struct Recorded {
 struct Recording {
     json facility;
     std::vector<Recorded> calls; ///< the client calls in order
-    std::shared_ptr<const std::string> log;
 };
 
 bool isSame(const Call& one, const Call& other)
@@ -38,7 +37,6 @@ std::shared_ptr<const Recording> record(const std::string& facility)
     auto recording = std::make_shared<Recording>();
     recording->facility = bundled(facility);
     const Result result = runOnce({.name = "regular", .facility = [&] { return recording->facility; }});
-    recording->log = std::make_shared<const std::string>(result.log);
     for (const Call& call : callsOf(result)) {
         if (!isClientCall(call)) continue;
         size_t occurrence = 1;
@@ -212,8 +210,7 @@ Plan planOf(const Shared& recording, const std::string& name, std::function<json
     return {.name = name,
             .facility = [recording] { return recording->facility; },
             .faults = std::move(faults),
-            .mustFire = {mustFire},
-            .regularLog = recording->log};
+            .mustFire = {mustFire}};
 }
 
 void addPlans(std::vector<Plan>& plans, const std::string& prefix, const Shared& recording,

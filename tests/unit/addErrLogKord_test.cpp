@@ -2,7 +2,10 @@
 
 #include "unit.h"
 
+#include <csignal>
+#include <fcntl.h>
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 namespace
 {
@@ -97,6 +100,107 @@ TEST(Events, goThroughTheWrapperForAnyoneButRoot)
         EXPECT_LT(journal.find("/opt/tarnquay/bin/mmquaycmd"),
                   journal.rfind("/opt/tarnquay/bin/pmProblemEventPoster"))
             << user;
+    }
+}
+
+// Whoever may write to the log's folder can give its name, or that of the ownership command's errors, to
+// something else. No shell of the run opens it, and the run goes on.
+
+const std::string oddTarget = unit::logPath("target");
+
+struct OddLog {
+    const char* name;
+    void (*lay)(const std::string& log);
+};
+
+constexpr OddLog oddLogs[] = {
+    {"a link", [](const std::string& log) { std::filesystem::create_symlink(oddTarget, log); }},
+    {"a FIFO", [](const std::string& log) { ASSERT_EQ(mkfifo(log.c_str(), 0666), 0); }},
+    {"a folder", [](const std::string& log) { std::filesystem::create_directory(log); }},
+    {"another file",
+     [](const std::string& log) {
+         unit::writeFile(oddTarget, "");
+         std::filesystem::create_hard_link(oddTarget, log);
+     }},
+};
+
+/// The name is odd as long as this lives. A shell that waits for a FIFO's reader gets one, late.
+class Laid
+{
+public:
+    Laid(const OddLog& odd, const std::string& name)
+    {
+        log = unit::logPath(name);
+        waited = 0;
+        std::filesystem::remove_all(log);
+        odd.lay(log);
+        signal(SIGALRM, [](int) {
+            waited = 1;
+            open(log.c_str(), O_RDWR | O_NONBLOCK | O_CLOEXEC);
+        });
+        alarm(10);
+    }
+    ~Laid()
+    {
+        alarm(0);
+        EXPECT_EQ(waited, 0);
+        std::filesystem::remove_all(log);
+        std::filesystem::remove(oddTarget);
+    }
+    Laid(const Laid&) = delete;
+    Laid& operator=(const Laid&) = delete;
+
+    /// A link's target is not made, and a file's stays empty.
+    static bool isSpared() { return unit::readFile(oddTarget).empty() && unit::modeOf(oddTarget) != 0666; }
+
+private:
+    inline static std::string log;
+    inline static volatile sig_atomic_t waited = 0;
+};
+
+TEST(Events, areFiledWhateverLiesAtTheLogsName)
+{
+    for (const OddLog& odd : oddLogs) {
+        const kordRec record = unit::freshRecord();
+        const Laid laid(odd, record.trcfile);
+        const std::string journal = journalOf([&] { return handleErrKord(&record, "queryDDM", "r"); });
+        EXPECT_NE(journal.find("BED00001"), std::string::npos) << odd.name;
+        EXPECT_NE(
+            journalOf([&] { return handleErrKord_new(&record, "queryDDM", "e", "m\n"); }).find("BED00000"),
+            std::string::npos)
+            << odd.name;
+        EXPECT_TRUE(Laid::isSpared()) << odd.name;
+        EXPECT_EQ(std::filesystem::exists(oddTarget), odd.name == std::string("another file")) << odd.name;
+    }
+}
+
+TEST(Ownership, isGivenOfTheLogAlone)
+{
+    const std::string errors = unit::logPath("kord.root.log");
+    std::filesystem::remove_all(errors);
+    for (const OddLog& odd : oddLogs) {
+        const kordRec record = unit::freshRecord();
+        const Laid laid(odd, record.trcfile);
+        changeGroup(&record); // would leave an error: the simulated console has no such user
+        EXPECT_FALSE(std::filesystem::exists(errors)) << odd.name;
+        EXPECT_TRUE(Laid::isSpared()) << odd.name;
+    }
+    const kordRec record = unit::freshRecord();
+    trace(&record, "0001", "text");
+    changeGroup(&record);
+    EXPECT_NE(unit::readFile(errors).find("chown"), std::string::npos);
+    std::filesystem::remove(errors);
+}
+
+TEST(Ownership, losesItsErrorsWhereTheirLogIsNone)
+{
+    for (const OddLog& odd : oddLogs) {
+        const kordRec record = unit::freshRecord();
+        trace(&record, "0001", "text");
+        const Laid laid(odd, "kord.root.log");
+        changeGroup(&record);
+        EXPECT_TRUE(Laid::isSpared()) << odd.name;
+        EXPECT_EQ(std::filesystem::exists(oddTarget), odd.name == std::string("another file")) << odd.name;
     }
 }
 

@@ -134,6 +134,22 @@ TEST_F(TraceLog, writesThroughNoLink)
     std::filesystem::remove(target);
 }
 
+TEST_F(TraceLog, isNoFileOfAnotherName)
+{
+    const std::string target = path + ".target";
+    for (const size_t size : {5U, 3'000'005U, 3'010'005U}) {
+        unit::writeFile(target, std::string(size, '\n'));
+        chmod(target.c_str(), 0600);
+        std::filesystem::create_hard_link(target, path);
+        EXPECT_EQ(addTrcKord(name.c_str(), "0100", "text"), 0);
+        EXPECT_EQ(std::filesystem::file_size(target), size);
+        EXPECT_EQ(unit::modeOf(target), 0600U);
+        EXPECT_EQ(std::filesystem::hard_link_count(target), 2U) << "nothing is removed";
+        std::filesystem::remove(path);
+    }
+    std::filesystem::remove(target);
+}
+
 TEST_F(TraceLog, losesTheLineWhenItCannotBeOpened)
 {
     std::filesystem::create_directory(path);
