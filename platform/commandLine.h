@@ -65,6 +65,7 @@ struct Program {
     std::string_view name;
     std::string_view version;
     std::string_view help;
+    std::string_view manual = {}; ///< the page that tells all: "kord(1)"
     std::vector<Command> commands;
     int trouble = 2; ///< the status where no command could be made out
 };

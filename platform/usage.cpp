@@ -155,8 +155,10 @@ std::string helpOf(const Program& program)
     text.append(program.help).append("\n\nCommands:\n");
     for (const Command& command : program.commands)
         text += entry(std::string(command.name), command.help, column);
-    return text + "\n\"" + name + " COMMAND --help\" tells more of a command, the manual page " + name +
-           "(1) tells all.\n";
+    text += "\n\"" + name + " COMMAND --help\" tells more of a command";
+    if (!program.manual.empty())
+        text.append(", the manual page ").append(program.manual).append(" tells all");
+    return text + ".\n";
 }
 
 std::string helpOf(const Program& program, const Command& command)

@@ -9,6 +9,7 @@ int main(int argc, char* argv[])
          .version = KORD_VERSION,
          .help =
              "Reads the inventory documents and trace logs that collections leave, and records collections.",
+         .manual = "kord(1)",
          .commands = {tool::showCommand(), tool::listCommand(), tool::kindsCommand(), tool::jsonCommand(),
                       tool::xmlCommand(), tool::diffCommand(), tool::explainCommand(), tool::followCommand(),
                       tool::recordCommand()}},

@@ -102,6 +102,7 @@ int main(int argc, char* argv[])
     return platform::run({.name = "kord-console",
                           .version = KORD_VERSION,
                           .help = "Runs programs on a simulated management console.",
+                          .manual = "kord-console(1)",
                           .commands = {runCommand(options), checkCommand(checked), makeCommand(sizes)},
                           .trouble = launcherFailed},
                          {argv, static_cast<size_t>(argc)});

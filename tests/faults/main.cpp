@@ -1,12 +1,11 @@
 // The program of all sweeps: each makes the collector's surroundings fail in every way of one kind.
 
-#include <cstdio>
-#include <exception>
-#include <vector>
-
-#include <CLI/CLI.hpp>
-
+#include "platform/commandLine.h"
 #include "sweep.h"
+
+#include <span>
+#include <utility>
+#include <vector>
 
 namespace
 {
@@ -22,46 +21,51 @@ constexpr Sweep sweeps[] = {
     {.name = "hostile", .help = "every value and every message is hostile", .plan = sweep::planHostile},
 };
 
-void addOptions(CLI::App& command, Options& options)
-{
-    command.add_flag("--full", options.full, "All runs; without it a share of them that takes seconds");
-    command.add_flag("--verbose", options.verbose, "Say all of a failing run");
-    command.add_option("--jobs", options.jobs, "Runs at a time (default: as many as there are cores)");
-    command.add_option("--only", options.only, "The one run of this name");
-}
-
-/// One sweep, or all when none was asked for.
-bool runAll(const CLI::App& app, const Options& options)
+int runAll(std::span<const Sweep> wanted, const Options& options)
 {
     std::vector<std::pair<const Sweep*, Tally>> done;
-    for (const Sweep& sweep : sweeps) {
-        const bool wanted = app.get_subcommands().empty() || app.got_subcommand(sweep.name);
-        if (wanted) done.emplace_back(&sweep, runSweep(sweep, options));
-    }
+    for (const Sweep& sweep : wanted)
+        done.emplace_back(&sweep, runSweep(sweep, options));
     sweep::printHeading();
     bool clean = true;
     for (const auto& [sweep, tally] : done) {
         printRow(*sweep, tally);
         clean = clean && isClean(tally);
     }
-    return clean;
+    return clean ? 0 : 1;
+}
+
+platform::Command commandOf(std::string_view name, std::string_view help, std::span<const Sweep> wanted,
+                            Options& options)
+{
+    return {.name = name,
+            .help = help,
+            .options = {{.names = "--full",
+                         .into = &options.full,
+                         .help = "All runs; without it a share of them that takes seconds"},
+                        {.names = "--verbose", .into = &options.verbose, .help = "Say all of a failing run"},
+                        {.names = "--jobs",
+                         .into = &options.jobs,
+                         .help = "Runs at a time; 0: as many as there are cores",
+                         .value = "N"},
+                        {.names = "--only",
+                         .into = &options.only,
+                         .help = "The one run of this name",
+                         .value = "RUN"}},
+            .run = [wanted, &options] { return runAll(wanted, options); }};
 }
 
 } // namespace
 
-int main(int argc, char** argv)
+int main(int argc, char* argv[])
 {
     Options options;
-    CLI::App app("Runs the collector among faults and judges every run.", "sweep");
-    addOptions(app, options);
-    for (const Sweep& sweep : sweeps) {
-        addOptions(*app.add_subcommand(sweep.name, sweep.help), options);
-    }
-    CLI11_PARSE(app, argc, argv);
-    try {
-        return runAll(app, options) ? 0 : 1;
-    } catch (const std::exception& failure) {
-        std::fprintf(stderr, "sweep: %s\n", failure.what());
-        return 2;
-    }
+    std::vector<platform::Command> commands = {commandOf("all", "all of these", sweeps, options)};
+    for (const Sweep& sweep : sweeps)
+        commands.push_back(commandOf(sweep.name, sweep.help, {&sweep, 1}, options));
+    return platform::run({.name = "sweep",
+                          .version = "of this build",
+                          .help = "Runs the collector among faults and judges every run.",
+                          .commands = std::move(commands)},
+                         {argv, static_cast<size_t>(argc)});
 }
