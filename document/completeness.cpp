@@ -3,6 +3,9 @@
 #include "document/references.h"
 #include "platform/text.h"
 
+#include <algorithm>
+#include <iterator>
+
 namespace document
 {
 
@@ -66,18 +69,21 @@ void Completeness::seeResource(const Event& event)
     }
 }
 
-std::vector<std::string> Completeness::missing() const
+Missing Completeness::missing() const
 {
-    std::vector<std::string> what;
-    if (!partitions) {
-        what.emplace_back("the partitions");
-    } else {
-        for (const std::string& partition : named) {
-            if (!told.contains(partition)) what.push_back("partition " + platform::shown(partition));
-        }
-    }
-    if (cut) what.emplace_back("the end");
-    return what;
+    Missing lacking = {.allPartitions = !partitions, .end = cut};
+    if (partitions) std::ranges::set_difference(named, told, std::back_inserter(lacking.partitions));
+    return lacking;
+}
+
+std::vector<std::string> wordsOf(const Missing& missing)
+{
+    std::vector<std::string> words;
+    if (missing.allPartitions) words.emplace_back("the partitions");
+    for (const std::string& partition : missing.partitions)
+        words.push_back("partition " + platform::shown(partition));
+    if (missing.end) words.emplace_back("the end");
+    return words;
 }
 
 } // namespace document

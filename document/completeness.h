@@ -2,6 +2,7 @@
 
 #pragma once
 
+#include "document/missing.h"
 #include "document/scanner.h"
 
 #include <set>
@@ -19,8 +20,8 @@ class Completeness
 public:
     void see(const Event& event);
 
-    /// What is missing, in words, once the last event has been seen; nothing: the document is complete.
-    [[nodiscard]] std::vector<std::string> missing() const;
+    /// What is missing, once the last event has been seen.
+    [[nodiscard]] Missing missing() const;
 
 private:
     void seeResource(const Event& event);

@@ -1,5 +1,6 @@
 #include "document/diff.h"
 
+#include "document/gaps.h"
 #include "document/hostDiff.h"
 #include "document/hosts.h"
 #include "document/match.h"
@@ -205,8 +206,8 @@ class Diff
 {
 public:
     Diff(const Document& before, const Document& after, const KindSet& wantedKinds)
-        : wanted(wantedKinds), olds(before.system()),
-          news(after.system()), result{.before = &before, .after = &after}
+        : wanted(wantedKinds), olds(before.system()), news(after.system()), oldGaps(before),
+          newGaps(after), result{.before = &before, .after = &after}
     {
         match(olds, news);
         goneInside = unmatchedInside(olds);
@@ -225,7 +226,9 @@ private:
     {
         const Node& now = news[index];
         if (now.match == Node::none) {
-            addWhole(ChangeType::added, news, index);
+            const uint32_t around = news[now.parent].match;
+            if (around == Node::none || !isHidden(*now.part, oldGaps, *olds[around].part))
+                addWhole(ChangeType::added, news, index);
             return walkMatched(now);
         }
         const Node& old = olds[now.match];
@@ -233,8 +236,17 @@ private:
         for (uint32_t child = 0; child < now.childCount; ++child)
             walk(now.firstChild + child);
         for (uint32_t child = old.firstChild; child < old.firstChild + old.childCount; ++child) {
-            if (olds[child].match == Node::none) addWhole(ChangeType::removed, olds, child);
+            if (olds[child].match == Node::none && !isHidden(*olds[child].part, newGaps, *now.part))
+                addWhole(ChangeType::removed, olds, child);
         }
+    }
+
+    /// What the other document may lack because it is incomplete is no change.
+    bool isHidden(const Part& part, const Gaps& gaps, const Part& around)
+    {
+        const bool hidden = gaps.mayHide(part, around);
+        result.unknown += hidden ? 1 : 0;
+        return hidden;
     }
 
     /// What came into an added part from elsewhere; the rest is told with the part.
@@ -313,6 +325,7 @@ private:
         for (size_t i = 0; i < now.part->properties.size(); ++i) {
             const Property& property = now.part->properties[i];
             const Property* const before = counterparts.oldOf[i];
+            if (before == nullptr && oldGaps.endsWithin(*old.part)) continue;
             if (before != nullptr && before->value == property.value) continue;
             const bool told =
                 repeats(property, *now.part) && (before == nullptr || repeats(*before, *old.part));
@@ -321,7 +334,8 @@ private:
         }
         for (size_t i = 0; i < old.part->properties.size(); ++i) {
             const Property& property = old.part->properties[i];
-            if (counterparts.newOf[i] == nullptr && !repeats(property, *old.part))
+            if (counterparts.newOf[i] == nullptr && !newGaps.endsWithin(*now.part) &&
+                !repeats(property, *old.part))
                 values.add(&property, nullptr);
         }
         moveHostCounts(values.changes, hosts);
@@ -343,6 +357,8 @@ private:
     KindSet wanted;
     Nodes olds;
     Nodes news;
+    Gaps oldGaps;
+    Gaps newGaps;
     std::vector<size_t> goneInside;
     std::vector<size_t> newInside;
     std::deque<Change> found; ///< whose places stay

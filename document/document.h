@@ -7,6 +7,7 @@
 
 #include "document/finding.h"
 #include "document/kind.h"
+#include "document/missing.h"
 
 #include <cstdint>
 #include <memory>
@@ -57,8 +58,7 @@ struct Part {
 struct Document {
     std::string name;           ///< the file it was read from, as messages call it
     std::string_view timestamp; ///< seconds.microseconds, the microseconds without leading zeros
-    /// What an incomplete document lacks, in words; empty: it is complete.
-    std::vector<std::string> missing;
+    Missing missing; ///< nothing: the document is complete
     /// The first of what the collector would not have written, and how much there is of it.
     std::vector<Finding> findings;
     uint64_t findingCount = 0;

@@ -121,8 +121,8 @@ public:
     void run()
     {
         json = "{\n\"timestamp\": " + quote(document.timestamp) +
-               ",\n\"complete\": " + (document.missing.empty() ? "true" : "false") + ",\n\"missing\": ";
-        appendJson(json, Value{document.missing});
+               ",\n\"complete\": " + (document.missing.nothing() ? "true" : "false") + ",\n\"missing\": ";
+        appendJson(json, Value{wordsOf(document.missing)});
         json += ",\n\"system\": ";
         part({.part = &document.system(), .kind = document.system().kind});
         json += "\n}\n";

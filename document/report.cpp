@@ -301,11 +301,11 @@ std::string jsonHead(const Changes& changes)
 {
     std::string json =
         "{\n  \"old\": " + quote(changes.before->name) + ",\n  \"new\": " + quote(changes.after->name);
-    const bool complete = changes.before->missing.empty() && changes.after->missing.empty();
+    const bool complete = changes.before->missing.nothing() && changes.after->missing.nothing();
     json.append(",\n  \"complete\": ").append(complete ? "true" : "false").append(",\n  \"missing\": [");
     const char* separator = "";
     for (const Document* document : {changes.before, changes.after}) {
-        for (const std::string& what : document->missing) {
+        for (const std::string& what : wordsOf(document->missing)) {
             json.append(separator).append("\n    ");
             appendQuoted(json, document->name + ": " + what);
             separator = ",";

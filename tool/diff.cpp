@@ -43,6 +43,11 @@ int diff(const Options& options, Output& output)
     const document::Document before = readDocument(options.before);
     const document::Document after = readDocument(options.after);
     const document::Changes changes = document::diff(before, after, kinds);
+    if (changes.unknown > 0) {
+        platform::complain("kord",
+                           "parts that only one document tells are left out where the other is incomplete: " +
+                               std::to_string(changes.unknown));
+    }
     const auto write = [&](std::string_view text) { output.write(text); };
     const bool many = output.isTerminal() && changes.found.size() > manyForATerminal;
     if (options.json && options.summary)

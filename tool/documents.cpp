@@ -7,13 +7,13 @@ namespace tool
 {
 
 void tell(const std::string& name, const std::vector<document::Finding>& findings, uint64_t findingCount,
-          const std::vector<std::string>& missing)
+          const document::Missing& missing)
 {
     for (const document::Finding& finding : findings)
         platform::complain("kord", name + ':' + std::to_string(finding.line) + ": " + finding.what);
     const uint64_t more = findingCount - findings.size();
     if (more > 0) platform::complain("kord", name + ": " + std::to_string(more) + " more of these");
-    for (const std::string& what : missing)
+    for (const std::string& what : wordsOf(missing))
         platform::complain("kord", name + ": the document is incomplete: " + what);
 }
 

@@ -13,7 +13,7 @@ namespace tool
 
 /// Tells on standard error what the collector would not have written, and what a document lacks.
 void tell(const std::string& name, const std::vector<document::Finding>& findings, uint64_t findingCount,
-          const std::vector<std::string>& missing);
+          const document::Missing& missing);
 
 /// A document, with what there is to tell of it.
 document::Document readDocument(const std::string& file);

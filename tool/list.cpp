@@ -49,12 +49,12 @@ document::Format formatOf(const std::string& word)
     return word == "jsonl" ? document::Format::lines : document::Format::table;
 }
 
-/// Columns to add stand among the arguments: "+within,facility".
-void takeAdded(std::vector<std::string>& arguments, std::vector<std::string>& added)
+/// Columns to add stand among the columns, or among the arguments: "+within,facility".
+void takeAdded(std::vector<std::string>& words, std::vector<std::string>& added)
 {
-    std::erase_if(arguments, [&](const std::string& argument) {
-        if (!argument.starts_with('+')) return false;
-        for (std::string& name : split(std::string_view(argument).substr(1)))
+    std::erase_if(words, [&](const std::string& word) {
+        if (!word.starts_with('+')) return false;
+        for (std::string& name : split(std::string_view(word).substr(1)))
             added.push_back(std::move(name));
         return true;
     });
@@ -66,7 +66,9 @@ int list(const Options& options, Output& output)
     arguments.insert(arguments.end(), options.files.begin(), options.files.end());
     document::ListOptions wanted;
     wanted.format = formatOf(options.format);
-    wanted.columns = split(options.columns);
+    std::vector<std::string> columns = {options.columns};
+    takeAdded(columns, wanted.added);
+    if (!columns.empty()) wanted.columns = split(columns.front());
     wanted.conditions = options.conditions;
     wanted.order = split(options.order);
     wanted.header = !options.noHeader;
@@ -107,10 +109,10 @@ platform::Command listCommand()
                         .offers = {.words = [](const auto&) { return document::kindWords(); }}},
                        {.name = "FILE",
                         .into = &options->files,
-                        .help = "A document; +COLUMN,... adds columns"}},
+                        .help = "A document, a folder of documents or - for standard input"}},
          .options = {{.names = "-c,--columns",
                       .into = &options->columns,
-                      .help = "Only these columns, in this order",
+                      .help = "Only these columns, in this order; +COLUMN,... adds to the usual ones",
                       .value = "COLUMN,...",
                       .offers = columns},
                      {.names = "--where",

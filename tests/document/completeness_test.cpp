@@ -19,7 +19,7 @@ Texts missing(const std::string& text)
     for (;;) {
         const document::Event& event = scanner.next();
         completeness.see(event);
-        if (event.kind == document::Event::Kind::end) return completeness.missing();
+        if (event.kind == document::Event::Kind::end) return wordsOf(completeness.missing());
     }
 }
 

@@ -324,6 +324,55 @@ TEST(Diff, PropertiesThatCameAndWent)
         Lines{"changed   console Q: Part Number (none) -> (empty), Account Name me -> (none)"});
 }
 
+// --- Incomplete documents
+
+/// The document up to where the text begins.
+std::string cutAt(const std::string& document, const std::string& text)
+{
+    return document.substr(0, document.find(text));
+}
+
+const std::string twoPartitions =
+    ofSystem(list("Enclosures", with({driveA, driveB}) + with({driveC}, second)) +
+             list("Partitions", resource("Tarn01", "SYSTEM-1-1", property("LE", "LIC VRMF", "5")) +
+                                    resource("Tarn02", "SYSTEM-1-2", property("LE", "LIC VRMF", "5"))));
+
+TEST(Diff, WhatACutDocumentDoesNotReachIsNoChange)
+{
+    const std::vector<std::string> ends = {"</ResourceSet>",
+                                           "<Resource displayName=\"Tarn02\"",
+                                           "<ResourceList displayName=\"Partitions\"",
+                                           "<Resource displayName=\"Storage Enclosure\" uniqueId=\"U.AB2\"",
+                                           "<Property name=\"SN\"",
+                                           "<ResourceList displayName=\"Enclosures\""};
+    for (const std::string& end : ends) {
+        EXPECT_EQ(changes(twoPartitions, cutAt(twoPartitions, end)), Lines{}) << end;
+        EXPECT_EQ(changes(cutAt(twoPartitions, end), twoPartitions), Lines{}) << end;
+    }
+}
+
+TEST(Diff, WhatIsMissingBeforeTheCutIsRemoved)
+{
+    const std::string after = ofSystem(list("Enclosures", with({driveA}) + with({driveC}, second)) +
+                                       list("Partitions", resource("Tarn01", "SYSTEM-1-1", "")));
+    EXPECT_EQ(changes(twoPartitions, cutAt(after, "<Resource displayName=\"Tarn01\"")),
+              Lines{"removed   drive U.AB1-P1-D2 (enclosure 1, slot 2, serial B)"});
+}
+
+TEST(Diff, PartitionsThatAnIncompleteDocumentLacksAreNotRemoved)
+{
+    const std::string enclosures = list("Enclosures", with({driveA}));
+    const auto named = [&](const std::string& partitions) {
+        return ofSystem(enclosures + list("Partitions", partitions));
+    };
+    const std::string one = resource("Tarn01", "SYSTEM-1-1", "");
+    const std::string two = resource("Tarn02", "SYSTEM-1-2", "");
+    EXPECT_EQ(changes(named(one + two), ofSystem(enclosures)), Lines{});
+    // The enclosure names the first partition, and none names the second.
+    EXPECT_EQ(changes(named(one + two), named(two)), Lines{});
+    EXPECT_EQ(changes(named(one + two), named(one)), Lines{"removed   partition Tarn02"});
+}
+
 // --- What is told
 
 document::KindSet only(document::Kind kind)
@@ -426,8 +475,10 @@ TEST(Report, IsJsonForPrograms)
         jsonOf(before, ofEnclosures(with({{.slot = "-P1-D1", .serial = "N\"\x01"}, in("-P1-D8", driveB)})));
     EXPECT_EQ(json["old"], "test.xml");
     EXPECT_EQ(json["new"], "test.xml");
-    EXPECT_EQ(json["complete"], true);
-    EXPECT_EQ(json["missing"], nlohmann::json::array());
+    EXPECT_EQ(json["complete"], false);
+    EXPECT_EQ(json["missing"], nlohmann::json({"test.xml: the partitions", "test.xml: the partitions"}));
+    EXPECT_EQ(jsonOf(twoPartitions, twoPartitions)["complete"], true);
+    EXPECT_EQ(jsonOf(twoPartitions, twoPartitions)["missing"], nlohmann::json::array());
     ASSERT_EQ(json["changes"].size(), 2U);
     EXPECT_EQ(json["changes"][0], nlohmann::json::parse(R"({"change": "replaced", "kind": "drive",
         "name": "OSK Physical Disk Drive", "id": "U.AB1-P1-D1", "enclosure": 1, "slot": 1, "serial": "N\"\u0001",
