@@ -55,14 +55,14 @@ constexpr Frame storageConfigurations = {" openStorConfigResourceList  resourcel
                                          " closeStorConfigResourceList  resourcelist"};
 constexpr Frame storageConfiguration = {" openStorConfigResource resource", "Storage Logical Configuration",
                                         " closeStorConfigResource resource"};
-constexpr Frame arraySites = {" openArraySitesResourceList resourcelist", "Array Sites",
-                              " closeArraySitesResourceList resourcelist"};
-constexpr Frame arrays = {" openArraysResourceList  resourcelist", "Arrays",
-                          " closeArraysResourceList resourcelist"};
-constexpr Frame ranks = {" openRanksResourceList resourcelist", "Ranks",
-                         " closeRanksResourceList resourcelist"};
-constexpr Frame segmentPools = {" openSegmentPoolResourceList resourcelist", segmentPoolName,
-                                " closeSegmentPoolResourceList resourcelist"};
+constexpr Frame arraySiteList = {" openArraySitesResourceList resourcelist", "Array Sites",
+                                 " closeArraySitesResourceList resourcelist"};
+constexpr Frame arrayList = {" openArraysResourceList  resourcelist", "Arrays",
+                             " closeArraysResourceList resourcelist"};
+constexpr Frame rankList = {" openRanksResourceList resourcelist", "Ranks",
+                            " closeRanksResourceList resourcelist"};
+constexpr Frame segmentPoolList = {" openSegmentPoolResourceList resourcelist", segmentPoolName,
+                                   " closeSegmentPoolResourceList resourcelist"};
 
 // --- Values and what writers share
 
@@ -574,14 +574,14 @@ int32_t openStorConfigResource(const kordRec* pKordRec, const char* kordpStorage
 // clang-format off
 int32_t closeStorConfigResourceList(const kordRec* pKordRec) { return closeList(pKordRec, storageConfigurations); }
 int32_t closeStorConfigResource(const kordRec* pKordRec) { return closeResource(pKordRec, storageConfiguration); }
-int32_t openArraySitesResourceList(const kordRec* pKordRec) { return openList(pKordRec, arraySites); }
-int32_t closeArraySitesResourceList(const kordRec* pKordRec) { return closeList(pKordRec, arraySites); }
-int32_t openArraysResourceList(const kordRec* pKordRec) { return openList(pKordRec, arrays); }
-int32_t closeArraysResourceList(const kordRec* pKordRec) { return closeList(pKordRec, arrays); }
-int32_t openRanksResourceList(const kordRec* pKordRec) { return openList(pKordRec, ranks); }
-int32_t closeRanksResourceList(const kordRec* pKordRec) { return closeList(pKordRec, ranks); }
-int32_t openSegmentPoolResourceList(const kordRec* pKordRec) { return openList(pKordRec, segmentPools); }
-int32_t closeSegmentPoolResourceList(const kordRec* pKordRec) { return closeList(pKordRec, segmentPools); }
+int32_t openArraySitesResourceList(const kordRec* pKordRec) { return openList(pKordRec, arraySiteList); }
+int32_t closeArraySitesResourceList(const kordRec* pKordRec) { return closeList(pKordRec, arraySiteList); }
+int32_t openArraysResourceList(const kordRec* pKordRec) { return openList(pKordRec, arrayList); }
+int32_t closeArraysResourceList(const kordRec* pKordRec) { return closeList(pKordRec, arrayList); }
+int32_t openRanksResourceList(const kordRec* pKordRec) { return openList(pKordRec, rankList); }
+int32_t closeRanksResourceList(const kordRec* pKordRec) { return closeList(pKordRec, rankList); }
+int32_t openSegmentPoolResourceList(const kordRec* pKordRec) { return openList(pKordRec, segmentPoolList); }
+int32_t closeSegmentPoolResourceList(const kordRec* pKordRec) { return closeList(pKordRec, segmentPoolList); }
 // clang-format on
 
 int32_t writeArraySite(const kordRec* pKordRec, int32_t arraySite, const char* kordpStorageFacilityImageMTMS,
