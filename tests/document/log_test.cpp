@@ -76,6 +76,77 @@ TEST(Progress, ChecksComeBeforeAndAfter)
               "final checks");
 }
 
+TEST(Progress, EveryPhaseBeginsWithItsLine)
+{
+    const struct {
+        const char* line;
+        const char* phase;
+    } cases[] = {
+        {"0004: start local session ", "sessions"},
+        {"0107:  managedSystemMTMS=\"9999-B2C*7ABCD12\" ", "system checks"},
+        {"0108:  array_cnt_sfs=1", "system checks"},
+        {"0109: wwnn=500FACE000001230, server=0 ", "system checks"},
+        {"0017: rc=0, xargc=1, 9999-B2C*7ABCD12, state=Operating ", "state checks"},
+        {"==>:  queryPartition", "partition checks"},
+        {"0005: start DM session ", "domain session"},
+        {"==>:  addCecEnclKord", "processor complexes"},
+        {"==>:  addIoEnclKord", "I/O enclosures"},
+        {"==>:  queryDA", "I/O enclosures"},
+        {"==>:  addStorEnclKord", "storage enclosures"},
+        {"==>:  queryDDM", "storage enclosures"},
+        {"0400: storageFacilityMTMS=\"9999-A01*00XY1230\" ", "racks"},
+        {">>:  openRackEncl  resource", "racks"},
+        {"==>:  addQuayEnclKord", "consoles"},
+        {"==>:  addPartitionKord", "partitions"},
+        {">>:  openPartitionResource resource", "partitions"},
+    };
+    for (const auto& [line, phase] : cases)
+        EXPECT_EQ(phaseAfter({std::string("112126 13:41:05 ") + line}), phase) << line;
+}
+
+TEST(Progress, OtherLinesBeginNoPhase)
+{
+    for (const char* line :
+         {"0004:  LC scope session", "0018: ", "==>:  queryRackParts", ">>:  openRackEnclosures",
+          ">>:  openPartitionResources", "0010:  HWModel=", "0005x: start DM session"})
+        EXPECT_EQ(phaseAfter({std::string("112126 13:41:05 ") + line}), "start") << line;
+}
+
+TEST(Progress, CountsEveryKindOfPart)
+{
+    const struct {
+        const char* line;
+        const char* one;
+        const char* two;
+    } cases[] = {
+        {"0304 : DDM loop array_cnt_ddm= 1, attr_count_ddm= 14", "1 drive", "2 drives"},
+        {">>:  openStorEncl  resource", "1 storage enclosure", "2 storage enclosures"},
+        {">>:  openRackEncl  resource", "1 rack", "2 racks"},
+        {">>:  openPartitionResource resource", "1 partition", "2 partitions"},
+        {">>:  openIOEncl resource", "1 I/O enclosure", "2 I/O enclosures"},
+        {">>:  openCecEncl resource", "1 processor complex", "2 processor complexes"},
+    };
+    for (const auto& [text, one, two] : cases) {
+        const std::string line = std::string("112126 13:41:03 ") + text;
+        const std::string first = after({receive, line}).line();
+        const std::string second = after({receive, line, line}).line();
+        EXPECT_TRUE(first.ends_with(std::string(", 0 s: ") + one)) << first;
+        EXPECT_TRUE(second.ends_with(std::string(", 0 s: ") + two)) << second;
+    }
+}
+
+TEST(Progress, CountsStandInOneOrder)
+{
+    std::vector<std::string> lines = {receive};
+    for (const char* text :
+         {">>:  openCecEncl resource", ">>:  openIOEncl resource", ">>:  openPartitionResource resource",
+          ">>:  openRackEncl  resource", ">>:  openStorEncl  resource",
+          "0304 : DDM loop array_cnt_ddm= 16, attr_count_ddm= 14"})
+        lines.push_back(std::string("112126 13:41:03 ") + text);
+    EXPECT_EQ(after(lines).line(), "9999-B2C*7ABCD12: racks, 0 s: 16 drives, 1 storage enclosure, 1 rack, "
+                                   "1 partition, 1 I/O enclosure, 1 processor complex");
+}
+
 TEST(Progress, AFailureBelongsToThePhaseThatItBroke)
 {
     // A collector that fails closes what is open on its way out.
