@@ -22,6 +22,8 @@ SUMS = {"+": "-", "-": "+", "+=": "-=", "-=": "+="}
 NEGATED = {"true": "false", "false": "true"}
 # A call without which the program does the same.
 HINTS = {"reserve", "shrink_to_fit", "static_cast"}
+# The order of their arguments is the same to them; texts are compared for being equal.
+SYMMETRIC = {"min", "max", "strcmp", "strncmp", "memcmp"}
 # What is judged by the compiler alone.
 CHECKED_BY_COMPILER = {"static_assert", "template", "requires", "concept", "alignas"}
 
@@ -184,6 +186,8 @@ class Source:
         """Neighbours in a list, where the list is handed over and not declared."""
         for i, token in enumerate(self.tokens):
             if token.text not in ("(", "{") or token.kind != "sign" or i not in self.partner:
+                continue
+            if self.at(i - 1) in SYMMETRIC:
                 continue
             items = self.items(i)
             pairs = [(a, b) for a, b in zip(items, items[1:])

@@ -147,6 +147,16 @@ TEST(Tables, nameWhatTheyTell)
     EXPECT_EQ(told, expected);
 }
 
+TEST(Tables, nameTheirModulesFiles)
+{
+    for (const char* list : {"queries", "lines"}) {
+        for (const Json& row : tables()[list]) {
+            const std::string module = row["module"];
+            EXPECT_TRUE(std::filesystem::exists(source / "kord/c" / (module + ".cpp"))) << module;
+        }
+    }
+}
+
 TEST(Tables, refuseOtherArguments)
 {
     const kordTest::Outcome outcome =
