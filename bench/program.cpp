@@ -5,6 +5,7 @@
 #include <fcntl.h>
 #include <spawn.h>
 #include <stdexcept>
+#include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -67,13 +68,15 @@ Ended run(const Command& command, int status)
     if (pipe2(ends, O_CLOEXEC) != 0) throw std::runtime_error("no pipe");
     const pid_t child = start(command, ends[1]);
     close(ends[1]);
-    Ended ended{.output = readToEnd(ends[0]), .time = 0};
+    Ended ended{.output = readToEnd(ends[0]), .time = 0, .peak = 0};
     close(ends[0]);
 
     siginfo_t info{};
     waitid(P_PID, static_cast<id_t>(child), &info, WEXITED | WNOWAIT);
     ended.time = timeOnProcessor(child);
-    waitpid(child, nullptr, 0);
+    rusage usage{};
+    wait4(child, nullptr, 0, &usage);
+    ended.peak = static_cast<double>(usage.ru_maxrss) * 1024;
     if (info.si_code != CLD_EXITED || info.si_status != status)
         throw std::runtime_error(command[0] + " ended with " + std::to_string(info.si_status));
     return ended;

@@ -16,6 +16,7 @@ std::string programFolder();
 struct Ended {
     std::string output;
     double time; ///< nanoseconds of the program's own user and system time, without its children's
+    double peak; ///< bytes of memory, but no less than this program has in use
 };
 
 /// Runs the program, which is named by its path, and keeps its standard output. Throws when it cannot be

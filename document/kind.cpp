@@ -647,7 +647,12 @@ constexpr std::array<KindRow, kindCount> kindTable = {{
      .byList = true,
      .properties = ofSegmentPool,
      .columns = segmentPoolColumns},
-    {.kind = Kind::host, .word = "host", .singular = "host", .plural = "hosts", .columns = hostColumns},
+    {.kind = Kind::host,
+     .word = "host",
+     .singular = "host",
+     .plural = "hosts",
+     .idShown = false,
+     .columns = hostColumns},
     {.kind = Kind::other,
      .word = "other",
      .singular = "part of another kind",
@@ -762,6 +767,21 @@ bool holdsItems(std::string_view code)
             return column.source.from == From::item && column.source.code == code;
         });
     });
+}
+
+std::string_view wordOf(Type type)
+{
+    constexpr std::array<std::string_view, 5> words = {"text", "number", "texts", "numbers", "time"};
+    return words.at(static_cast<size_t>(type));
+}
+
+std::string placeOf(const KindRow& row)
+{
+    if (row.kind == Kind::system) return "the document's one resource";
+    if (row.kind == Kind::host) return "property U2 of a partition";
+    if (row.kind == Kind::other) return "whatever is of no other kind";
+    const std::string list = "list \"" + std::string(row.list) + '"';
+    return row.byList ? list : '"' + std::string(row.name) + "\" in the " + list;
 }
 
 std::string sourceOf(const Column& column)

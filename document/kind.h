@@ -153,6 +153,11 @@ std::vector<std::string> columnNamesOf(std::span<const Kind> ofKinds, bool onlyS
 /// Whether a property holds many values, each behind its key.
 bool holdsItems(std::string_view code);
 
+std::string_view wordOf(Type type);
+
+/// Where parts of the kind stand, in words: "\"CEC\" in the list \"Enclosures\"".
+std::string placeOf(const KindRow& row);
+
 /// Where the value of a column comes from, in words: "`DC` in `DP`".
 std::string sourceOf(const Column& column);
 

@@ -1,6 +1,6 @@
 #include "document/list.h"
 
-#include "document/reference.h"
+#include "document/kindList.h"
 
 #include "platform/failure.h"
 #include "platform/nearest.h"

@@ -5,7 +5,7 @@
 #include "output.h"
 
 #include "document/diff.h"
-#include "document/reference.h"
+#include "document/kindList.h"
 #include "document/report.h"
 
 #include <memory>

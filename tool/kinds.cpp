@@ -3,7 +3,7 @@
 #include "commands.h"
 #include "output.h"
 
-#include "document/reference.h"
+#include "document/kindList.h"
 
 #include <memory>
 #include <string>

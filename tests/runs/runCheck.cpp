@@ -12,6 +12,7 @@
 #include "consoleRun.h"
 #include "documentReader.h"
 #include "mendedDocument.h"
+#include "partsCheck.h"
 #include "tempFolder.h"
 
 namespace kordTest
@@ -447,6 +448,8 @@ void checkDocument(Finished& finished)
     }
     checkLines(finished, "document", std::nullopt, expected.lines, expected.lacks, splitLines(*text));
     checkMended(finished, *text, document);
+    for (const std::string& fault : partsFaults(*text))
+        finished.fault("parts", fault);
     if (expected.exact) checkExactDocument(finished, *expected.exact, *text);
 }
 

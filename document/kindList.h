@@ -1,4 +1,4 @@
-// The table of parts for people: kinds and columns as tables, as the reference page and as its manual page.
+// The table of parts for people: its kinds, and the columns of each.
 
 #pragma once
 
@@ -9,7 +9,7 @@
 namespace document
 {
 
-/// A table of the kinds: word, name, and where a document has such parts.
+/// A table of the kinds: words, name, and where a document has such parts.
 void listKinds(const Write& write);
 
 /// A table of a kind's columns: name, type, unit, meaning, source. A platform::Failure where there is no such
@@ -18,11 +18,5 @@ void listColumns(const std::string& kind, const Write& write);
 
 /// The kinds that a word means; a platform::Failure where it means none.
 std::vector<Kind> knownKinds(const std::string& word);
-
-/// The page docs/parts.md.
-std::string partsPage();
-
-/// The manual page kord-parts(5).
-std::string partsManual();
 
 } // namespace document

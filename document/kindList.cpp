@@ -1,4 +1,4 @@
-#include "document/reference.h"
+#include "document/kindList.h"
 
 #include "platform/failure.h"
 #include "platform/nearest.h"
@@ -7,38 +7,6 @@
 
 namespace document
 {
-
-namespace
-{
-
-std::string_view wordOf(Type type)
-{
-    switch (type) {
-    case Type::text:
-        return "text";
-    case Type::number:
-        return "number";
-    case Type::texts:
-        return "texts";
-    case Type::numbers:
-        return "numbers";
-    case Type::time:
-        return "time";
-    }
-    return {};
-}
-
-/// Where parts of the kind stand: "CEC" in the list "Enclosures".
-std::string placeOf(const KindRow& row)
-{
-    if (row.kind == Kind::system) return "the document's one resource";
-    if (row.kind == Kind::host) return "property U2 of a partition";
-    if (row.kind == Kind::other) return "whatever is of no other kind";
-    const std::string list = "list \"" + std::string(row.list) + '"';
-    return row.byList ? list : '"' + std::string(row.name) + "\" in the " + list;
-}
-
-} // namespace
 
 std::vector<Kind> knownKinds(const std::string& word)
 {

@@ -1,0 +1,378 @@
+// Documents as lists: rows, columns, conditions, order, counts and formats.
+
+#include "consoleRun.h"
+#include "document/kindList.h"
+#include "document/list.h"
+#include "partsCheck.h"
+#include "platform/failure.h"
+#include "writing.h"
+
+#include <filesystem>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
+
+namespace
+{
+
+namespace fs = std::filesystem;
+using namespace kordTest;
+using document::Format;
+using document::ListOptions;
+using nlohmann::json;
+using Texts = std::vector<std::string>;
+
+ListOptions of(const std::string& kind, Format format = Format::table)
+{
+    ListOptions options;
+    options.kind = kind;
+    options.format = format;
+    return options;
+}
+
+std::string listed(const ListOptions& options, const Texts& documents)
+{
+    std::string written;
+    document::List list(options, [&](std::string_view piece) { written += piece; });
+    for (const std::string& text : documents)
+        list.add(parse(text));
+    list.finish();
+    return written;
+}
+
+/// One column of the rows.
+Texts column(ListOptions options, const std::string& name, const std::string& text)
+{
+    options.columns = {name};
+    options.header = false;
+    return splitLines(listed(options, {text}));
+}
+
+/// Drives of one enclosure in slots 1, 2 and so on, with these firmware levels.
+std::string drivesOf(const Texts& levels)
+{
+    std::string drives;
+    for (size_t i = 0; i < levels.size(); ++i) {
+        const std::string slot = std::to_string(i + 1);
+        drives += resource("OSK Physical Disk Drive", "E-D" + slot,
+                           property("LE", "Firmware Level", levels[i]) +
+                               property("SN", "Serial Number", "S" + slot));
+    }
+    return ofEnclosures(enclosure({.id = "E", .serial = "1", .location = "R-1"}, drives));
+}
+
+// --- The table of parts
+
+TEST(Kinds, AreThoseThatScriptsKnow)
+{
+    const Texts words = {"system",
+                         "processorComplex",
+                         "controlCard",
+                         "ioEnclosure",
+                         "deviceAdapter",
+                         "hostAdapter",
+                         "rack",
+                         "powerSupply",
+                         "battery",
+                         "powerController",
+                         "fanSenseCard",
+                         "fanTray",
+                         "storageEnclosure",
+                         "drive",
+                         "interfaceCard",
+                         "baffle",
+                         "console",
+                         "partition",
+                         "arraySite",
+                         "array",
+                         "rank",
+                         "segmentPool",
+                         "host",
+                         "other"};
+    Texts known;
+    for (const std::string& word : document::kindWords()) {
+        if (word != "all") known.emplace_back(document::rowOf(document::kindsOf(word).back()).word);
+    }
+    EXPECT_EQ(known, words);
+}
+
+TEST(Kinds, GoBySeveralWords)
+{
+    using document::Kind;
+    for (const std::string word : {"arraySite", "arraySites", "array-site", "array-sites"})
+        EXPECT_EQ(document::kindsOf(word), std::vector{Kind::arraySite}) << word;
+    for (const std::string word :
+         {"batteries", "power-supplies", "processor-complexes", "fan-trays", "baffles"})
+        EXPECT_EQ(document::kindsOf(word).size(), 1U) << word;
+    EXPECT_EQ(document::kindsOf("").size(), 0U);
+    EXPECT_EQ(document::kindsOf("enclosurePartition").size(), 0U);
+    EXPECT_THROW(document::knownKinds("drivers"), platform::Failure);
+}
+
+TEST(Kinds, HaveTheColumnsThatScriptsKnow)
+{
+    const Texts common = {"system", "facility", "collected", "kind", "id", "within"};
+    const std::map<std::string, Texts> expected = {
+        {"drives",
+         {"image", "rack", "enclosure", "slot", "serial", "part_number", "ec_level", "firmware", "name",
+          "manufacturer", "capacity_mb", "rpm", "interface_rate", "array_site", "position", "interface_type",
+          "state", "partitions"}},
+        {"hosts", {"description", "ports", "partition"}},
+        {"partitions",
+         {"name", "pool", "wwnn", "firmware", "image", "v0", "v7", "p0", "p4", "o0", "o4", "h0", "h3"}},
+        {"array-sites", {"number", "array", "position", "da_pair", "capacity_mb", "rpm"}},
+        {"arrays", {"number", "array_sites", "rank", "serial", "raid_type"}},
+        {"ranks", {"number", "pool", "serial", "segments"}},
+        {"segment-pools", {"number", "segments", "segment_limit"}},
+        {"storage-enclosures", {"image", "rack", "enclosure", "type_model", "feature", "interfaces"}},
+        {"host-adapters", {"image", "serial", "part_number", "ec_level", "firmware", "interfaces", "ccin"}}};
+    for (const auto& [kind, own] : expected) {
+        const Texts columns = document::columnNamesOf(document::kindsOf(kind));
+        EXPECT_THAT(columns, testing::IsSupersetOf(own)) << kind;
+        EXPECT_TRUE(std::equal(common.begin(), common.end(), columns.begin())) << kind;
+    }
+}
+
+TEST(Kinds, EveryColumnSaysWhatItMeansAndWhereItComesFrom)
+{
+    for (const document::KindRow& row : document::kinds) {
+        for (const document::Column* one : document::columnsOf(row.kind)) {
+            EXPECT_FALSE(one->meaning.empty()) << row.word << ' ' << one->name;
+            EXPECT_FALSE(document::sourceOf(*one).empty()) << row.word << ' ' << one->name;
+            EXPECT_EQ(one->name.find_first_not_of("abcdefghijklmnopqrstuvwxyz0123456789_"),
+                      std::string::npos);
+        }
+    }
+}
+
+// --- Values, against another reader of the same document
+
+TEST(List, EveryValueIsWhatTheDocumentSays)
+{
+    size_t documents = 0;
+    for (const auto& entry : fs::directory_iterator(fs::path(KORD_SOURCE_DIR) / "tests/runs/expected")) {
+        if (entry.path().extension() != ".xml") continue;
+        std::string text = readFile(entry.path()).value();
+        const std::string stamp = "timestamp=\"0.0\"";
+        ASSERT_NE(text.find(stamp), std::string::npos);
+        text.replace(text.find(stamp), stamp.size(), "timestamp=\"1795297655.94324\"");
+        EXPECT_EQ(partsFaults(text), Texts{}) << entry.path();
+        ++documents;
+    }
+    EXPECT_GE(documents, 4U);
+}
+
+TEST(List, ValuesWithCommasAndEqualsSignsStayWhole)
+{
+    const std::string space =
+        "DI=a,DM=b=c,DC=9,DM=Kestrel, Inc.,DC=73400MB,DR=15000,DS=2,AS=1,AP=8,IT=FC,AL,ST=-1";
+    const std::string text = ofEnclosures(
+        resource("OSK Physical Disk Drive", "D", property("DP", "Disk Space Characteristics", space)));
+    EXPECT_EQ(column(of("drives"), "manufacturer", text), Texts{"b=c"});
+    EXPECT_EQ(column(of("drives"), "capacity_mb", text), Texts{""})
+        << "9,DM=Kestrel, Inc.,DC=73400MB is no number";
+    EXPECT_EQ(column(of("drives"), "interface_type", text), Texts{"FC,AL"});
+    EXPECT_EQ(column(of("drives"), "state", text), Texts{"-1"});
+}
+
+TEST(List, WhatIsNoNumberIsNoValue)
+{
+    for (const std::string text : {"", "x", "1x", " 1", "0x1", "99999999999999999999", "1.5", "-"}) {
+        const std::string document =
+            ofEnclosures(resource("TARN Rack", "R", property("R2", "Rack Number", text)));
+        EXPECT_EQ(json::parse(listed(of("racks", Format::json), {document})).at(0).count("rack"), 0U) << text;
+    }
+}
+
+TEST(List, MicrosecondsHaveNoLeadingZerosInTheDocument)
+{
+    const auto collected = [](const std::string& stamp) {
+        return column(of("systems"), "collected", inventory(resource("S", "S", ""), stamp)).at(0);
+    };
+    EXPECT_EQ(collected("1795297655.94324"), "2026-11-21T21:47:35.094324Z");
+    EXPECT_EQ(collected("1795297655.5"), "2026-11-21T21:47:35.000005Z");
+    EXPECT_EQ(collected("0.0"), "1970-01-01T00:00:00.000000Z");
+    EXPECT_EQ(collected("0.1000000"), "") << "no second has so many";
+}
+
+// --- Rows
+
+TEST(List, OnePhysicalPartIsOneRow)
+{
+    const auto seen = [](const std::string& image, const std::string& partition, const std::string& level) {
+        return enclosure(
+            {.id = "E", .serial = "1", .location = "R-1", .image = image, .partition = partition},
+            drive("E", {.slot = "-D1", .serial = "A", .level = level, .image = image}));
+    };
+    const std::string twice = ofEnclosures(seen("I1", "1", "L") + seen("I2", "2", "L"));
+    ListOptions options = of("drives", Format::json);
+    options.columns = {"id", "within", "image", "partitions"};
+    EXPECT_EQ(
+        json::parse(listed(options, {twice})),
+        json::parse(
+            R"([{"id": "E-D1", "within": "E", "image": "I1", "partitions": ["SYSTEM-1-1", "SYSTEM-1-2"]}])"));
+    EXPECT_EQ(column(of("storage-enclosures"), "partitions", twice), Texts{"SYSTEM-1-1 SYSTEM-1-2"});
+    const std::string changed = ofEnclosures(seen("I1", "1", "L") + seen("I2", "2", "M"));
+    EXPECT_EQ(column(of("drives"), "ec_level", changed), (Texts{"L", "M"}));
+}
+
+TEST(List, AbsentPartsAreNoRows)
+{
+    const std::string text =
+        ofEnclosures(resource("Quay", "", "") + resource("Fan Tray", "", property("PN", "Part Number", "")) +
+                     resource("Fan Tray", "", property("PN", "Part Number", "P")) +
+                     resource("Rack Battery Assembly", "", property("SN", "Serial Number", "S")));
+    EXPECT_EQ(column(of("all"), "kind", text), (Texts{"system", "fanTray", "battery"}));
+}
+
+TEST(List, PartsOfNoKnownKindAreOthers)
+{
+    const std::string text =
+        ofEnclosures(resource("Something New", "N", property("SN", "Serial Number", "7")));
+    EXPECT_EQ(listed(of("other"), {text}), "id  name           serial  part_number  ec_level  firmware\n"
+                                           "N   Something New  7\n");
+}
+
+// --- Conditions, order, counts
+
+TEST(List, ConditionsMustAllHold)
+{
+    const std::string text = drivesOf({"5.2", "5.10", "5.10", "", "T0A4"});
+    const auto slots = [&](const Texts& conditions) {
+        ListOptions options = of("drives");
+        options.conditions = conditions;
+        return column(options, "slot", text);
+    };
+    EXPECT_EQ(slots({"firmware = 5.10"}), (Texts{"2", "3"}));
+    EXPECT_EQ(slots({"firmware=5.10", "slot>2"}), (Texts{"3"}));
+    EXPECT_EQ(slots({"firmware != 5.10"}), (Texts{"1", "4", "5"}));
+    EXPECT_EQ(slots({"firmware < 5.10"}), (Texts{"1"})) << "5.2 is before 5.10";
+    EXPECT_EQ(slots({"firmware <= 5.10"}), (Texts{"1", "2", "3"}));
+    EXPECT_EQ(slots({"firmware > 5.10"}), (Texts{"5"}));
+    EXPECT_EQ(slots({"firmware >= 5.10"}), (Texts{"2", "3", "5"}));
+    EXPECT_EQ(slots({"firmware ~ ^5\\.(2|3)$"}), (Texts{"1"}));
+    EXPECT_EQ(slots({"firmware ="}), (Texts{"4"}));
+    EXPECT_EQ(slots({"firmware !="}), (Texts{"1", "2", "3", "5"}));
+    EXPECT_EQ(slots({"slot ~ [45]"}), (Texts{"4", "5"}));
+    EXPECT_EQ(slots({"slot >= 4"}), (Texts{"4", "5"}));
+    EXPECT_EQ(slots({"rack < 9"}), Texts{}) << "no rack is less than no number";
+    EXPECT_EQ(slots({"rack != 9"}).size(), 5U);
+    EXPECT_EQ(slots({"partitions = SYSTEM-1-1"}).size(), 5U);
+    EXPECT_EQ(slots({"partitions != SYSTEM-1-1"}), Texts{});
+}
+
+TEST(List, SaysWhatIsWrongWithAQuestion)
+{
+    const auto failure = [](const ListOptions& options) {
+        try {
+            listed(options, {});
+            return std::string("none");
+        } catch (const platform::Failure& wrong) {
+            return std::string(wrong.what());
+        }
+    };
+    const auto where = [&](const std::string& condition) {
+        ListOptions options = of("drives");
+        options.conditions = {condition};
+        return failure(options);
+    };
+    EXPECT_THAT(failure(of("drvies")), testing::HasSubstr("did you mean \"drives\""));
+    EXPECT_THAT(where("firmwear = 1"), testing::HasSubstr("did you mean \"firmware\""));
+    EXPECT_THAT(where("firmware"), testing::HasSubstr("COLUMN OP VALUE"));
+    EXPECT_THAT(where("slot = x"), testing::HasSubstr("slot holds whole numbers"));
+    EXPECT_THAT(where("firmware ~ ("), testing::HasSubstr("no regular expression"));
+    EXPECT_EQ(where("slot ~ x"), "none");
+    ListOptions options = of("drives");
+    options.count = Texts{"rack"};
+    options.order = {"slot"};
+    EXPECT_THAT(failure(options), testing::HasSubstr("slot"));
+}
+
+TEST(List, IsSortedByColumnsWithWhatHasNoValueLast)
+{
+    const std::string text = drivesOf({"5.10", "", "5.2", "5.10"});
+    const auto slots = [&](const Texts& order) {
+        ListOptions options = of("drives");
+        options.order = order;
+        return column(options, "slot", text);
+    };
+    EXPECT_EQ(slots({"firmware"}), (Texts{"3", "1", "4", "2"}));
+    EXPECT_EQ(slots({"-firmware"}), (Texts{"1", "4", "3", "2"}));
+    EXPECT_EQ(slots({"-firmware", "-slot"}), (Texts{"4", "1", "3", "2"}));
+    EXPECT_EQ(slots({"-slot"}), (Texts{"4", "3", "2", "1"}));
+}
+
+TEST(List, Counts)
+{
+    const std::string text = drivesOf({"5.10", "", "5.2", "5.10"});
+    ListOptions options = of("drives");
+    options.count = Texts{};
+    EXPECT_EQ(listed(options, {text, text}), "8\n");
+    EXPECT_EQ(listed(options, {ofSystem("")}), "0\n");
+    options.count = Texts{"firmware"};
+    EXPECT_EQ(listed(options, {text}),
+              "firmware  count\n5.2           1\n5.10          2\n              1\n");
+    options.order = {"-count"};
+    options.format = Format::json;
+    EXPECT_EQ(
+        json::parse(listed(options, {text})),
+        json::parse(R"([{"firmware": "5.10", "count": 2}, {"firmware": "5.2", "count": 1}, {"count": 1}])"));
+}
+
+// --- Formats
+
+TEST(List, ATableTellsDocumentsApart)
+{
+    ListOptions options = of("systems");
+    options.several = true;
+    EXPECT_EQ(listed(options, {ofSystem(""), inventory(resource("B", "B", ""))}),
+              "system    collected                    id\n"
+              "SYSTEM-1  2026-11-21T13:41:03.000005Z  SYSTEM-1\n"
+              "B         2026-11-21T13:41:03.000005Z  B\n");
+}
+
+TEST(List, ColumnsAreChosenOrAdded)
+{
+    const std::string text = drivesOf({"L"});
+    ListOptions options = of("drives");
+    options.columns = {"slot", "id"};
+    EXPECT_EQ(listed(options, {text}), "slot  id\n   1  E-D1\n");
+    options.added = {"within", "id"};
+    EXPECT_EQ(listed(options, {text}), "slot  id    within\n   1  E-D1  E\n");
+    options = of("hosts");
+    options.added = {"within"};
+    EXPECT_EQ(listed(options, {ofPartitions(resource("P", "P1", hosts("web, 1=2,")))}),
+              "description  ports  partition  within\nweb, 1           2  P          P1\n");
+}
+
+TEST(List, NothingObeysOrHidesInATable)
+{
+    const std::string text = ofEnclosures(resource("Quay", "a\x1b[31m\xE2\x80\xAE\nb", ""));
+    ListOptions options = of("consoles");
+    options.header = false;
+    EXPECT_EQ(listed(options, {text}), "a\\x1B[31m\\u{202E}\\nb\n");
+}
+
+TEST(List, CsvAndJsonCarryTextAsItIs)
+{
+    const std::string id = "a\x1b\"x\",\r\n\xFF=1";
+    const std::string text = ofEnclosures(resource("Quay", id, ""));
+    ListOptions options = of("consoles", Format::csv);
+    options.columns = {"id", "kind"};
+    EXPECT_EQ(listed(options, {text}), "id,kind\n\"a\x1b\"\"x\"\",\r\n\xEF\xBF\xBD=1\",console\n");
+    options.format = Format::lines;
+    EXPECT_EQ(json::parse(listed(options, {text})),
+              json({{"id", "a\x1b\"x\",\r\n\xEF\xBF\xBD=1"}, {"kind", "console"}}));
+    options.header = false;
+    options.format = Format::csv;
+    EXPECT_EQ(listed(options, {ofEnclosures(resource("Quay", " =1 ", ""))}), "\" =1 \",console\n");
+}
+
+TEST(List, JsonOfNothingIsAnEmptyList)
+{
+    EXPECT_EQ(listed(of("drives", Format::json), {ofSystem("")}), "[]\n");
+    EXPECT_EQ(listed(of("drives", Format::lines), {ofSystem("")}), "");
+    EXPECT_EQ(listed(of("drives", Format::json), {}), "[]\n");
+}
+
+} // namespace

@@ -1,0 +1,89 @@
+#include "partsCheck.h"
+
+#include "document/list.h"
+#include "document/reader.h"
+#include "jsonSchema.h"
+#include "partsTable.h"
+
+#include <nlohmann/json.hpp>
+
+namespace kordTest
+{
+
+namespace
+{
+
+using nlohmann::json;
+
+document::Document parse(const std::string& text)
+{
+    document::Input input("document.xml", text);
+    return document::read(input);
+}
+
+std::string listed(const std::string& text)
+{
+    document::ListOptions options;
+    options.kind = "all";
+    options.format = document::Format::json;
+    std::string written;
+    document::List list(options, [&](std::string_view piece) { written += piece; });
+    list.add(parse(text));
+    list.finish();
+    return written;
+}
+
+std::string treeOf(const std::string& text)
+{
+    std::string written;
+    document::writeJson(parse(text), [&](std::string_view piece) { written += piece; });
+    return written;
+}
+
+/// Where two values differ first, and how.
+std::string differenceOf(const json& expected, const json& found)
+{
+    if (expected == found) return "";
+    const json changes = json::diff(expected, found);
+    const std::string place = changes.at(0).at("path");
+    const json::json_pointer pointer(place);
+    const auto shown = [](const json& value) {
+        return value.dump(-1, ' ', true, json::error_handler_t::replace).substr(0, 300);
+    };
+    const std::string was = expected.contains(pointer) ? shown(expected.at(pointer)) : "nothing";
+    const std::string is = found.contains(pointer) ? shown(found.at(pointer)) : "nothing";
+    return place + " is " + is + ", not " + was;
+}
+
+void addFaults(std::vector<std::string>& faults, const std::string& what, const json& expected,
+               const std::string& found)
+{
+    const std::string difference = differenceOf(expected, json::parse(found));
+    if (!difference.empty()) faults.push_back(what + ' ' + difference);
+    for (const std::string& fault : schemaFaults(KORD_DOCUMENT_SCHEMA, found))
+        faults.push_back(what + ' ' + fault);
+}
+
+/// The measure with bytes that are no UTF-8 as JSON has them.
+json asJson(const json& measure)
+{
+    return json::parse(measure.dump(-1, ' ', false, json::error_handler_t::replace));
+}
+
+} // namespace
+
+std::vector<std::string> partsFaults(const std::string& text)
+{
+    const Document document = readDocument(text);
+    std::vector<std::string> faults;
+    addFaults(faults, "rows", asJson(partRows(document)), listed(text));
+    const std::string found = treeOf(text);
+    json tree = {{"timestamp", document.timestamp},
+                 {"complete", json::parse(found).at("complete")},
+                 {"missing", json::parse(found).at("missing")},
+                 {"system", asJson(partTree(document))}};
+    addFaults(faults, "tree", tree, found);
+    return faults;
+}
+
+} // namespace kordTest
