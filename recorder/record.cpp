@@ -7,6 +7,7 @@
 #include "platform/failure.h"
 #include "platform/installation.h"
 #include "platform/process.h"
+#include "platform/text.h"
 #include "platform/wholeFile.h"
 #include "recorder/builder.h"
 #include "recorder/gatherer.h"
@@ -147,7 +148,9 @@ StandIns readMap(const std::string& path)
     std::ifstream file(path, std::ios::binary);
     if (path.empty() || (!file && errno == ENOENT)) return standIns;
     std::ostringstream text;
-    if (!file || !(text << file.rdbuf())) throw platform::failedOn(path);
+    if (!file) throw platform::failedOn(path);
+    text << file.rdbuf();
+    if (text.str().empty()) return standIns; // made, but not used yet
     try {
         standIns.load(text.str());
     } catch (const platform::Failure& failure) {
@@ -175,9 +178,11 @@ void tellWhatIsNext(const Options& options, const Origin& origin, const std::vec
     if (!program.empty()) repeat.emplace_back("--");
     repeat.insert(repeat.end(), program.begin(), program.end());
     const std::string log = origin.system.empty() ? "TRACE" : "DIR/" + facility::traceLogOf(origin.system);
-    std::fprintf(stderr, "kord: repeat it with: %s\nkord: and see what happened: %s\n",
-                 platform::commandText(repeat).c_str(),
-                 platform::commandText({"kord", "explain", log}).c_str());
+    const std::string lines =
+        "kord: repeat it with: " + platform::shown(platform::commandText(repeat)) +
+        "\nkord: and see what happened: " + platform::shown(platform::commandText({"kord", "explain", log})) +
+        '\n';
+    std::fputs(lines.c_str(), stderr);
 }
 
 /// A tape as its replay must repeat it. The numbers of resources are the recorder's own; the arguments of a

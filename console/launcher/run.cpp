@@ -8,11 +8,11 @@
 #include "image/image.h"
 #include "links.h"
 #include "namespaces.h"
+#include "platform/commandLine.h"
 #include "platform/failure.h"
 #include "platform/installation.h"
 #include "platform/process.h"
 
-#include <cstdio>
 #include <cstdlib>
 #include <unistd.h>
 
@@ -64,22 +64,19 @@ std::vector<std::string> programOf(const RunOptions& options, const Recording& r
     return program;
 }
 
-void say(const std::string& line)
-{
-    std::fprintf(stderr, "kord-console: %s\n", line.c_str());
-}
-
 /// Where the run is a recording's, what came of it.
 void tellOutcome(const Recording& recording, const fs::path& root, int status)
 {
+    constexpr const char* name = "kord-console";
     std::string line = platform::commandText(recording.command) + " ended with " + std::to_string(status);
     if (recording.status == status) line += ", as recorded";
     if (recording.status >= 0 && recording.status != status)
         line += "; recorded was " + std::to_string(recording.status);
     if (!recording.date.empty()) line += " on " + recording.date;
-    say(line);
-    say("see what happened: " +
-        platform::commandText({"kord", "explain", root / facility::traceLogOf(recording.command[2])}));
+    platform::complain(name, line);
+    platform::complain(name, "see what happened: " +
+                                 platform::commandText(
+                                     {"kord", "explain", root / facility::traceLogOf(recording.command[2])}));
 }
 
 } // namespace

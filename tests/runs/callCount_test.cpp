@@ -9,6 +9,7 @@
 #include <cstdlib>
 #include <gtest/gtest.h>
 #include <iostream>
+#include <nlohmann/json.hpp>
 
 namespace kordTest
 {

@@ -5,6 +5,7 @@
 #include "tempFolder.h"
 
 #include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
 #include <unistd.h>
 
 namespace kordTest
