@@ -1,6 +1,7 @@
 // A run's account in plain words.
 
 #include "document/explainWords.h"
+#include "document/tables.h"
 
 #include "platform/text.h"
 
@@ -15,74 +16,6 @@ namespace
 {
 
 using platform::shown;
-
-/// What a function asks for, in the words of an operator; and what its count is called in the document.
-struct Asked {
-    std::string_view function;
-    std::string_view words;
-    std::string_view count = {};
-};
-constexpr std::array<Asked, 53> askedFor = {{
-    {"querySystem", "the facility system"},
-    {"queryPartnerSystem", "the facility's other system"},
-    {"queryPartition", "the partitions"},
-    {"queryValeId", "the managed node of a partition"},
-    {"queryValeStatus", "the status of a partition"},
-    {"queryValePartnerStatus", "the status of a partition of the partner"},
-    {"addCecEnclKord", "processor complexes"},
-    {"queryNVC", "control cards"},
-    {"addIoEnclKord", "I/O enclosures"},
-    {"queryDA", "device adapters"},
-    {"queryHA", "host adapters"},
-    {"addStorEnclKord", "racks, for their storage enclosures"},
-    {"queryStorageEnclosure", "storage enclosures"},
-    {"queryDDM", "drives"},
-    {"queryFCIC", "interface cards"},
-    {"queryBaffle", "baffles"},
-    {"addRackEnclKord", "racks"},
-    {"queryPPS", "power supplies"},
-    {"queryBattery", "batteries"},
-    {"queryRPC", "power control cards"},
-    {"queryFanSense", "fan sense cards"},
-    {"queryFanTray", "fan trays"},
-    {"addQuayEnclKord", "consoles"},
-    {"addPartitionKord", "the partition's location code"},
-    {"queryMemoryProc", "memory and processors", "h0 to h3"},
-    {"enumerateVRMF", "the microcode level"},
-    {"querySFImageWWNN", "the image's node name"},
-    {"queryScsiHostPort", "host descriptions"},
-    {"queryArraySites", "array sites"},
-    {"queryArrays", "arrays"},
-    {"queryRanks", "ranks"},
-    {"querySegmentPools", "segment pools"},
-    {"enumerateVolumeGroup", "the number of volume groups", "o0"},
-    {"enumerateScsiHostPort", "the number of host ports", "o1"},
-    {"enumerateTeskHost", "the number of hosts", "o2"},
-    {"enumerateLogicalCKDLssObj", "the number of logical subsystems for CKD", "o3"},
-    {"enumerateLogicalFBLssObj", "the number of logical subsystems for FB", "o4"},
-    {"enumerateLogicalVolume0", "a number of volumes", "v0"},
-    {"enumerateLogicalVolume1", "a number of volumes", "v1"},
-    {"enumerateLogicalVolume2", "a number of volumes", "v2"},
-    {"enumerateLogicalVolume3", "a number of volumes", "v3"},
-    {"enumerateLogicalVolume4", "a number of volumes", "v4"},
-    {"enumerateLogicalVolume5", "a number of volumes", "v5"},
-    {"enumerateLogicalVolume6", "a number of volumes", "v6"},
-    {"enumerateLogicalVolume7", "a number of volumes", "v7"},
-    {"enumerateHAPort0", "the number of adapter ports", "p0"},
-    {"enumerateHAPort1", "a number of adapter ports", "p1"},
-    {"enumerateHAPort2", "a number of adapter ports", "p2"},
-    {"enumerateHAPort3", "a number of adapter ports", "p3"},
-    {"enumerateHAPort4", "a number of adapter ports", "p4"},
-    {"querySFState", "the facility's power state"},
-    {"querySFSystemState", "the system's power state"},
-    {"queryRackEnclMTMS", "a rack's MTMS"},
-}};
-
-const Asked* askedBy(std::string_view function)
-{
-    const auto* const found = std::ranges::find(askedFor, function, &Asked::function);
-    return found == askedFor.end() ? nullptr : found;
-}
 
 /// The document's sections, by the phase that writes them.
 constexpr std::array<std::string_view, 6> sections = {
@@ -166,7 +99,7 @@ struct KindWords {
     std::string (*words)(const Problem&);
 };
 
-constexpr std::array<KindWords, 21> kindWords = {{
+constexpr std::array<KindWords, 23> kindWords = {{
     {"callFailed", failedWords},
     {"nothingFound", [](const Problem&) -> std::string { return "nothing was found"; }},
     {"responseInError", errorWords},
@@ -191,6 +124,11 @@ constexpr std::array<KindWords, 21> kindWords = {{
     {"programSilent", [](const Problem&) -> std::string { return "it printed nothing that was looked for"; }},
     {"programUnended", [](const Problem&) -> std::string { return "it printed no whole line"; }},
     {"programUnread", [](const Problem&) -> std::string { return "what it printed could not be read"; }},
+    {"programBlank", [](const Problem&) -> std::string { return "the first line that it printed is empty"; }},
+    {"programTalkative",
+     [](const Problem& problem) {
+         return "it printed " + numberWords(problem) + " lines; the first one was taken";
+     }},
     {"documentNotStarted",
      [](const Problem& problem) {
          return problem.message.empty() ? "the document could not be started"
@@ -238,14 +176,13 @@ std::string beyond(const Problem& problem)
 
 std::string missingParts(const Problem& problem)
 {
-    const Asked* asked = askedBy(problem.function);
-    if (asked == nullptr) return "";
-    const std::string where = partWords(problem);
+    const TableQuery* query = tables().query(problem.function);
+    if (query == nullptr) return "";
     if (problem.function == "querySFImageWWNN" && problem.severity == Severity::filed)
         return "the rest of the partition, and the partitions behind it";
-    if (!asked->count.empty()) return std::string(asked->count) + " stands as 0 in the counts of " + where;
-    return std::string(asked->words) + " of " + where + beyond(problem) +
-           (problem.standsInstead ? "; one without values stands there" : "");
+    const std::string what = query->things + " of " + partWords(problem);
+    if (query->counts) return "nothing, but the count of " + what + " stands as 0";
+    return what + beyond(problem) + (problem.standsInstead ? "; one without values stands there" : "");
 }
 
 // ---- the text ----
@@ -432,10 +369,10 @@ std::string askedWords(const Problem& problem)
     if (problem.call == "program") return shown(problem.program);
     if (problem.call == "file") return "the document's file";
     if (problem.className.empty()) return {};
-    const Asked* asked = askedBy(problem.function);
+    const TableQuery* query = tables().query(problem.function);
     std::string text = problem.className;
     if (problem.kind == "valueMissing") return text;
-    if (asked != nullptr) text = std::string(asked->words) + ": " + text;
+    if (query != nullptr) text = query->things + ": " + text;
     text += ", " + problem.call + (problem.action.empty() ? "" : " " + problem.action);
     return text + ", " + problem.session + " session";
 }

@@ -76,15 +76,15 @@ struct ShownValues {
     std::string_view code;
     std::string_view function;
     std::array<std::string_view, 4> attributes;
-    bool counts = false; ///< the first value is how many a list has
+    std::string_view number = {}; ///< the attribute of a value that is a number, and 0 when there is none
 };
-constexpr std::array<ShownValues, 12> shownValues = {{
+constexpr std::array<ShownValues, 14> shownValues = {{
     {.code = "0016", .function = "queryValeId", .attributes = {"StorageFacilityImageID", "Hostname"}},
     {.code = "0118", .function = "addCecEnclKord", .attributes = {"locationCode"}},
     {.code = "0319",
      .function = "queryStorageEnclosure",
      .attributes = {"interfaceIdentifier"},
-     .counts = true},
+     .number = "interfaceIdentifier"},
     {.code = "0320", .function = "queryStorageEnclosure", .attributes = {"", "", "enclosureNumber", ""}},
     {.code = "0321", .function = "queryStorageEnclosure", .attributes = {"enclosureMTMS"}},
     {.code = "0326",
@@ -92,11 +92,17 @@ constexpr std::array<ShownValues, 12> shownValues = {{
      .attributes = {"locationCode", "rackNumber", "rackEnclosureMTMS"}},
     {.code = "0404",
      .function = "addRackEnclKord",
-     .attributes = {"", "locationCode", "rackNumber", "rackEnclosureMTMS"}},
+     .attributes = {"rackIdentifier", "locationCode", "rackNumber", "rackEnclosureMTMS"},
+     .number = "rackIdentifier"},
     {.code = "0504", .function = "addQuayEnclKord", .attributes = {"quayLocationCode"}},
     {.code = "0614", .function = "enumerateVRMF", .attributes = {"the level"}},
-    {.code = "0686", .function = "queryArrays", .attributes = {"arraySites"}, .counts = true},
-    {.code = "0687", .function = "queryArrays", .attributes = {"arraySiteConfiguration"}, .counts = true},
+    {.code = "0686", .function = "queryArrays", .attributes = {"arraySites"}, .number = "arraySites"},
+    {.code = "0687",
+     .function = "queryArrays",
+     .attributes = {"arraySiteConfiguration"},
+     .number = "arraySiteConfiguration"},
+    {.code = "0676", .function = "queryScsiHostPort", .attributes = {"userHostDescription"}},
+    {.code = "0677", .function = "queryScsiHostPort", .attributes = {"userHostDescription"}},
     {.code = "0109", .function = "querySystem", .attributes = {"storageFacilityWWNN"}},
 }};
 
@@ -156,10 +162,7 @@ void RunReader::read(const TraceLine& line)
     progress.read(line);
     if (!line.whole) ++run.strangeLines;
     if (line.code == "==>") return enter(line, trimmed(line.text));
-    if (line.code == ">>") {
-        run.documentStarted = run.documentStarted || trimmed(line.text) == "openInventory";
-        return;
-    }
+    if (line.code == ">>") return write(line, trimmed(line.text));
     const std::optional<Match> match = matchOf(line);
     if (match)
         act(line, *match);
@@ -187,6 +190,31 @@ void RunReader::enter(const TraceLine& line, std::string_view function)
         current = {.query = &query, .selection = workedOutSelection(query), .workedOut = true};
         lastCalls[query.function] = current;
     }
+}
+
+/// A line of the document's writers. Some end what was asked for, and tell by that what has not come.
+void RunReader::write(const TraceLine& line, std::string_view what)
+{
+    run.documentStarted = run.documentStarted || what == "openInventory";
+    const auto nothingOf = [&](const char* function, const char* attribute) {
+        const Call& call = lastCalls[function];
+        if (call.query != nullptr) missingValue(line, call.query->className, attribute, call);
+    };
+    if (what.starts_with("closePartitionResources ") && adaptersWithInterfaces < adapters)
+        nothingOf("queryHA", "interfaceIdentifier");
+    if (what.starts_with("closeEnclosures ") && entry == "getQuaySE" && consoles == 0 && !consolesFailed)
+        nothingOf("addQuayEnclKord", "quayLocationCode");
+    if (what.starts_with("closePartitionResources ")) adapters = adaptersWithInterfaces = interfacesLeft = 0;
+}
+
+/// Each interface of an adapter's list has a line that tells how many there are.
+void RunReader::readInterface(const TraceLine&, const Match& match)
+{
+    if (interfacesLeft == 0) {
+        ++adaptersWithInterfaces;
+        interfacesLeft = numberOf(match.values[0]);
+    }
+    --interfacesLeft;
 }
 
 /// The lines that the text can have been made by, and of these the one that stands where the run is.
@@ -253,7 +281,7 @@ const TableQuery* RunReader::nodeQuery(std::string_view selection) const
 
 void RunReader::act(const TraceLine& line, const Match& match)
 {
-    static const std::array<HandlerRow, 34> handlers = {{
+    static const std::array<HandlerRow, 37> handlers = {{
         {"SRCV", "", 2, &RunReader::readStart},
         {"0002", "", 2, &RunReader::readNoTypeModel},
         {"0003", "", 1, &RunReader::readOption},
@@ -288,6 +316,9 @@ void RunReader::act(const TraceLine& line, const Match& match)
         {"0504", "", 1, &RunReader::readValues},
         {"0614", "", 1, &RunReader::readValues},
         {"0686", "", 2, &RunReader::readValues},
+        {"0676", "", 2, &RunReader::readValues},
+        {"0677", "queryScsiHostPort", 2, &RunReader::readValues},
+        {"0217", "", 2, &RunReader::readInterface},
     }};
     const std::string& role = match.line->role;
     if (match.query != nullptr) {
@@ -335,6 +366,7 @@ void RunReader::checkSelection(const TraceLine& line, const Call& call)
 void RunReader::failed(const TraceLine& line, const Match& match)
 {
     const TableQuery& query = *match.query;
+    consolesFailed = consolesFailed || query.function == "addQuayEnclKord";
     const int64_t number = match.values.empty() ? 0 : numberOf(match.values[0]);
     const auto isOf = [&](const FailureEnd& end) {
         return !end.number || static_cast<int64_t>(static_cast<int32_t>(*end.number)) == number;
@@ -364,6 +396,7 @@ void RunReader::failed(const TraceLine& line, const Match& match)
 void RunReader::succeeded(const TraceLine& line, const Match& match)
 {
     const TableQuery& query = *match.query;
+    if (query.function == "queryHA") adapters = numberOf(match.values[0]);
     if (match.values.size() < 2) return;
     const auto answered = static_cast<size_t>(std::max<int64_t>(numberOf(match.values[1]), 0));
     if (answered >= query.attributes.size()) return;
@@ -376,10 +409,10 @@ void RunReader::succeeded(const TraceLine& line, const Match& match)
 std::optional<std::string> RunReader::workedOutSelection(const TableQuery& query) const
 {
     if (!query.selection) return std::nullopt;
-    std::string value;
-    if (query.selection->starts_with("managedSystemMTMS=") && !query.tracesSelection)
-        value = query.function == "queryPartition" && partitionQueries > 1 ? partner : managedSystem();
-    if (value.empty()) return std::nullopt;
+    if (!query.selection->starts_with("managedSystemMTMS=") || query.tracesSelection) return std::nullopt;
+    const bool isPartners = query.function == "queryPartition" && partitionQueries > 1;
+    const std::string value = isPartners ? partner : managedSystem();
+    if (value.empty() && !isPartners) return std::nullopt; // of the partner an empty one is asked for
     std::string selection = *query.selection;
     return selection.replace(selection.find("%s"), 2, value);
 }
@@ -471,13 +504,15 @@ void RunReader::missingValue(const TraceLine& line, const std::string& className
 
 void RunReader::readValues(const TraceLine& line, const Match& match)
 {
+    if (line.code == "0504") ++consoles;
     const auto* const row = std::ranges::find_if(shownValues, [&](const ShownValues& shown) {
         return shown.code == match.line->code && shown.function == match.line->function;
     });
     const auto call = row == shownValues.end() ? lastCalls.end() : lastCalls.find(row->function);
     if (call == lastCalls.end() || call->second.query == nullptr) return;
     for (size_t i = 0; i < row->attributes.size() && i < match.values.size(); ++i) {
-        const bool missing = row->counts ? i == 0 && numberOf(match.values[0]) == 0 : match.values[i].empty();
+        const std::string_view none = row->attributes[i] == row->number ? "0" : "";
+        const bool missing = match.values[i] == none;
         if (missing && !row->attributes[i].empty())
             missingValue(line, call->second.query->className, std::string(row->attributes[i]), call->second);
     }
@@ -651,9 +686,20 @@ static std::string stateCommand(const std::string& user, std::string_view system
            std::string("/opt/brisk/bin/qmstat -r sys -m \"") + std::string(system) + "\" -F state";
 }
 
+/// Only the first line that a program prints is read.
+void RunReader::checkOutput(const TraceLine& line, const Match& match, const std::string& command)
+{
+    const int64_t lines = numberOf(match.values[1]);
+    const bool isBlank = match.line->function != "checkSystemState" && trimmed(match.values[2]).empty();
+    trouble = {};
+    if (lines < 2 && !isBlank) return;
+    trouble.kind = isBlank ? "programBlank" : "programTalkative";
+    addOfProgram(line, match, command).number = lines;
+}
+
 void RunReader::readState(const TraceLine& line, const Match& match)
 {
-    trouble = {};
+    checkOutput(line, match, stateCommand(run.user, match.values[2]));
     if (match.values[3] == "Operating") return;
     Problem problem = problemAt(line, "notOperating", Severity::fatal);
     problem.function = match.line->function;
@@ -678,7 +724,7 @@ void RunReader::readUser(const TraceLine& line, const Match& match)
     const bool known = numberOf(match.values[0]) == 0 && numberOf(match.values[1]) > 0;
     if (!known) return readNoUser(line, match);
     run.user = match.values[2];
-    trouble = {};
+    checkOutput(line, match, commandOf("getLoginUserName"));
 }
 
 void RunReader::readNoUser(const TraceLine& line, const Match& match)
@@ -687,9 +733,9 @@ void RunReader::readNoUser(const TraceLine& line, const Match& match)
     addOfProgram(line, match, commandOf("getLoginUserName"));
 }
 
-void RunReader::readConsole(const TraceLine&, const Match& match)
+void RunReader::readConsole(const TraceLine& line, const Match& match)
 {
-    trouble = {};
+    checkOutput(line, match, commandOf(match.line->function));
     run.console += (run.console.empty() ? "" : "-") + std::string(match.values[2]);
 }
 

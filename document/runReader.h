@@ -50,6 +50,7 @@ private:
     struct HandlerRow;
 
     void enter(const TraceLine& line, std::string_view function);
+    void write(const TraceLine& line, std::string_view what);
     void event(const TraceLine& line, std::string_view what);
     [[nodiscard]] std::optional<Match> matchOf(const TraceLine& line) const;
     [[nodiscard]] int fitness(const Match& match) const;
@@ -82,12 +83,14 @@ private:
     void readSessionFailed(const TraceLine& line, const Match& match);
     void readSessionEnd(const TraceLine& line, const Match& match);
     void readSessionEndFailed(const TraceLine& line, const Match& match);
+    void readInterface(const TraceLine& line, const Match& match);
     void readValues(const TraceLine& line, const Match& match);
 
     Problem& add(Problem problem);
     [[nodiscard]] Problem problemAt(const TraceLine& line, const char* kind, Severity severity) const;
     Problem& addOfCall(const TraceLine& line, const Match& match, const char* kind, Severity severity,
                        const Call& call);
+    void checkOutput(const TraceLine& line, const Match& match, const std::string& command);
     Problem& addOfProgram(const TraceLine& line, const Match& match, const std::string& command);
     void attach(FiledEvent filed, bool awaited);
     void missingValue(const TraceLine& line, const std::string& className, const std::string& attribute,
@@ -120,6 +123,11 @@ private:
     bool filesMessage = false;
     std::vector<FiledEvent> loose; ///< filed before the line that tells why
     std::set<std::string> missingTold;
+    int64_t adapters = 0; ///< host adapters of the last answer
+    int64_t adaptersWithInterfaces = 0;
+    int64_t interfacesLeft = 0; ///< of an adapter's list
+    size_t consoles = 0;
+    bool consolesFailed = false;
 };
 
 } // namespace document

@@ -55,7 +55,7 @@ struct Source {
     std::string_view function; ///< of the query that asks; empty: any
     ValueSource source;
 };
-constexpr std::array<Source, 13> sources = {{
+constexpr std::array<Source, 14> sources = {{
     {"storageFacilityImageMTMS", "", {"Orvik.ManagedNode", "StorageFacilityImageID"}},
     {"ActivePeerDomain", "", {"Orvik.ManagedNode", "StorageFacilityImageID"}},
     {"LParID", "", {"Orvik.TarnStorageFacilityPartition", "lparId"}},
@@ -64,6 +64,9 @@ constexpr std::array<Source, 13> sources = {{
     {"locationCode", "enumerateVRMF", {"Orvik.TarnStorageFacilityPartition", "locationCode"}},
     {"locationCode", "", {"Orvik.TarnIODrawer", "locationCode"}},
     {"storageFacilityMTMS", "", {"Orvik.TarnStorageFacilitySystem", "storageFacilityMTMS"}},
+    {"managedSystemMTMS",
+     "queryPartition",
+     {"Orvik.TarnStorageFacility", "managedSystem0MTMS, managedSystem1MTMS"}},
     {"HWModel", "", {"Orvik.TarnStorageFacility", "managedSystem0MTMS, managedSystem1MTMS"}},
     {"rackNumber", "", {"Orvik.TarnRack", "rackNumber"}},
     {"rackEnclosureMTMS", "", {"Orvik.TarnRack", "rackEnclosureMTMS"}},

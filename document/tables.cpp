@@ -59,6 +59,8 @@ TableQuery queryOf(const json& row)
                      .selectionFormat = {},
                      .action = textIn(row, "action"),
                      .attributes = {},
+                     .things = textIn(row, "things"),
+                     .counts = row.at("counter").get<bool>(),
                      .entry = {},
                      .lines = {}};
     if (row.at("selection").is_string()) {

@@ -64,7 +64,9 @@ struct TableQuery {
     LineFormat selectionFormat;
     std::string action;
     std::vector<std::string> attributes;
-    std::string entry; ///< the function's name in its "==>" line; empty: it writes none
+    std::string things;  ///< what it asks for: "the drives"
+    bool counts = false; ///< only how many there are is told
+    std::string entry;   ///< the function's name in its "==>" line; empty: it writes none
     std::vector<TableLine> lines;
     bool tracesSelection = false;
 };

@@ -175,7 +175,7 @@ void TraceReader::settle()
           .text = text,
           .further = further,
           .number = number,
-          .whole = whole && (single || joined.fits)});
+          .whole = single || (whole && joined.fits)});
 }
 
 void TraceReader::dropMiddle()

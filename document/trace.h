@@ -19,7 +19,7 @@ struct TraceLine {
     std::string_view text;    ///< in one piece, as it was before it was wrapped; it may hold line feeds
     std::string_view further; ///< unstamped lines below that are no part of the text
     size_t number = 0;        ///< of its first line in the log, from 1
-    bool whole = true;        ///< it is as the collector wrote it, as far as its form tells
+    bool whole = true;        ///< the text is as the collector wrote it, as far as its form tells
 };
 
 /// The exit status that a run's closing line tells; none when it is another line.

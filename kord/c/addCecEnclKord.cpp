@@ -100,8 +100,24 @@ int32_t addDrawer(kordRec* pKordRec, const char* locationCode_cec, int32_t* open
 // --- What the tables tell
 
 constexpr ToldQuery queries[] = {
-    {.query = &drawerQuery},
-    {.query = &cardQuery},
+    {.query = &drawerQuery,
+     .subject = {.things = "the processor complexes",
+                 .of = "the managed system",
+                 .none = {.cause =
+                              "the console has not discovered the system's drawers, as while the system is "
+                              "installed or its service processor does not answer",
+                          .advice = "see that the console shows the system's processor drawers; discover the "
+                                    "system anew where it does not"}}},
+    {.query = &cardQuery,
+     .subject = {.things = "the control cards",
+                 .of = "an image",
+                 .none = {.cause =
+                              "the image does not tell of its cards: its domain is not the one that owns "
+                              "them, or the server number of the line 0109 is the other server's; an empty "
+                              "image in the selection is a partition whose node named none",
+                          .advice =
+                              "see that the image has its control cards in the server of the selection; a "
+                              "card that is being replaced is absent until it is taken over"}}},
 };
 
 constexpr ToldLine lines[] = {

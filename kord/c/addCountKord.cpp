@@ -6,6 +6,7 @@
 
 #include <cstdlib>
 #include <cstring>
+#include <iterator>
 
 namespace
 {
@@ -251,11 +252,56 @@ void writeCounts(const kordRec* pKordRec, const Counts& c)
 
 // --- What the tables tell
 
-constexpr ToldQuery queries[] = {{.query = &memoryQuery}};
+// An image that has none of a kind answers with one response without handles.
+constexpr ToldSubject counted(const char* things)
+{
+    return {
+        .things = things,
+        .of = "an image",
+        .none = {
+            .cause =
+                "the image's domain answered without a response, which is not how it tells that there are "
+                "none",
+            .advice = "see that the domain of the selection is online and not just starting"}};
+}
+
+constexpr ToldSubject countedThings[] = {
+    counted("the volumes of type 10 (v0)"),
+    counted("the volumes of type 10 with data type 10 (v1)"),
+    counted("the volumes of type 10 with data type 11 (v2)"),
+    counted("the volumes of type 10 with data type 12 (v3)"),
+    counted("the volumes of type 11 (v4)"),
+    counted("the volumes of type 12 (v5)"),
+    counted("the volumes of type 20 with data type 0 (v6)"),
+    counted("the volumes of type 20 with data type 1 or 2 (v7)"),
+    counted("the adapter ports (p0)"),
+    counted("the adapter ports of type 20 or 21 (p1)"),
+    counted("the adapter ports of topology 1 (p2)"),
+    counted("the adapter ports of topology 0 (p3)"),
+    counted("the adapter ports of topology 2 (p4)"),
+    counted("the volume groups (o0)"),
+    counted("the host ports (o1)"),
+    counted("the mainframe channel hosts (o2)"),
+    counted("the logical subsystems for CKD (o3)"),
+    counted("the logical subsystems for FB (o4)"),
+};
+static_assert(std::size(countedThings) == std::size(counters));
+
+constexpr ToldQuery queries[] = {
+    {.query = &memoryQuery,
+     .subject = {.things = "the memory and processors (h0 to h3)",
+                 .of = "the first partition",
+                 .none = {.cause =
+                              "the partition's name in the selection is empty, or the partition was renamed "
+                              "during the run",
+                          .advice =
+                              "see that the partition of the selection is configured under this name"}}},
+};
 
 } // namespace
 
-const ToldQueries addCountQueries = {.module = "addCountKord", .queries = queries, .counters = counters};
+const ToldQueries addCountQueries = {
+    .module = "addCountKord", .queries = queries, .counters = counters, .counted = countedThings};
 
 int32_t addCounts(kordRec* pKordRec, int32_t i, Counts& values)
 {

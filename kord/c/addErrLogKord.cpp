@@ -14,28 +14,51 @@ constexpr EventKind eventKinds[] = {
     {.errortype = resourcesNotFound,
      .systemRefCode = "BED00000",
      .text = "Expected resources were not found",
-     .explanation = {.advice = "see the function in the event's text, and the trace line before it for what "
-                               "was asked"}},
+     .explanation =
+         {.meaning =
+              "something that the facility must have was not found, or a partition is not known to the "
+              "resource manager",
+          .cause = "a part that is not configured, not discovered, or not seen by the image that was asked",
+          .advice =
+              "see the name in the event's text: kord explain tells what was asked for it, and the table "
+              "above what to do"}},
     {.errortype = valeCallFailed,
      .systemRefCode = "BED00001",
      .text = "VALE call resulted in a non zero return value",
-     .explanation = {.advice = "see the manager's code and message in the trace log"}},
+     .explanation =
+         {.meaning = "a call to the resource manager failed, or its answer was in error",
+          .cause =
+              "the resource manager or a node of the facility is down, starting, or cannot read the part",
+          .advice = "see the code and the message in the trace log by kord explain, and act on them"}},
     {.errortype = unknownError,
      .systemRefCode = "BED00002",
      .text = "Unknown error",
-     .explanation = {.advice = "see the trace log"}},
+     .explanation =
+         {.meaning = "a device adapter's answer was in error 0x4000d",
+          .cause = "the adapter is in a state that the resource manager does not know",
+          .advice = "see the adapter of the I/O enclosure that kord explain names; reset or replace it"}},
     {.errortype = subsystemDegraded,
      .systemRefCode = "BED00003",
      .text = "Subsystem is degraded",
-     .explanation = {.advice = "bring the system or partition up and run again"}},
+     .explanation = {.meaning =
+                         "a system is not operating (addTarnKord), or a partition is not online (its name)",
+                     .cause = "it is off, starting, in service, or cut off from the console",
+                     .advice = "bring the system or partition up, then run again"}},
     {.errortype = invalidMTMS,
      .systemRefCode = "BED00004",
      .text = "Invalid managed system MTMS",
-     .explanation = {.advice = "call the collector with the whole MTMS"}},
+     .explanation = {.meaning =
+                         "the MTMS that was given is none; the collector files no such event at present",
+                     .cause = "the automation's call",
+                     .advice = "call the collector with the whole MTMS, such as 9999-B2C*7ABCD12"}},
     {.errortype = nullptr,
      .systemRefCode = "BED00005",
      .text = "Microcode logic error",
-     .explanation = {.advice = "the document could not be started, or memory ran out: see the trace log"}},
+     .explanation =
+         {.meaning = "the document could not be started (addSystemKord), or memory ran out "
+                     "(Orvik.TarnScsiHostPort)",
+          .cause = "the folder of the documents does not take the file, or the console has no memory left",
+          .advice = "see the line 0700 for the file; else see what takes the console's memory"}},
 };
 constexpr const EventKind& logicError = std::span(eventKinds).back();
 
@@ -100,8 +123,13 @@ int32_t fileEvent(const kordRec* pKordRec, const Reporter& reporter, const Event
 
 // --- What the tables tell
 
-constexpr Explanation toolFailed = {.meaning = "the event tool failed: the command and its status",
-                                    .advice = "run the command again by hand"};
+constexpr Explanation toolFailed = {
+    .meaning =
+        "the event could not be filed: the whole command, and the status of the event tool or its wrapper",
+    .cause = "the event tool is not there (127), may not be run by the user (126), or the console's problem "
+             "log does not "
+             "take events",
+    .advice = "mend the tool, then run the command of the line: what it tells was not filed"};
 
 constexpr ToldLine lines[] = {
     {.function = "handleErrKord", .line = plainReporter.toolFailed, .explanation = toolFailed},

@@ -136,7 +136,13 @@ int32_t foldDescriptions(const kordRec* pKordRec, Resources ports, userHostDescr
 
 // --- What the tables tell
 
-constexpr ToldQuery queries[] = {{.query = &hostPortQuery}};
+constexpr ToldQuery queries[] = {
+    {.query = &hostPortQuery,
+     .subject = {.things = "the host ports, for their descriptions",
+                 .of = "an image",
+                 .none = {.cause = "no host is configured for the image",
+                          .advice = "nothing, where the image has no hosts yet"}}},
+};
 
 constexpr ToldLine lines[] = {
     {.function = "queryScsiHostPort",
@@ -144,7 +150,9 @@ constexpr ToldLine lines[] = {
      .explanation = {.meaning = "one more port with a known host description: how many there are now"}},
     {.function = "queryScsiHostPort",
      .line = noMemoryLine,
-     .explanation = {.meaning = "memory ran out at this host description"}},
+     .explanation = {.meaning = "memory ran out at this host description; the run fails, event BED00005",
+                     .cause = "the console has no memory left, or the collector's is limited",
+                     .advice = "see what takes the console's memory, then run again"}},
     {.function = "queryScsiHostPort",
      .line = newHostLine,
      .explanation = {.meaning = "a new host description"}},

@@ -170,9 +170,30 @@ int32_t addPartitionAdapters(kordRec* pKordRec, const Drawer& drawer, int32_t i)
 // --- What the tables tell
 
 constexpr ToldQuery queries[] = {
-    {.query = &drawerQuery},
-    {.query = &deviceAdapterQuery},
-    {.query = &hostAdapterQuery},
+    {.query = &drawerQuery,
+     .subject = {.things = "the I/O enclosures",
+                 .of = "the managed system",
+                 .none = {.cause =
+                              "the console has not discovered the I/O drawers, or all are disconnected from "
+                              "the system",
+                          .advice =
+                              "see the cables and the power of the I/O drawers, and that the console shows "
+                              "them"}}},
+    {.query = &deviceAdapterQuery,
+     .subject = {.things = "the device adapters",
+                 .of = "an I/O enclosure",
+                 .none = {.cause =
+                              "the enclosure has no device adapter that the image owns; an enclosure of the "
+                              "other image alone is such a one",
+                          .advice = "see to which image the adapters of the enclosure with the selection's "
+                                    "location code belong, and that they are not fenced"}}},
+    {.query = &hostAdapterQuery,
+     .subject = {.things = "the host adapters",
+                 .of = "an I/O enclosure",
+                 .none = {.cause = "the enclosure has no host adapter that the image owns; every image of an "
+                                   "enclosure must have one",
+                          .advice = "see to which image the adapters of the enclosure with the selection's "
+                                    "location code belong, and that they are not fenced"}}},
 };
 
 constexpr ToldLine lines[] = {

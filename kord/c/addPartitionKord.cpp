@@ -186,10 +186,39 @@ int32_t addPartition(kordRec* pKordRec, int32_t i, Counts& values)
 // --- What the tables tell
 
 constexpr ToldQuery queries[] = {
-    {.query = &partitionQuery},
-    {.query = &serverPartitionQuery},
-    {.query = &imageLevelAction, .function = "enumerateVRMF"},
-    {.query = &imageQuery, .function = "querySFImageWWNN"},
+    {.query = &partitionQuery,
+     .subject = {.things = "the location code",
+                 .of = "a partition",
+                 .none = {.cause =
+                              "the partition was removed or got another pool ID during the run; an empty "
+                              "pool ID in the selection is a partition without one",
+                          .advice =
+                              "see that the partition with the pool ID of the selection is configured"}}},
+    {.query = &serverPartitionQuery,
+     .subject =
+         {.things = "the server partition",
+          .of = "a partition",
+          .none = {.cause = "the image's domain does not know a server partition at that location code",
+                   .advice =
+                       "see that the partition of the selection's location code runs its storage code"}}},
+    {.query = &imageLevelAction,
+     .function = "enumerateVRMF",
+     .subject = {.things = "the running microcode level",
+                 .of = "the server partition",
+                 .none = {.cause = "the server partition gave no answer to the action queryRunningImageLevel",
+                          .advice =
+                              "see that the partition's storage code runs, and ask for its level by the "
+                              "console's own panels"}}},
+    {.query = &imageQuery,
+     .function = "querySFImageWWNN",
+     .subject = {.things = "the node name",
+                 .of = "an image",
+                 .none = {.cause =
+                              "the image is not configured yet, or the domain in the selection is another "
+                              "image's",
+                          .advice =
+                              "see that the image of the selection is configured; the rest of this partition "
+                              "and all behind it are missing from the document"}}},
 };
 
 constexpr ToldFailure walkFailures[] = {

@@ -108,11 +108,25 @@ int32_t writeConsole(const kordRec* pKordRec, const char* quayLocationCode, cons
 
 // --- What the tables tell
 
-constexpr ToldQuery queries[] = {{.query = &quayQuery, .function = "addQuayEnclKord"}};
+constexpr ToldQuery queries[] = {
+    {.query = &quayQuery,
+     .function = "addQuayEnclKord",
+     .subject = {.things = "the management consoles",
+                 .of = "the facility",
+                 .none = {.cause =
+                              "the resource manager does not know this console itself: it was not set up, or "
+                              "its definition was lost",
+                          .advice = "see that the console is defined in its own resource manager"}}},
+};
 
 constexpr Explanation identity = {.meaning = "what the console says of itself"};
-constexpr Explanation noIdentity = {.meaning = "the console does not say who it is",
-                                    .advice = "see qconvpd -v"};
+constexpr Explanation noIdentity = {
+    .meaning = "the console did not say its type-model or serial: the status and how many lines; the run "
+               "goes on, and the "
+               "document shows this console by its location code",
+    .cause =
+        "qconvpd -v failed, or prints no line with TM or SE: the console's vital product data is not set",
+    .advice = "run qconvpd -v by hand, and set the console's vital product data where TM or SE is missing"};
 
 constexpr ToldLine lines[] = {
     {.function = "addQuayEnclKord", .line = consoleLine, .explanation = {.meaning = "a console"}},

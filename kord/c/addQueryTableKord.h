@@ -5,10 +5,18 @@
 #include "addQueryKord.h"
 #include "addTableKord.h"
 
+/// In an operator's words: what a query asks for, and why there may be none.
+struct ToldSubject {
+    const char* things = ""; ///< "the drives"
+    const char* of = "";     ///< "a storage enclosure, as an image sees them"
+    Explanation none = {};   ///< the cause of an empty answer, and what to do about it
+};
+
 /// A query, and where its lines say more than those of every query.
 struct ToldQuery {
     const Query* query;
     const char* function = nullptr; ///< who asks, where neither the entry line nor the reports name it
+    ToldSubject subject = {};
     Explanation selection = {};
     Explanation callFailed = {};
     Explanation noResources = {};
@@ -29,6 +37,7 @@ struct ToldQueries {
     const char* module;
     std::span<const ToldQuery> queries;
     std::span<const Counter> counters = {};
+    std::span<const ToldSubject> counted = {}; ///< what the counters count, in their order
     std::span<const ToldFailure> failures = {};
 };
 

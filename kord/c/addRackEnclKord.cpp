@@ -222,12 +222,50 @@ int32_t addRack(kordRec* pKordRec, const Rack& rack)
 // --- What the tables tell
 
 constexpr ToldQuery queries[] = {
-    {.query = &rackQuery, .function = "addRackEnclKord"},
-    {.query = &ppsQuery},
-    {.query = &batteryQuery},
-    {.query = &rpcQuery},
-    {.query = &fanSenseQuery},
-    {.query = &fanTrayQuery},
+    {.query = &rackQuery,
+     .function = "addRackEnclKord",
+     .subject = {.things = "the racks",
+                 .of = "the facility",
+                 .none = {.cause =
+                              "the facility's racks are not configured on the console, or the facility's "
+                              "MTMS in the selection is empty",
+                          .advice =
+                              "see that the console shows the racks of the facility in the selection"}}},
+    {.query = &ppsQuery,
+     .subject = {.things = "the power supplies",
+                 .of = "a rack",
+                 .none = {.cause = "the rack's power control does not report its supplies",
+                          .advice = "see the rack's power control cards and their connection; a rack without "
+                                    "supplies of its own has none to show"}}},
+    {.query = &batteryQuery,
+     .subject =
+         {.things = "the batteries",
+          .of = "a rack",
+          .none = {.cause = "the rack's power control does not report batteries, or the rack has none",
+                   .advice =
+                       "see the rack's power control cards, and whether the rack should have batteries"}}},
+    {.query = &rpcQuery,
+     .subject = {.things = "the power control cards",
+                 .of = "a rack",
+                 .none = {.cause = "the console has lost both power control cards of the rack",
+                          .advice = "see the cards' network connection to the console"}}},
+    {.query = &fanSenseQuery,
+     .subject = {.things = "the fan sense cards",
+                 .of = "a rack",
+                 .none = {.cause =
+                              "the rack's power control does not report its fan sense cards, or the rack has "
+                              "none",
+                          .advice =
+                              "see the rack's power control cards; a rack without cooling of its own has "
+                              "none to show"}}},
+    {.query = &fanTrayQuery,
+     .subject = {.things = "the fan trays",
+                 .of = "a rack",
+                 .none = {.cause =
+                              "the rack's power control does not report its fan trays, or the rack has none",
+                          .advice =
+                              "see the rack's power control cards; a rack without cooling of its own has "
+                              "none to show"}}},
 };
 
 constexpr ToldLine lines[] = {

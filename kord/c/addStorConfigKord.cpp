@@ -214,10 +214,36 @@ constexpr QueryParts storageParts[] = {queryArraySites, queryArrays, queryRanks,
 // --- What the tables tell
 
 constexpr ToldQuery queries[] = {
-    {.query = &arraySiteQuery},
-    {.query = &arrayQuery},
-    {.query = &rankQuery},
-    {.query = &segmentPoolQuery},
+    {.query = &arraySiteQuery,
+     .subject = {.things = "the array sites",
+                 .of = "an image",
+                 .none = {.cause =
+                              "the image has no array sites: it has no drives, or they are not assigned to "
+                              "sites",
+                          .advice =
+                              "see that the image has drives; a facility that was never configured has sites "
+                              "all the same"}}},
+    {.query = &arrayQuery,
+     .subject = {.things = "the arrays",
+                 .of = "an image",
+                 .none = {.cause = "no array has been created on the image's array sites",
+                          .advice =
+                              "create arrays, or take the failure of an image without configuration as what "
+                              "it is"}}},
+    {.query = &rankQuery,
+     .subject = {.things = "the ranks",
+                 .of = "an image",
+                 .none = {.cause = "no rank has been created on the image's arrays",
+                          .advice =
+                              "create ranks, or take the failure of an image without configuration as what "
+                              "it is"}}},
+    {.query = &segmentPoolQuery,
+     .subject = {.things = "the segment pools",
+                 .of = "an image",
+                 .none = {.cause = "no segment pool has been created for the image",
+                          .advice =
+                              "create segment pools, or take the failure of an image without configuration "
+                              "as what it is"}}},
 };
 
 constexpr ToldLine lines[] = {

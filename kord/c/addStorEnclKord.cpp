@@ -227,9 +227,47 @@ int32_t addEnclosure(kordRec* pKordRec, const Enclosure& enclosure, const char* 
 // --- What the tables tell
 
 constexpr ToldQuery queries[] = {
-    {.query = &rackQuery},   {.query = &enclosureQuery, .function = "queryStorageEnclosure"},
-    {.query = &driveQuery},  {.query = &interfaceCardQuery},
-    {.query = &baffleQuery},
+    {.query = &rackQuery,
+     .subject = {.things = "the racks",
+                 .of = "the facility",
+                 .none = {.cause =
+                              "the facility's racks are not configured on the console, or the facility's "
+                              "MTMS in the selection is empty",
+                          .advice =
+                              "see that the console shows the racks of the facility in the selection"}}},
+    {.query = &enclosureQuery,
+     .function = "queryStorageEnclosure",
+     .subject = {.things = "the storage enclosures",
+                 .of = "a rack",
+                 .none = {.cause =
+                              "the rack holds no storage enclosure that the image sees, or the rack's number "
+                              "or the image in the selection is empty",
+                          .advice =
+                              "see which images own enclosures in the rack of the selection; a rack without "
+                              "any of an image fails the run"}}},
+    {.query = &driveQuery,
+     .subject = {.things = "the drives",
+                 .of = "a storage enclosure",
+                 .none = {.cause =
+                              "the enclosure has no drive that the image sees: it is empty, switched off, or "
+                              "its loop is broken",
+                          .advice =
+                              "see the enclosure of the selection: its power, its interface cards and its "
+                              "drives"}}},
+    {.query = &interfaceCardQuery,
+     .subject = {.things = "the interface cards",
+                 .of = "a storage enclosure",
+                 .none = {.cause =
+                              "the enclosure does not answer: it is switched off, or both of its cards are "
+                              "removed or failed",
+                          .advice =
+                              "see the power and the interface cards of the enclosure in the selection"}}},
+    {.query = &baffleQuery,
+     .subject =
+         {.things = "the baffles",
+          .of = "a storage enclosure",
+          .none = {.cause = "every slot of the enclosure holds a drive",
+                   .advice = "nothing, where the enclosure is full; else put baffles into its empty slots"}}},
 };
 
 constexpr ToldLine lines[] = {

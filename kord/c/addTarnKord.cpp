@@ -462,26 +462,84 @@ int32_t collect(kordRec* pKordRec)
 // --- What the tables tell
 
 constexpr ToldQuery queries[] = {
-    {.query = &systemQuery}, {.query = &facilityQuery}, {.query = &partitionQuery},
-    {.query = &nodeQuery},   {.query = &statusQuery},   {.query = &partnerStatusQuery},
+    {.query = &systemQuery,
+     .subject = {.things = "the facility system",
+                 .of = "the managed system",
+                 .none = {.cause =
+                              "the MTMS that the collector was started with is no managed system of this "
+                              "console, or its configuration is being changed; more than one is as wrong as "
+                              "none",
+                          .advice =
+                              "compare the MTMS of the SRCV line with the systems that the console lists, "
+                              "and correct the call or wait until the system is configured"}}},
+    {.query = &facilityQuery,
+     .subject =
+         {.things = "the facility",
+          .of = "the managed system",
+          .none = {.cause = "the facility that the managed system names is not known to the console",
+                   .advice = "see on the console that the facility is configured with both of its systems"}}},
+    {.query = &partitionQuery,
+     .subject = {.things = "the partitions",
+                 .of = "a system: the managed one at the first entry line, the partner at the second",
+                 .none = {.cause =
+                              "no partition is configured on the system; of the partner also: its MTMS in "
+                              "the line 0109 is empty or wrong",
+                          .advice =
+                              "see on the console that the system, or the partner of the line 0109, has its "
+                              "partitions"}}},
+    {.query = &nodeQuery,
+     .subject = {.things = "the managed node",
+                 .of = "a partition",
+                 .none = {.cause =
+                              "the partition has never been online, or its node was removed from the console",
+                          .advice =
+                              "see that the partition with the LParID of the selection is started, and that "
+                              "the console manages its node"}}},
+    {.query = &statusQuery,
+     .subject = {.things = "the status of the managed node",
+                 .of = "a partition of the managed system",
+                 .none = {.cause = "the partition's node was removed from the console during the run, or was "
+                                   "never there",
+                          .advice =
+                              "see that the partition with the LParID of the selection is started, and that "
+                              "the console manages its node"}}},
+    {.query = &partnerStatusQuery,
+     .subject = {.things = "the status of the managed node",
+                 .of = "a partition of the partner, one for each of the managed system's",
+                 .none = {.cause =
+                              "the partner has fewer partitions than the managed system, or a partition's "
+                              "node is not managed; an empty LParID in the selection is a partition that the "
+                              "partner has not",
+                          .advice =
+                              "compare the partitions of both systems on the console; start the partner's, "
+                              "and see that the console manages their nodes"}}},
 };
 
 constexpr ToldLine lines[] = {
     {.function = "checkStatus",
      .line = statusLine,
-     .explanation = {.meaning = "a partition's node: 1 is online", .advice = "bring the partition up"}},
+     .explanation =
+         {.meaning = "a partition's name and the status of its node; any but 1 fails the run, event BED00003",
+          .cause = "the partition is down or starting, or the console has lost its connection to it; an "
+                   "answer without a status reads as 0",
+          .advice = "start the partition, or wait until the console shows it online, then run again"}},
     {.function = "identifyRun",
      .line = runLine,
      .explanation = {.meaning = "the build and the MTMS of the run that starts here"}},
     {.function = "identifyRun",
      .line = noTypeModelLine,
-     .explanation = {.meaning = "no type-model in the MTMS",
-                     .advice = "call the collector with the whole MTMS"}},
+     .explanation = {.meaning = "the MTMS has no type-model; the run fails",
+                     .cause = "the MTMS was given without what stands before its serial",
+                     .advice = "call the collector with the whole MTMS, such as 9999-B2C*7ABCD12"}},
     {.function = "takeOption", .line = optionLine, .explanation = {.meaning = "the option of the run"}},
     {.function = "collect",
      .line = minorErrorsLine,
-     .explanation = {.meaning = "some part of the facility answered with a minor error",
-                     .advice = "see the lines with \"response\" before it"}},
+     .explanation =
+         {.meaning = "the run ended well, but met minor errors",
+          .cause = "something that a facility need not have is not there, or did not answer",
+          .advice =
+              "see which parts: the lines that tell of nothing found or of a response in error, or kord "
+              "explain; act only where the facility should have the part"}},
     {.function = "querySystem",
      .line = serverLine,
      .explanation = {.meaning = "the facility's node name, and which of its two servers is described"}},
@@ -490,19 +548,32 @@ constexpr ToldLine lines[] = {
      .explanation = {.meaning = "the facility's other system"}},
     {.function = "checkSystemState",
      .line = unansweredStateLine,
-     .explanation = {.meaning = "qmstat did not answer for a system", .advice = "run qmstat by hand"}},
+     .explanation =
+         {.meaning =
+              "qmstat gave no state for a system: its status, how many lines, the system's MTMS; the run "
+              "goes on as if the system were operating",
+          .cause = "the console does not know the system, an empty MTMS is a partner that is not known, or "
+                   "the console's services are down",
+          .advice = "run qmstat -r sys -m MTMS -F state by hand, as the collector's user"}},
     {.function = "checkSystemState",
      .line = stateLine,
-     .explanation = {.meaning = "what qmstat said of a system",
-                     .advice = "bring the system up where it is not operating"}},
+     .explanation =
+         {.meaning =
+              "the state of a system as qmstat gave it; any but Operating fails the run, event BED00003",
+          .cause = "the system is off, starting, or in service",
+          .advice = "bring the system up, or wait until the console shows it operating, then run again"}},
     {.function = "queryPartition",
      .line = contactsLine,
      .explanation = {.meaning = "how many partitions the managed system has"}},
     {.function = "queryValeId", .line = nodeLine, .explanation = {.meaning = "a partition's image and node"}},
     {.function = "addSystemKord",
      .line = noDocumentLine,
-     .explanation = {.meaning = "the document could not be started",
-                     .advice = "see the line 0700 before it"}},
+     .explanation =
+         {.meaning =
+              "the run writes no document; it goes on, and ends with status 3 all the same, event BED00005",
+          .cause = "the document's file could not be opened: the line 0700 before it names it",
+          .advice =
+              "mend what keeps the file from being opened, then run again: this run's success is none"}},
     {.function = "cleanUpKord", .line = closeLine, .explanation = {.meaning = "the document is closed"}},
     {.function = "cleanUpKord", .line = exitLine, .explanation = {.meaning = "the end of the run"}},
 };

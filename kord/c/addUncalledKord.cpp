@@ -103,10 +103,26 @@ constexpr Query plexQuery = {
 // --- What the tables tell
 
 constexpr ToldQuery queries[] = {
-    {.query = &facilityQuery},
-    {.query = &systemQuery},
-    {.query = &enclosureQuery},
-    {.query = &plexQuery},
+    {.query = &facilityQuery,
+     .subject = {.things = "the power state",
+                 .of = "the facility",
+                 .none = {.cause = "the facility is not known to the console",
+                          .advice = "see that the facility is configured"}}},
+    {.query = &systemQuery,
+     .subject = {.things = "the power state",
+                 .of = "the managed system",
+                 .none = {.cause = "the system is not known to the console",
+                          .advice = "see that the system is configured"}}},
+    {.query = &enclosureQuery,
+     .subject = {.things = "the MTMS",
+                 .of = "a rack",
+                 .none = {.cause = "the facility has no rack of that number",
+                          .advice = "see which racks the facility has"}}},
+    {.query = &plexQuery,
+     .subject = {.things = "the storage plex",
+                 .of = "the facility",
+                 .none = {.cause = "no storage plex is configured",
+                          .advice = "see that the storage plex is configured"}}},
 };
 
 constexpr ToldFailure walkFailures[] = {

@@ -161,23 +161,50 @@ constexpr ToldCommand commands[] = {
 constexpr ToldLine lines[] = {
     {.function = "parseOutput",
      .line = emptyOutputLine,
-     .explanation = {.meaning = "a console command printed nothing", .advice = "run the command by hand"}},
+     .explanation =
+         {.meaning = "a console command printed nothing: the name of its output as a number, and its size",
+          .cause =
+              "the command has nothing to say, as a search that finds nothing, or its output could not be "
+              "written",
+          .advice = "see which command by the next line with another code, run it by hand, and see that "
+                    "/var/brisk/log takes files"}},
     {.function = "parseOutput",
      .line = noOutputLine,
-     .explanation = {.meaning = "a command's output could not be opened", .advice = "see /var/brisk/log"}},
+     .explanation =
+         {.meaning = "a command's output could not be opened: -1",
+          .cause = "something removed or replaced the file tmp.SERIAL in /var/brisk/log during the run, such "
+                   "as a second run for the same system",
+          .advice = "see that only one run for a system is started at a time"}},
     {.function = "parseOutput",
      .line = unreadOutputLine,
-     .explanation = {.meaning = "a command's output could not be read", .advice = "see /var/brisk/log"}},
+     .explanation = {.meaning = "a command's output could not be read",
+                     .cause = "the disk of /var/brisk/log has errors",
+                     .advice = "see the system log for errors of the disk"}},
     {.function = "excuteCommand",
      .line = commandFailedLine,
-     .explanation = {.meaning = "a console command failed: its status", .advice = "run the command by hand"}},
+     .explanation =
+         {.meaning =
+              "a console command ended with a status other than 0, or could not be run (-1): the status and "
+              "errno",
+          .cause = "127: the program is not there; 126: it may not be run; 1 or 2: its output could not be "
+                   "written to /var/brisk/log, or it failed itself",
+          .advice = "see which command by the next line with another code, and run it by hand as the "
+                    "collector's user"}},
     {.function = "excuteCommand",
      .line = uselessOutputLine,
-     .explanation = {.meaning = "a command's output is of no use", .advice = "see the line before it"}},
+     .explanation = {.meaning = "a command ended well, but its output is of no use",
+                     .cause = "what the line before it tells",
+                     .advice = "see the line 0062, 0063 or 0064 before it"}},
     {.function = "getLoginUserName", .line = userLine, .explanation = {.meaning = "who runs the collector"}},
     {.function = "getLoginUserName",
      .line = noUserLine,
-     .explanation = {.meaning = "who runs the collector could not be learned"}},
+     .explanation =
+         {.meaning = "who runs the collector could not be learned: whoami's status and how many lines; it "
+                     "goes on as "
+                     "briskroot, by the wrapper",
+          .cause = "whoami failed: the user has no name, or /var/brisk/log takes no file",
+          .advice = "run whoami by hand in the automation's environment, and see that /var/brisk/log can be "
+                    "written"}},
 };
 
 } // namespace

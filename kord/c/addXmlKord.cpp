@@ -129,8 +129,11 @@ void removeEarlier(const char* path)
 constexpr ToldLine lines[] = {
     {.function = "startXml",
      .line = noFileLine,
-     .explanation = {.meaning = "the document's file could not be opened",
-                     .advice = "see /var/adm/stockmere/VPD"}},
+     .explanation =
+         {.meaning = "the document's file could not be opened",
+          .cause = "/var/adm/stockmere/VPD is not there, is full or read-only, or a folder stands at the "
+                   "file's name",
+          .advice = "see that the folder is there and takes files of the collector's user, then run again"}},
     {.function = "openInventory", .line = stampLine, .explanation = {.meaning = "the document's timestamp"}},
 };
 

@@ -2,8 +2,6 @@
 
 #include "tables.h"
 
-#include <algorithm>
-#include <cctype>
 #include <cstdio>
 
 namespace tables
@@ -51,22 +49,11 @@ void printHeading(const char* title, const char* words, std::initializer_list<st
     printText("|\n");
 }
 
-/// Entry and progress lines carry no code of their own.
-bool hasCode(const Line& line)
-{
-    return line.text.code[0] != '=' && line.text.code[0] != '>';
-}
-
 void printLines()
 {
-    std::vector<Line> lines;
-    for (const QueryLines& query : allQueries())
-        std::ranges::copy_if(query.lines, std::back_inserter(lines), hasCode);
-    std::ranges::copy(otherLines(), std::back_inserter(lines));
-    std::ranges::stable_sort(lines, {}, [](const Line& line) { return std::string_view(line.text.code); });
-    for (const Line& line : lines) {
+    for (const Line& line : linesByCode()) {
         printRow({codeSpan(line.text.code), codeSpan(line.text.format), codeSpan(line.function),
-                  cell(line.explanation.meaning), cell(line.explanation.advice)});
+                  cell(line.words.meaning), cell(line.words.cause), cell(line.words.advice)});
     }
 }
 
@@ -96,13 +83,15 @@ void printCodes()
     printHeading("Trace codes",
                  "A code stands behind the time in a line of the trace log; some carry a blank before the "
                  "colon. `%d` and `%s` stand for what the run fills in.",
-                 {"code", "text", "by", "meaning", "what to do"});
+                 {"code", "text", "by", "meaning", "usual cause", "what to do"});
     printLines();
-    printHeading("Reference codes of events", "", {"code", "type", "text", "what to do"});
+    printHeading("Reference codes of events", "",
+                 {"code", "type", "text", "meaning", "usual cause", "what to do"});
     for (const EventKind& kind : addErrLogEvents) {
         printRow({codeSpan(kind.systemRefCode),
                   kind.errortype != nullptr ? codeSpan(kind.errortype) : "any other", kind.text,
-                  kind.explanation.advice});
+                  cell(kind.explanation.meaning), cell(kind.explanation.cause),
+                  cell(kind.explanation.advice)});
     }
     printHeading("Elements of the document",
                  "The properties of each element, in their order. *Reversed*: the label stands in `name`, "

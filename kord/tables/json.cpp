@@ -127,14 +127,6 @@ const Session& sessionOf(const Query& query)
     return addTarnSessions.front();
 }
 
-const EventKind& eventOf(std::string_view type)
-{
-    for (const EventKind& kind : addErrLogEvents) {
-        if (kind.errortype != nullptr && type == kind.errortype) return kind;
-    }
-    return addErrLogEvents.back();
-}
-
 /// What a row's field takes: "text", "integer", or null where the attribute is never read.
 const char* typeOf(const Attribute& attribute)
 {
@@ -152,11 +144,11 @@ void writeAttribute(Writer& json, const Attribute& attribute)
     json.truth("kept", attribute.kept);
 }
 
-void writeExplanation(Writer& json, const Explanation& explanation)
+void writeWords(Writer& json, const Words& words)
 {
-    json.text("meaning", explanation.meaning);
-    json.text("cause", explanation.cause);
-    json.text("advice", explanation.advice);
+    json.text("meaning", words.meaning);
+    json.text("cause", words.cause);
+    json.text("advice", words.advice);
 }
 
 void writeReport(Writer& json, const Report& report)
@@ -183,7 +175,7 @@ void writeLine(Writer& json, const Line& line)
     json.text("role", line.role);
     json.text("code", line.text.code);
     json.text("format", line.text.format);
-    writeExplanation(json, line.explanation);
+    writeWords(json, line.words);
     if (line.ends.empty()) return;
     json.list("ends", line.ends, [&](const ToldEnd& end) { writeEnd(json, end); });
 }
@@ -198,6 +190,8 @@ void writeQuery(Writer& json, const QueryLines& told)
     json.number("scope", sessionOf(query).scope);
     json.text("call", nameOf(query.call));
     json.truth("counter", told.isCounter);
+    json.text("things", told.things);
+    json.text("of", told.of);
     json.textOrNull("selection", query.selection);
     json.textOrNull("action", query.action);
     json.list("attributes", query.attributes, [&](const Attribute& row) { writeAttribute(json, row); });
@@ -210,7 +204,7 @@ void writeEvents(Writer& json)
         json.textOrNull("type", kind.errortype);
         json.text("referenceCode", kind.systemRefCode);
         json.text("text", kind.text);
-        writeExplanation(json, kind.explanation);
+        writeWords(json, wordsOf(kind.explanation));
     });
 }
 

@@ -1,5 +1,6 @@
 #include "tables.h"
 
+#include <algorithm>
 #include <cstring>
 
 namespace tables
@@ -20,46 +21,6 @@ constexpr const ToldLines* toldLines[] = {
     &addErrLogLines,   &addUtilLines,      &addUncalledXmlLines,
 };
 
-/// What every line of a role means, and what to do about it.
-struct RoleWords {
-    const char* role;
-    Explanation explanation;
-};
-
-constexpr const char* managerRuns = "see that the resource manager runs; an event is filed";
-constexpr const char* seeSelection = "see the selection before it, and whether the facility should have any";
-
-constexpr RoleWords roleWords[] = {
-    {"entry", {.meaning = "a function begins"}},
-    {"selection", {.meaning = "what is asked for"}},
-    {"callFailed", {.meaning = "the call failed: its code and the manager's message", .advice = managerRuns}},
-    {"noResources", {.meaning = "nothing found", .advice = seeSelection}},
-    {"response",
-     {.meaning = "the first response is in error: its number and message", .advice = "as the message says"}},
-    {"emptyFirst", {.meaning = "the first response holds nothing", .advice = "see the selection before it"}},
-    {"success", {.meaning = "how much was found"}},
-    {"total", {.meaning = "how many were counted, in how many responses"}},
-    {"progress", {.meaning = "progress"}},
-    {"unexpected", {.meaning = "the answer is not as it must be", .advice = "an event is filed"}},
-    {"line", {}},
-    {"sessionStart", {.meaning = "a session is opened"}},
-    {"sessionStartFailed", {.meaning = "the session did not open: code and message", .advice = managerRuns}},
-    {"sessionEnd", {.meaning = "a session is ended"}},
-    {"sessionEndFailed", {.meaning = "the session did not end: code and message", .advice = managerRuns}},
-};
-
-/// The row's own words, and the role's where it has none.
-Explanation complete(const char* role, Explanation own)
-{
-    for (const RoleWords& words : roleWords) {
-        if (strcmp(words.role, role) != 0) continue;
-        if (*own.meaning == '\0') own.meaning = words.explanation.meaning;
-        if (*own.cause == '\0') own.cause = words.explanation.cause;
-        if (*own.advice == '\0') own.advice = words.explanation.advice;
-    }
-    return own;
-}
-
 ToldEnd endOf(const Query& query, Role role, const Failure& failure, uint32_t number = 0)
 {
     return {.number = number,
@@ -77,7 +38,7 @@ struct Lines {
     Line* add(const char* role, TraceText text, const Explanation& explanation)
     {
         if (text.code == nullptr) return nullptr;
-        of.lines.push_back({of.module, of.function, role, text, complete(role, explanation)});
+        of.lines.push_back({of.module, of.function, role, text, wordsOf(explanation)});
         return &of.lines.back();
     }
     void addFailure(const char* role, Role answered, const Failure& failure, const Explanation& explanation)
@@ -116,10 +77,12 @@ QueryLines linesOf(const char* module, const ToldQuery& told)
 
 void addSessions(std::vector<Line>& lines)
 {
+    const Session* told = nullptr;
     const auto add = [&](const char* function, const char* role, TraceText text) {
-        lines.push_back({"addTarnKord", function, role, text, complete(role, {})});
+        tellSession(lines.emplace_back(Line{"addTarnKord", function, role, text, {}}), *told);
     };
     for (const Session& session : addTarnSessions) {
+        told = &session;
         add("addTarnKord", "sessionStart", session.start);
         add("addTarnKord", "sessionStartFailed", session.startFailed);
         add("cleanUpKord", "sessionEnd", session.end);
@@ -140,11 +103,14 @@ std::vector<QueryLines> allQueries()
                     Lines{query}.addFailure("unexpected", Role::nothing, *failure.failure,
                                             failure.explanation);
             }
+            tellQuery(query, told.subject);
         }
-        for (const Counter& counter : module->counters) {
+        for (size_t i = 0; i < module->counters.size(); ++i) {
+            const Counter& counter = module->counters[i];
             QueryLines& query = all.emplace_back(linesOf(module->module, {.query = &counter.query}));
             query.isCounter = true;
             Lines{query}.add("total", counter.total, {});
+            tellQuery(query, i < module->counted.size() ? module->counted[i] : ToldSubject{});
         }
     }
     return all;
@@ -156,10 +122,23 @@ std::vector<Line> otherLines()
     addSessions(lines);
     for (const ToldLines* module : toldLines) {
         for (const ToldLine& told : module->lines) {
-            lines.push_back(
-                {module->module, told.function, "line", told.line, complete("line", told.explanation)});
+            lines.push_back({module->module, told.function, "line", told.line, wordsOf(told.explanation)});
         }
     }
+    return lines;
+}
+
+std::vector<Line> linesByCode()
+{
+    // Entry and progress lines carry no code of their own.
+    const auto hasCode = [](const Line& line) {
+        return line.text.code[0] != '=' && line.text.code[0] != '>';
+    };
+    std::vector<Line> lines;
+    for (const QueryLines& query : allQueries())
+        std::ranges::copy_if(query.lines, std::back_inserter(lines), hasCode);
+    std::ranges::copy(otherLines(), std::back_inserter(lines));
+    std::ranges::stable_sort(lines, {}, [](const Line& line) { return std::string_view(line.text.code); });
     return lines;
 }
 

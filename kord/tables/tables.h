@@ -22,13 +22,20 @@ struct ToldEnd {
     const char* print;   ///< also printed on standard output; null: nothing
 };
 
-/// One trace line with its explanation, complete.
+/// What is told of a line or an event.
+struct Words {
+    std::string meaning;
+    std::string cause;
+    std::string advice;
+};
+
+/// One trace line.
 struct Line {
     std::string module;
     std::string function;
     const char* role;
     TraceText text;
-    Explanation explanation;
+    Words words;
     std::vector<ToldEnd> ends = {}; ///< of a failure: any error's last
 };
 
@@ -38,6 +45,8 @@ struct QueryLines {
     std::string function;
     const Query* query;
     bool isCounter = false;
+    std::string things = {}; ///< what it asks for
+    std::string of = {};
     std::vector<Line> lines = {};
 };
 
@@ -56,6 +65,13 @@ struct Element {
     std::vector<ElementProperty> properties = {};
 };
 
+Words wordsOf(const Explanation& explanation);
+const EventKind& eventOf(std::string_view type);
+
+/// Completes the words of a query's lines.
+void tellQuery(QueryLines& query, const ToldSubject& subject);
+void tellSession(Line& line, const Session& session);
+
 std::vector<QueryLines> allQueries();
 
 /// The lines that are no query's.
@@ -67,7 +83,11 @@ std::vector<Element> allElements();
 /// What a function writes into the document.
 std::string written(void (*write)(const kordRec*));
 
+/// All lines that have a code, in the codes' order.
+std::vector<Line> linesByCode();
+
 void printCodes();
+void printManual();
 void printJson();
 
 } // namespace tables

@@ -296,7 +296,7 @@ TEST(Explain, AnEnclosureWithoutDrivesIsFiledAndTheRunGoesOn)
     EXPECT_EQ(run.problems[0].severity, Severity::filed);
     EXPECT_EQ(
         document::missingBy(run, run.problems[0]),
-        "drives of storage enclosure 1234-5X6*AB100001, enclosure number 1, rack R1, image 9999*A01*00XY121");
+        "the drives of storage enclosure 1234-5X6*AB100001, enclosure number 1, rack R1, image 9999*A01*00XY121");
     EXPECT_FALSE(document::endedWell(run));
 }
 

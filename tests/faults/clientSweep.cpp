@@ -25,6 +25,7 @@ struct Recorded {
 struct Recording {
     json facility;
     std::vector<Recorded> calls; ///< the client calls in order
+    std::shared_ptr<const std::string> log;
 };
 
 bool isSame(const Call& one, const Call& other)
@@ -37,6 +38,7 @@ std::shared_ptr<const Recording> record(const std::string& facility)
     auto recording = std::make_shared<Recording>();
     recording->facility = bundled(facility);
     const Result result = runOnce({.name = "regular", .facility = [&] { return recording->facility; }});
+    recording->log = std::make_shared<const std::string>(result.log);
     for (const Call& call : callsOf(result)) {
         if (!isClientCall(call)) continue;
         size_t occurrence = 1;
@@ -210,7 +212,8 @@ Plan planOf(const Shared& recording, const std::string& name, std::function<json
     return {.name = name,
             .facility = [recording] { return recording->facility; },
             .faults = std::move(faults),
-            .mustFire = {mustFire}};
+            .mustFire = {mustFire},
+            .regularLog = recording->log};
 }
 
 void addPlans(std::vector<Plan>& plans, const std::string& prefix, const Shared& recording,

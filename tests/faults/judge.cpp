@@ -8,6 +8,7 @@
 
 #include "account.h"
 #include "documentReader.h"
+#include "explainJudge.h"
 
 namespace sweep
 {
@@ -379,6 +380,7 @@ void judgeRun(const Plan& plan, const Result& result, Findings& findings)
     judgeDocument(plan, result, findings);
     judgeTemporaryFiles(plan, result, findings);
     judgeFaults(plan, result, findings);
+    judgeExplanation(plan, result, findings);
 }
 
 } // namespace sweep

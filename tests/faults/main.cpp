@@ -1,5 +1,6 @@
 // The program of all sweeps: each makes the collector's surroundings fail in every way of one kind.
 
+#include "explainJudge.h"
 #include "platform/commandLine.h"
 #include "sweep.h"
 
@@ -32,7 +33,9 @@ int runAll(std::span<const Sweep> wanted, const Options& options)
         printRow(*sweep, tally);
         clean = clean && isClean(tally);
     }
-    return clean ? 0 : 1;
+    const sweep::Explained explained = sweep::explained();
+    printExplained(explained, options.verbose);
+    return clean && explained.isEnough() ? 0 : 1;
 }
 
 platform::Command commandOf(std::string_view name, std::string_view help, std::span<const Sweep> wanted,

@@ -16,6 +16,7 @@ struct Scene {
     std::optional<std::string> user = {};
     json faults; ///< so that there is something to file events about
     size_t calls = 0;
+    std::shared_ptr<const std::string> log = {};
 };
 
 /// Whoever is not root has the console's programs run by the wrapper.
@@ -38,10 +39,16 @@ bool isOf(const Call& call, const Scene& scene)
 /// The last of the rules must be met.
 Plan planOf(const Scene& scene, const std::string& name, json rules)
 {
+    const size_t injected = rules.size();
     std::vector<size_t> mustFire;
-    if (!rules.empty()) mustFire.push_back(rules.size() - 1);
+    if (!rules.empty()) mustFire.push_back(injected - 1);
     rules.insert(rules.end(), scene.faults.begin(), scene.faults.end());
-    return {.name = name, .faults = [rules] { return rules; }, .user = scene.user, .mustFire = mustFire};
+    return {.name = name,
+            .faults = [rules] { return rules; },
+            .user = scene.user,
+            .mustFire = mustFire,
+            .injected = injected,
+            .regularLog = scene.log};
 }
 
 std::vector<Scene> scenes()
@@ -56,7 +63,9 @@ std::vector<Scene> scenes()
         {.program = "mmquaycmd", .user = operatorUser, .faults = eventful()},
     };
     for (Scene& scene : scenes) {
-        for (const Call& call : callsOf(runOnce(planOf(scene, "regular", json::array())))) {
+        const Result regular = runOnce(planOf(scene, "regular", json::array()));
+        scene.log = std::make_shared<const std::string>(regular.log);
+        for (const Call& call : callsOf(regular)) {
             if (isOf(call, scene)) ++scene.calls;
         }
     }

@@ -8,6 +8,7 @@
 #include <filesystem>
 #include <functional>
 #include <map>
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
@@ -63,8 +64,11 @@ struct Plan {
     Texts arguments = {"x", managedSystem};  ///< the collector's own
     std::chrono::milliseconds limit{20'000}; ///< what takes longer hangs
     std::vector<size_t> mustFire = {};       ///< indexes of the fault rules that must be met
+    size_t injected = 0;                     ///< the first fault rules, which are what goes wrong; 0: all
     bool twice = false;                      ///< run it again: everything must be the same
     Judge judge = {};                        ///< none: judgeRun of judge.h
+    std::shared_ptr<const std::string> regularLog =
+        {}; ///< the trace log of the run without the plan's faults
 };
 
 /// What a run left.

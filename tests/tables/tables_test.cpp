@@ -123,7 +123,8 @@ void collectNames(const Json& value, const std::string& outer, Names& names)
 TEST(Tables, nameWhatTheyTell)
 {
     const std::map<std::string, std::string> wanted = {
-        {"queries", "module function class session scope call counter selection action attributes lines"},
+        {"queries",
+         "module function class session scope call counter things of selection action attributes lines"},
         {"queries.attributes", "name field readByItsOwn matched kept"},
         {"queries.lines", "role code format meaning cause advice ends"},
         {"queries.lines.ends", "number result flag report instead print"},
@@ -158,13 +159,47 @@ TEST(Tables, nameTheirModulesFiles)
     }
 }
 
+/// Who reads of a failure wants to know what it means, where it comes from and what to do.
+TEST(Tables, explainEveryLineAndAdviseOnEveryFailure)
+{
+    const auto expectWords = [](const Json& line, const std::string& name, bool isFailure) {
+        EXPECT_NE(line["meaning"], "") << name << line["format"];
+        if (!isFailure) return;
+        EXPECT_NE(line["cause"], "") << name << line["format"];
+        EXPECT_NE(line["advice"], "") << name << line["format"];
+    };
+    for (const Json& query : tables()["queries"]) {
+        for (const Json& line : query["lines"])
+            expectWords(line, nameOf(query), line.contains("ends"));
+    }
+    for (const Json& line : tables()["lines"])
+        expectWords(line, line["code"],
+                    line["role"].get<std::string>().ends_with("Failed") || line["cause"] != "");
+    for (const Json& event : tables()["events"])
+        expectWords(event, event["referenceCode"], true);
+}
+
+/// Advice that stands for every failure alike is none.
+TEST(Tables, tellEveryQuerysEmptyAnswerInWordsOfItsOwn)
+{
+    std::map<std::string, std::string> known;
+    for (const Json& query : tables()["queries"]) {
+        for (const Json& line : query["lines"]) {
+            if (line["role"] != "noResources" || query["counter"]) continue;
+            const auto [at, isNew] = known.emplace(line["cause"], query["class"]);
+            EXPECT_TRUE(isNew || at->second == query["class"]) << nameOf(query);
+        }
+    }
+    EXPECT_GT(known.size(), 25U);
+}
+
 TEST(Tables, refuseOtherArguments)
 {
     const kordTest::Outcome outcome =
         kordTest::runProcess({.arguments = {build / "bin/kord-tables", "--xml"}, .folder = build});
     EXPECT_EQ(outcome.status, 2);
     EXPECT_EQ(outcome.output, "");
-    EXPECT_EQ(outcome.error, "usage: kord-tables [--json]\n");
+    EXPECT_EQ(outcome.error, "usage: kord-tables [--json | --manual]\n");
 }
 
 TEST(Tables, tellEveryCommandUnderTheFunctionThatRunsIt)
