@@ -1,6 +1,6 @@
 #include "document/format.h"
 
-#include "document/text.h"
+#include "platform/text.h"
 #include "platform/utf8.h"
 
 #include <algorithm>
@@ -75,7 +75,7 @@ public:
         for (size_t column = 0; column < values.size(); ++column) {
             scratch.clear();
             appendText(scratch, values[column]);
-            add(column, shown(scratch));
+            add(column, platform::shown(scratch));
         }
     }
 
@@ -97,7 +97,7 @@ private:
 
     void add(size_t column, std::string_view value)
     {
-        const size_t width = widthOf(value);
+        const size_t width = platform::widthOf(value);
         text += value;
         cells.push_back({.end = text.size(), .width = width});
         widths[column] = std::max(widths[column], std::min(width, widest));

@@ -1,6 +1,6 @@
 #include "document/progress.h"
 
-#include "document/text.h"
+#include "platform/text.h"
 
 #include <algorithm>
 #include <array>
@@ -146,7 +146,7 @@ std::string Progress::time() const
 
 std::string Progress::line() const
 {
-    const std::string name = system.empty() ? "a run whose start the log has lost" : shown(system);
+    const std::string name = system.empty() ? "a run whose start the log has lost" : platform::shown(system);
     return name + ": " + outcome() + ", " + time() + counts();
 }
 

@@ -1,7 +1,7 @@
 #include "document/report.h"
 
 #include "document/rows.h"
-#include "document/text.h"
+#include "platform/text.h"
 
 #include <algorithm>
 #include <map>
@@ -13,6 +13,8 @@ namespace document
 
 namespace
 {
+
+using platform::shown;
 
 constexpr size_t widestValue = 100;
 
@@ -68,7 +70,7 @@ std::string_view placeOf(const Part& part, const Part& other)
 std::string valueText(const std::optional<std::string_view>& value)
 {
     if (!value) return "(none)";
-    return value->empty() ? "(empty)" : cutTo(shown(*value), widestValue);
+    return value->empty() ? "(empty)" : shown(*value, widestValue);
 }
 
 /// \param label whether to tell it: the items of one property follow each other
@@ -104,7 +106,7 @@ std::string whereabouts(const Change& change, Values& values)
     std::string text = change.type == ChangeType::moved ? "" : placeText(location);
     const bool told = change.type == ChangeType::replaced; // both numbers stand behind it
     if (!location.serial.empty() && !told)
-        text += (text.empty() ? "serial " : ", serial ") + cutTo(shown(location.serial), widestValue);
+        text += (text.empty() ? "serial " : ", serial ") + shown(location.serial, widestValue);
     return inBrackets(text);
 }
 

@@ -1,7 +1,7 @@
 #include "document/tree.h"
 
 #include "document/hosts.h"
-#include "document/text.h"
+#include "platform/text.h"
 
 #include <algorithm>
 #include <map>
@@ -11,6 +11,9 @@ namespace document
 
 namespace
 {
+
+using platform::shown;
+using platform::widthOf;
 
 struct Strokes {
     std::string_view branch;
@@ -23,18 +26,12 @@ constexpr Strokes asciiStrokes = {.branch = "|-- ", .last = "`-- ", .pass = "|  
 constexpr Strokes unicodeStrokes = {.branch = "├── ", .last = "└── ", .pass = "│   ", .none = "    "};
 
 constexpr size_t widestCell = 100;
-constexpr size_t bytesOfColumn = 20; ///< a character and the marks that people put on one
 constexpr size_t pieceSize = size_t{64} * 1024;
-
-std::string cell(std::string_view text)
-{
-    return cutTo(shown(text.substr(0, bytesOfColumn * widestCell)), widestCell);
-}
 
 std::string told(const Property& property)
 {
     const auto hosts = property.code() == "U2" ? parseHosts(property.value) : std::nullopt;
-    if (!hosts) return std::string(property.code()) + ' ' + cell(property.value);
+    if (!hosts) return std::string(property.code()) + ' ' + shown(property.value, widestCell);
     return std::string(property.code()) + ' ' + std::to_string(hosts->size()) +
            (hosts->size() == 1 ? " host" : " hosts");
 }
@@ -42,7 +39,8 @@ std::string told(const Property& property)
 /// A part's line, cell by cell.
 std::vector<std::string> cellsOf(const Part& part)
 {
-    std::vector<std::string> cells = {cell(part.name), part.id == part.name ? "" : cell(part.id)};
+    std::vector<std::string> cells = {shown(part.name, widestCell),
+                                      part.id == part.name ? "" : shown(part.id, widestCell)};
     for (const Property& property : part.properties) {
         if (!repeats(property, part)) cells.push_back(told(property));
     }

@@ -121,6 +121,14 @@ std::string shown(std::string_view text)
     return result;
 }
 
+std::string shown(std::string_view text, size_t width)
+{
+    constexpr size_t bytesOfColumn = 20; // a character and the marks that people put on one
+    const std::string start = shown(text.substr(0, bytesOfColumn * width));
+    const bool whole = text.size() <= bytesOfColumn * width;
+    return cutTo(whole ? start : start + std::string(width, ' '), width);
+}
+
 size_t widthOf(std::string_view text)
 {
     if (isAscii(text)) return text.size();

@@ -14,6 +14,9 @@ namespace platform
 /// shape of their own as \u{202E}.
 std::string shown(std::string_view text);
 
+/// The same cut to so many columns; a cut one ends in "...". A long text costs no more than its start.
+std::string shown(std::string_view text, size_t width);
+
 /// The columns that a text which `shown` made takes on a terminal.
 size_t widthOf(std::string_view text);
 

@@ -56,6 +56,18 @@ TEST(Text, CutsBetweenCharacters)
     EXPECT_EQ(cutTo("plain", 5), "plain");
 }
 
+TEST(Text, ShowsTheStartOfALongOne)
+{
+    EXPECT_EQ(shown("plain", 5), "plain");
+    EXPECT_EQ(shown("a\x1b[2J", 8), "a\\x1B[2J");
+    EXPECT_EQ(shown("a\x1b[2J", 7), "a\\x1...");
+    EXPECT_EQ(shown(std::string(1'000'000, 'x'), 10), "xxxxxxx...");
+    std::string pile = "a";
+    for (int i = 0; i < 1000; ++i)
+        pile += "\xCC\x81";
+    EXPECT_TRUE(shown(pile, 20).ends_with("..."));
+}
+
 TEST(Text, CutsAPileOfAccents)
 {
     std::string pile = "a";
