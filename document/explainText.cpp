@@ -90,8 +90,8 @@ std::string emptyWords(const Problem& problem)
 
 std::string programWords(const Problem& problem)
 {
-    if (problem.number == -1) return "it could not be run";
-    return "it ended with status " + numberWords(problem);
+    if (problem.number == -1) return "the command could not be run";
+    return "the command ended with status " + numberWords(problem);
 }
 
 struct KindWords {

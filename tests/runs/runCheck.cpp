@@ -11,6 +11,7 @@
 
 #include "consoleRun.h"
 #include "documentReader.h"
+#include "explainCheck.h"
 #include "mendedDocument.h"
 #include "partsCheck.h"
 #include "tempFolder.h"
@@ -528,6 +529,14 @@ void checkFiles(Finished& finished)
     if (!fs::is_empty(finished.folder)) finished.fault("working folder", "something was written there");
 }
 
+/// What explain tells of the run is what the journal shows.
+void checkExplained(Finished& finished)
+{
+    const std::string log = readFile(traceFile(finished.root, finished.mtms())).value_or("");
+    for (const std::string& fault : explainFaults(log, finished.journal, finished.outcome.status))
+        finished.fault("explained", fault);
+}
+
 void checkAll(Finished& finished)
 {
     checkOutcome(finished);
@@ -539,6 +548,7 @@ void checkAll(Finished& finished)
     checkJournal(finished);
     checkDocument(finished);
     checkFiles(finished);
+    checkExplained(finished);
 }
 
 } // namespace
