@@ -67,7 +67,8 @@ struct Problem {
     std::vector<FiledEvent> events;
     bool standsInstead = false; ///< an empty part stands in the document
 
-    std::string cause;
+    std::string cause;      ///< as other lines bear it out
+    std::string usualCause; ///< of such a line
     std::string advice;
 };
 

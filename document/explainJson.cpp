@@ -90,6 +90,7 @@ ordered_json problemOf(const TracedRun& run, const Problem& problem)
     object["events"] = eventsOf(problem.events);
     put(object, "missing", missingBy(run, problem));
     put(object, "cause", problem.cause);
+    put(object, "usualCause", problem.usualCause);
     put(object, "advice", problem.advice);
     return object;
 }

@@ -240,6 +240,7 @@ std::string details(const TracedRun& run, const Problem& problem)
     addField(text, "filed", eventWords(problem));
     addField(text, "missing", missingBy(run, problem));
     addField(text, "cause", problem.cause);
+    if (problem.cause.empty()) addField(text, "usually", problem.usualCause);
     addField(text, "to do", problem.advice);
     addField(text, "line",
              std::to_string(problem.line) + ", " + timeOf(problem.stamp) + ": " + problem.code + ' ' +

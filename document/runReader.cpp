@@ -68,6 +68,7 @@ const char* kindOf(std::string_view role)
 Severity severityOf(std::string_view result)
 {
     if (result == "fatal") return Severity::fatal;
+    if (result == "none") return Severity::noted; // an error that counts as an answer
     return result == "minor" ? Severity::minor : Severity::filed;
 }
 
@@ -372,7 +373,7 @@ void RunReader::failed(const TraceLine& line, const Match& match)
         return !end.number || static_cast<int64_t>(static_cast<int32_t>(*end.number)) == number;
     };
     const auto end = std::ranges::find_if(match.line->ends, isOf);
-    if (end == match.line->ends.end() || end->result == "none") return; // an error that counts as an answer
+    if (end == match.line->ends.end()) return;
 
     Call call = current;
     if (call.query != &query) {
@@ -472,7 +473,7 @@ Problem& RunReader::addOfCall(const TraceLine& line, const Match& match, const c
     }
     if (problem.part.empty() && !managedSystem().empty())
         problem.part.push_back({.what = "system", .name = managedSystem()});
-    if (problem.cause.empty()) problem.cause = match.line->cause;
+    problem.usualCause = match.line->cause;
     problem.advice = match.line->advice;
     return add(std::move(problem));
 }
@@ -575,6 +576,7 @@ void RunReader::readStart(const TraceLine&, const Match& match)
 void RunReader::readNoTypeModel(const TraceLine& line, const Match& match)
 {
     Problem& problem = add(problemAt(line, "noTypeModel", Severity::fatal));
+    problem.usualCause = match.line->cause;
     problem.advice = match.line->advice;
     problem.message = match.values[0];
     run.status = -1;
@@ -632,6 +634,7 @@ void RunReader::readNoDocument(const TraceLine& line, const Match& match)
     Problem& problem = add(problemAt(line, "documentNotStarted", Severity::filed));
     problem.call = "file";
     problem.message = trimmed(match.values[0]);
+    problem.usualCause = match.line->cause;
     problem.advice = match.line->advice;
     awaitsEvent = true;
 }
@@ -642,6 +645,7 @@ void RunReader::readDocumentNotStarted(const TraceLine& line, const Match& match
     if (told) return;
     Problem& problem = add(problemAt(line, "documentNotStarted", Severity::filed));
     problem.call = "file";
+    problem.usualCause = match.line->cause;
     problem.advice = match.line->advice;
     problem.events = std::exchange(loose, {});
 }
@@ -650,6 +654,7 @@ void RunReader::readOutOfMemory(const TraceLine& line, const Match& match)
 {
     Problem& problem = add(problemAt(line, "outOfMemory", Severity::fatal));
     problem.function = match.line->function;
+    problem.usualCause = match.line->cause;
     problem.advice = match.line->advice;
     awaitsEvent = true;
 }
@@ -674,7 +679,7 @@ Problem& RunReader::addOfProgram(const TraceLine& line, const Match& match, cons
     problem.call = "program";
     problem.program = command;
     problem.number = trouble.status;
-    problem.cause = match.line->cause;
+    problem.usualCause = match.line->cause;
     problem.advice = match.line->advice;
     trouble = {};
     return add(std::move(problem));
@@ -708,7 +713,7 @@ void RunReader::readState(const TraceLine& line, const Match& match)
     problem.part.push_back({.what = "system", .name = std::string(match.values[2])});
     problem.message = match.values[3];
     problem.advice = match.line->advice;
-    problem.cause = match.line->cause;
+    problem.usualCause = match.line->cause;
     add(std::move(problem));
     awaitsEvent = true;
 }
@@ -764,7 +769,7 @@ void RunReader::readSessionFailed(const TraceLine& line, const Match& match)
     problem.session = lastSession;
     problem.number = numberOf(match.values[0]);
     problem.message = match.values[1];
-    problem.cause = match.line->cause;
+    problem.usualCause = match.line->cause;
     problem.advice = match.line->advice;
     problem.events = std::exchange(loose, {});
     if (endsWithoutClosing(line)) {
@@ -791,7 +796,7 @@ void RunReader::readSessionEndFailed(const TraceLine& line, const Match& match)
     problem.session = lastSession;
     problem.number = numberOf(match.values[0]);
     problem.message = match.values[1];
-    problem.cause = match.line->cause;
+    problem.usualCause = match.line->cause;
     problem.advice = match.line->advice;
     awaitsEvent = true;
 }
@@ -811,6 +816,11 @@ void RunReader::findSessionNotOpened(const TraceLine&)
     problem.phase = "domain session";
     problem.call = "session";
     problem.session = "domain";
+    for (const TableLine& line : tables().lines) {
+        if (line.role != "sessionStartFailed" || line.code != "0006") continue;
+        problem.usualCause = line.cause;
+        problem.advice = line.advice;
+    }
     const auto later =
         std::ranges::find_if(run.problems, [&](const Problem& other) { return other.line > domainStart; });
     for (auto other = later; other != run.problems.end(); ++other) {

@@ -61,7 +61,8 @@ bool hidesSelection(const Call& call)
 std::optional<Told> toldOfQuery(const Call& call)
 {
     const Reaction reaction = reactionTo(call);
-    if (reaction.course == Course::goes && reaction.code.empty()) return std::nullopt;
+    const bool isPassedOver = reaction.course == Course::goes && reaction.code.empty();
+    if (isPassedOver && call.answer != Answer::error) return std::nullopt;
     Told told{.kind = {}, .what = call.className};
     if (!hidesSelection(call)) told.selection = call.selection;
     switch (call.answer) {
@@ -286,7 +287,9 @@ bool names(const TracedRun& run, const Call& call)
         return std::any_of(run.events.begin(), run.events.end(),
                            [](const auto& event) { return event.toolStatus.has_value(); });
     // Who runs the collector is told as the program said it.
-    if (program == "whoami" && run.user == firstLine(outputOf(*call.rule))) return true;
+    if (program == "whoami" && !run.user.empty() &&
+        firstLine(outputOf(*call.rule)).value_or("").starts_with(run.user))
+        return true;
     return std::any_of(run.problems.begin(), run.problems.end(),
                        [&](const Problem& problem) { return whatOf(problem) == program; });
 }
