@@ -269,7 +269,7 @@ bool Scanner::close(bool implied, size_t written)
 
 bool Scanner::leaveOut(Stretch text)
 {
-    find(quoted(at(text)) + " has no place here and is left out");
+    find("", at(text), " has no place here and is left out");
     take(text.to + 1, 1);
     advance();
     return false;
@@ -395,7 +395,7 @@ bool Scanner::property()
     const auto lines = 4 + static_cast<uint64_t>(std::ranges::count(at(value), '\n'));
     take(value.to + valueEnd.size() + 1 + propertyEnd.size() + 1, lines);
     if (!placed) {
-        find("the property " + quoted(at(head.code)) + " has no place here and is left out");
+        find("the property ", at(head.code), " has no place here and is left out");
         advance();
         return false;
     }
@@ -466,20 +466,22 @@ bool Scanner::mendedTag(Stretch inner, Tag& tag)
     const size_t name = at(inner).find(idName);
     if (name == std::string_view::npos || at(inner).rfind(idName) != name) return false;
     const Stretch id = {.from = inner.from + name + idName.size(), .to = inner.to};
-    std::string idMeant;
-    appendMeant(idMeant, at(id));
-    const auto lines = 1 + static_cast<uint64_t>(std::ranges::count(idMeant, '\n'));
+    std::string wanted;
+    appendMeant(wanted, at(id));
     const size_t from = inner.to + tagEnd.size() + 1;
     Stretch text = {.from = from, .to = from};
-    for (uint64_t read = 0; read < lines; ++read, text.from = text.to + 1) {
-        if (lines > longestTag || !lineAt(text.from, text)) return false;
+    std::string lines;
+    for (uint64_t count = 1; lines.size() <= wanted.size(); ++count) {
+        if (!lineAt(text.from, text)) return false;
+        appendMeant(lines, at(text));
+        if (lines == wanted) {
+            tag = {{inner.from, inner.from + name}, id, {from, text.to}, 1 + count, text.to + 1};
+            return true;
+        }
+        lines += '\n'; // written as one, or as a reference to one
+        text.from = text.to + 1;
     }
-    const Stretch idLine = {.from = from, .to = text.to};
-    std::string lineMeant;
-    appendMeant(lineMeant, at(idLine));
-    if (lineMeant != idMeant) return false;
-    tag = {{inner.from, inner.from + name}, id, idLine, 1 + lines, text.to + 1};
-    return true;
+    return false;
 }
 
 /// A tag whose identifier is not repeated as it should be.
@@ -546,7 +548,7 @@ bool Scanner::readValue(const Head& head, Stretch& value)
     }
     value = {.from = head.value, .to = text.to - valueEnd.size()};
     if (firstEnd != 0 && firstEnd != text.to)
-        find("the value of " + quoted(at(head.code)) + " holds lines that look like the document's", 2);
+        find("the value of ", at(head.code), " holds lines that look like the document's", 2);
     return true;
 }
 
@@ -645,7 +647,7 @@ void Scanner::place(const Head& head)
     };
     const auto row = std::find_if(rows.begin() + static_cast<std::ptrdiff_t>(part.row), rows.end(), fits);
     if (row == rows.end())
-        find("the property " + quoted(at(head.code)) + " is none that such a part has there");
+        find("the property ", at(head.code), " is none that such a part has there");
     else
         part.row = static_cast<size_t>(row - rows.begin()) + (row->times == Times::any ? 0 : 1);
 }
@@ -655,9 +657,16 @@ void Scanner::fault(const std::string& what) const
     throw Malformed(input.name() + ':' + std::to_string(line) + ": " + what);
 }
 
-void Scanner::find(const std::string& what, uint64_t behind)
+void Scanner::find(std::string_view before, std::string_view text, std::string_view behind, uint64_t lines)
 {
-    if (++foundCount <= mostFindings) found.push_back({.line = line + behind, .what = what});
+    // A document of many millions of such lines is told of a few of them.
+    if (++foundCount > mostFindings) return;
+    found.push_back({.line = line + lines, .what = std::string(before) + quoted(text) + std::string(behind)});
+}
+
+void Scanner::find(std::string_view what)
+{
+    if (++foundCount <= mostFindings) found.push_back({.line = line, .what = std::string(what)});
 }
 
 } // namespace document

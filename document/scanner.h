@@ -170,7 +170,8 @@ private:
     [[nodiscard]] bool endsWhole() const;
 
     [[noreturn]] void fault(const std::string& what) const;
-    void find(const std::string& what, uint64_t behind = 0);
+    void find(std::string_view what);
+    void find(std::string_view before, std::string_view text, std::string_view behind, uint64_t lines = 0);
 
     Input& input;
     const size_t longest;

@@ -123,6 +123,8 @@ TEST(Mend, ACutDocumentIsEndedAndSaysSo)
 
 TEST(Mend, MendingAgainChangesNothing)
 {
+    const std::string reference = mended(ofEnclosures(resource("A", "\"x&#10;y\"\n&#10;", "")));
+    EXPECT_EQ(mended(reference), reference);
     const std::string whole = ofEnclosures(
         resource("CEC", "C\n\"1\"",
                  listStart + resource("1\n2", "x<y", "") + listStart + resource("2", "", "") + listEnd) +

@@ -2,8 +2,10 @@
 
 #include "mendedDocument.h"
 
+#include "consoleRun.h"
 #include "document/mend.h"
 
+#include <algorithm>
 #include <cstring>
 #include <libxml/parser.h>
 #include <libxml/tree.h>
@@ -133,12 +135,21 @@ std::string mend(const std::string& raw)
     return xml;
 }
 
+/// A parser makes blanks of tabs and line feeds in attributes, and line feeds of carriage returns.
+bool hasChangingBlanks(const std::string& raw)
+{
+    return raw.find_first_of("\t\r") != std::string::npos ||
+           std::ranges::any_of(splitLines(raw), [](const std::string& line) {
+               return line.starts_with("<Resource ") && !line.ends_with("\">");
+           });
+}
+
 /// Whether a parser takes the bytes for what they are: none of them has to change.
 bool isMended(const std::string& raw)
 {
     std::string errors;
     const Parsed parsed = parse(raw, errors);
-    return errors.empty() && raw.find('\r') == std::string::npos && validityErrors(parsed.get()).empty();
+    return errors.empty() && validityErrors(parsed.get()).empty() && !hasChangingBlanks(raw);
 }
 
 } // namespace
