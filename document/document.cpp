@@ -9,17 +9,32 @@
 namespace document
 {
 
+namespace
+{
+
+/// Looked for so often that a call of the library for two letters would tell.
+const Property* find(std::span<const Property> properties, std::string_view code)
+{
+    if (code.empty()) return nullptr;
+    for (const Property& property : properties) {
+        const std::string_view other = property.code();
+        if (other.size() == code.size() && other.back() == code.back() && other == code) return &property;
+    }
+    return nullptr;
+}
+
+} // namespace
+
 std::string_view Part::value(std::string_view code) const
 {
-    const auto found = std::ranges::find(properties, code, &Property::code);
-    return found == properties.end() ? std::string_view{} : found->value;
+    const Property* const found = find(properties, code);
+    return found == nullptr ? std::string_view{} : found->value;
 }
 
 std::string_view Part::valueAround(std::string_view code) const
 {
     for (const Part* part = this; part != nullptr; part = part->around) {
-        const auto found = std::ranges::find(part->properties, code, &Property::code);
-        if (found != part->properties.end()) return found->value;
+        if (const Property* const found = find(part->properties, code)) return found->value;
     }
     return {};
 }

@@ -58,7 +58,7 @@ struct Part {
 struct Document {
     std::string name;           ///< the file it was read from, as messages call it
     std::string_view timestamp; ///< seconds.microseconds, the microseconds without leading zeros
-    Missing missing; ///< nothing: the document is complete
+    Missing missing;            ///< nothing: the document is complete
     /// The first of what the collector would not have written, and how much there is of it.
     std::vector<Finding> findings;
     uint64_t findingCount = 0;

@@ -4,6 +4,8 @@
 #include "platform/utf8.h"
 
 #include <algorithm>
+#include <array>
+#include <charconv>
 #include <utility>
 
 namespace document
@@ -37,7 +39,11 @@ struct AppendText {
 
     void operator()(std::monostate) const {}
     void operator()(std::string_view value) const { text += value; }
-    void operator()(int64_t value) const { text += std::to_string(value); }
+    void operator()(int64_t value) const
+    {
+        std::array<char, 24> digits{};
+        text.append(digits.data(), std::to_chars(digits.data(), digits.data() + digits.size(), value).ptr);
+    }
     void operator()(const std::vector<std::string>& values) const
     {
         for (const char* separator = ""; const std::string& value : values) {
@@ -72,11 +78,8 @@ public:
 
     void row(std::span<const Value> values) override
     {
-        for (size_t column = 0; column < values.size(); ++column) {
-            scratch.clear();
-            appendText(scratch, values[column]);
-            add(column, platform::shown(scratch));
-        }
+        for (size_t column = 0; column < values.size(); ++column)
+            add(column, values[column]);
     }
 
     void finish() override
@@ -95,13 +98,21 @@ private:
         size_t width = 0;
     };
 
-    void add(size_t column, std::string_view value)
+    void add(size_t column, const Value& value)
     {
-        const size_t width = platform::widthOf(value);
-        text += value;
+        const size_t from = text.size();
+        appendText(text, value);
+        size_t width = text.size() - from;
+        if (!std::all_of(text.begin() + static_cast<std::ptrdiff_t>(from), text.end(), isPlain)) {
+            const std::string safe = platform::shown(std::string_view(text).substr(from));
+            text.replace(from, std::string::npos, safe);
+            width = platform::widthOf(safe);
+        }
         cells.push_back({.end = text.size(), .width = width});
         widths[column] = std::max(widths[column], std::min(width, widest));
     }
+
+    static bool isPlain(char byte) { return byte >= ' ' && byte <= '~'; }
 
     void writeHead()
     {
@@ -146,7 +157,6 @@ private:
     std::vector<size_t> widths;
     std::string text;
     std::vector<Cell> cells;
-    std::string scratch;
 };
 
 // --- CSV
@@ -166,13 +176,13 @@ public:
 
     void row(std::span<const Value> values) override
     {
-        for (const char* separator = ""; const Value& value : values) {
-            out.text += separator;
+        for (const Value& value : values) {
             scratch.clear();
             appendText(scratch, value);
             appendField(scratch);
-            separator = ",";
+            out.text += ',';
         }
+        if (!values.empty()) out.text.pop_back();
         out.text += '\n';
         out.flush(Gathered::enough);
     }
@@ -215,13 +225,13 @@ public:
     {
         out.text += separator;
         out.text += '{';
-        const char* comma = "";
         for (size_t column = 0; column < values.size(); ++column) {
             if (isEmpty(values[column])) continue;
-            out.text.append(comma).append(names[column]);
+            out.text += names[column];
             appendJson(out.text, values[column]);
-            comma = ",";
+            out.text += ',';
         }
+        if (out.text.ends_with(',')) out.text.pop_back();
         out.text += '}';
         separator = list ? ",\n" : "\n";
         out.flush(Gathered::enough);
@@ -231,14 +241,14 @@ public:
     {
         if (list)
             out.text += "]\n";
-        else if (*separator != '\0')
+        else if (!separator.empty())
             out.text += '\n';
         out.flush();
     }
 
 private:
     const bool list;
-    const char* separator = ""; ///< before the next row
+    std::string_view separator; ///< before the next row
     Gathered out;
     std::vector<std::string> names;
 };

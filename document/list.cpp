@@ -107,8 +107,14 @@ std::vector<std::string> List::usualColumns() const
 
 void List::chooseFields()
 {
-    for (const std::string& name : columnNames())
-        fields.push_back(fieldOf(name));
+    for (const std::string& name : columnNames()) {
+        const Field& field = fields.emplace_back(fieldOf(name));
+        for (const Kind kind : listed) {
+            const Column* const column = field.columns.at(static_cast<size_t>(kind));
+            if (column != nullptr)
+                ownFields.at(static_cast<size_t>(kind)).emplace_back(fields.size() - 1, column);
+        }
+    }
 }
 
 /// What is counted can be sorted by what it is counted by, and by the count.
@@ -131,13 +137,20 @@ bool List::holds(const Row& row, Values& values) const
         conditions, [&](const Where& where) { return where.condition.holds(where.field.of(row, values)); });
 }
 
-std::vector<Value> List::valuesOf(const Row& row, Values& values) const
+/// Of many kinds most columns are not the row's: what is there of the row before is written over, or emptied.
+void List::fill(std::vector<Value>& values, const Row& row, Values& from)
 {
-    std::vector<Value> result;
-    result.reserve(fields.size());
-    for (const Field& field : fields)
-        result.push_back(field.of(row, values));
-    return result;
+    if (values.size() != fields.size() || filledFor != row.kind) values.assign(fields.size(), Value{});
+    filledFor = row.kind;
+    for (const auto& [index, column] : ownFields.at(static_cast<size_t>(row.kind)))
+        values[index] = from.of(row, *column);
+}
+
+std::vector<Value> List::valuesOf(const Row& row, Values& from)
+{
+    std::vector<Value> values;
+    fill(values, row, from);
+    return values;
 }
 
 void List::add(Document document)
@@ -149,12 +162,14 @@ void List::add(Document document)
 
 void List::gather(Kept& from)
 {
+    std::vector<Value> values;
     for (Row& row : rowsOf(from.document, listed)) {
         if (!holds(row, from.values)) continue;
         if (options.count) {
             tally(valuesOf(row, from.values));
         } else if (order.empty()) {
-            formatter->row(valuesOf(row, from.values));
+            fill(values, row, from.values);
+            formatter->row(values);
         } else {
             std::vector<Value> keys;
             for (const Order& by : order)

@@ -85,7 +85,8 @@ private:
     void chooseFields();
     void chooseOrder();
     [[nodiscard]] bool holds(const Row& row, Values& values) const;
-    [[nodiscard]] std::vector<Value> valuesOf(const Row& row, Values& values) const;
+    void fill(std::vector<Value>& values, const Row& row, Values& from);
+    std::vector<Value> valuesOf(const Row& row, Values& from);
     void gather(Kept& from);
     void tally(std::vector<Value> values);
     void finishGroups();
@@ -94,7 +95,9 @@ private:
 
     const ListOptions options;
     const std::vector<Kind> listed;
-    std::vector<Field> fields; ///< shown, or counted by
+    std::vector<Field> fields;                                                      ///< shown, or counted by
+    std::array<std::vector<std::pair<size_t, const Column*>>, kindCount> ownFields; ///< those a kind has
+    Kind filledFor = Kind::other; ///< the kind of the row that was told last
     std::vector<Order> order;
     std::vector<Where> conditions;
     std::unique_ptr<Formatter> formatter;

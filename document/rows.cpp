@@ -5,6 +5,7 @@
 #include <charconv>
 #include <ctime>
 #include <functional>
+#include <memory_resource>
 #include <optional>
 #include <unordered_set>
 
@@ -89,15 +90,25 @@ private:
 
     void add(const Part& part)
     {
-        if (!part.id.empty()) {
-            const auto [known, isNew] = seen.try_emplace(&part, rows.size());
-            if (!isNew) return rows[known->second].also.push_back(&part);
-        }
+        const size_t known = part.id.empty() ? rows.size() : rowOf(part);
+        if (known < rows.size()) return rows[known].also.push_back(&part);
         rows.push_back({.part = &part, .kind = part.kind});
     }
 
+    /// The row of the same part; a further one where there is none. Most identifiers stand once, and of those
+    /// the values need not be looked at.
+    size_t rowOf(const Part& part)
+    {
+        const auto [first, isFirst] = firstRows.try_emplace(part.id, rows.size());
+        if (isFirst) return rows.size();
+        seen.try_emplace(rows[first->second].part, first->second);
+        return seen.try_emplace(&part, rows.size()).first->second;
+    }
+
     std::array<bool, kindCount> wanted{};
-    std::unordered_map<const Part*, size_t, HashOfPart, SamePart> seen;
+    std::pmr::monotonic_buffer_resource memory;
+    std::pmr::unordered_map<std::string_view, size_t> firstRows{&memory}; ///< by identifier
+    std::pmr::unordered_map<const Part*, size_t, HashOfPart, SamePart> seen{&memory};
 };
 
 // --- Values
@@ -190,7 +201,7 @@ Values::Values(const Document& ofDocument)
 
 Value Values::of(const Row& row, const Column& column)
 {
-    const Value text = textOf(row, column.source);
+    Value text = textOf(row, column.source);
     if (column.type != Type::number || !std::holds_alternative<std::string_view>(text)) return text;
     std::string_view digits = std::get<std::string_view>(text);
     if (!digits.ends_with(column.source.unit)) return {};
@@ -242,18 +253,27 @@ Value Values::textOf(const Row& row, const Source& source)
     return {};
 }
 
+Values::Items& Values::itemsFor(Kind kind, std::string_view code)
+{
+    Items& known = allItems[{kind, code}];
+    if (!known.keys.empty()) return known;
+    known.kind = kind;
+    known.code = code;
+    for (const Column& column : rowOf(kind).columns) {
+        if (column.source.from == From::item && column.source.code == code)
+            known.keys.push_back(column.source.mark);
+    }
+    return known;
+}
+
 std::string_view Values::itemOf(const Row& row, const Source& source)
 {
-    Items& known = items[{row.kind, source.code}];
-    if (known.keys.empty()) {
-        for (const Column& column : rowOf(row.kind).columns) {
-            if (column.source.from == From::item && column.source.code == source.code)
-                known.keys.push_back(column.source.mark);
-        }
-    }
-    if (known.part != row.part) known.values = itemsOf(row.part->value(source.code), known.keys);
-    known.part = row.part;
-    return known.values[static_cast<size_t>(std::ranges::find(known.keys, source.mark) - known.keys.begin())];
+    if (items == nullptr || items->kind != row.kind || items->code != source.code)
+        items = &itemsFor(row.kind, source.code);
+    if (items->part != row.part) items->values = itemsOf(row.part->value(source.code), items->keys);
+    items->part = row.part;
+    return items
+        ->values[static_cast<size_t>(std::ranges::find(items->keys, source.mark) - items->keys.begin())];
 }
 
 Value Values::numberOfArray(const Part& array, const Source& source)

@@ -51,21 +51,25 @@ public:
     Value of(const Row& row, const Column& column);
 
 private:
-    Value textOf(const Row& row, const Source& source);
-    std::string_view itemOf(const Row& row, const Source& source);
-    Value numberOfArray(const Part& array, const Source& source);
-    std::vector<std::string> partitionsOf(const Row& row) const;
-
     /// The keys of a property that holds many values, and its values in the part that was asked for last.
     struct Items {
+        Kind kind = Kind::other;
+        std::string_view code;
         std::vector<std::string_view> keys;
         const Part* part = nullptr;
         std::vector<std::string_view> values;
     };
 
+    Value textOf(const Row& row, const Source& source);
+    std::string_view itemOf(const Row& row, const Source& source);
+    Items& itemsFor(Kind kind, std::string_view code);
+    Value numberOfArray(const Part& array, const Source& source);
+    std::vector<std::string> partitionsOf(const Row& row) const;
+
     const Document& document;
     std::string collected;
-    std::map<std::pair<Kind, std::string_view>, Items> items;
+    std::map<std::pair<Kind, std::string_view>, Items> allItems;
+    Items* items = nullptr; ///< that were asked for last
     /// By storage configuration: the number of the array that an array site belongs to.
     std::unordered_map<const Part*, std::unordered_map<int64_t, int64_t>> arrays;
 };
