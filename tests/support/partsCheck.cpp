@@ -5,7 +5,9 @@
 #include "jsonSchema.h"
 #include "partsTable.h"
 
+#include <map>
 #include <nlohmann/json.hpp>
+#include <regex>
 
 namespace kordTest
 {
@@ -64,6 +66,30 @@ void addFaults(std::vector<std::string>& faults, const std::string& what, const 
         faults.push_back(what + ' ' + fault);
 }
 
+/// References to characters mean these characters to whoever reads a document, also where a machine's text
+/// happens to read like one.
+void resolve(std::string& text)
+{
+    static const std::regex reference("&(amp|lt|gt|quot|apos);");
+    static const std::map<std::string, std::string> characters = {
+        {"amp", "&"}, {"lt", "<"}, {"gt", ">"}, {"quot", "\""}, {"apos", "'"}};
+    std::string meant;
+    std::smatch match;
+    for (; std::regex_search(text, match, reference); text = match.suffix())
+        meant += match.prefix().str() + characters.at(match[1]);
+    text = meant + text;
+}
+
+void resolve(Element& element)
+{
+    resolve(element.displayName);
+    resolve(element.uniqueId);
+    for (Property& property : element.properties)
+        resolve(property.value);
+    for (Element& child : element.children)
+        resolve(child);
+}
+
 /// The measure with bytes that are no UTF-8 as JSON has them.
 json asJson(const json& measure)
 {
@@ -74,7 +100,9 @@ json asJson(const json& measure)
 
 std::vector<std::string> partsFaults(const std::string& text)
 {
-    const Document document = readDocument(text);
+    Document document = readDocument(text);
+    for (Element& resource : document.resources)
+        resolve(resource);
     std::vector<std::string> faults;
     addFaults(faults, "rows", asJson(partRows(document)), listed(text));
     const std::string found = treeOf(text);
