@@ -121,10 +121,12 @@ class AddingAClass(unittest.TestCase):
         link("addTarnKord", collector)
         link("kord-tables", collector)
         link("kord-console", [compiler.compile(BUILD / "console/facility/schemaText.cpp", self.schema_text())])
+        told = run([BIN / "kord-tables", "--json"])
+        tables = compiler.compile(BUILD / "document/tablesText.cpp", self.tables_text(told))
         cases = compiler.compile(SOURCES / "tests/runs/run_test.cpp", TREE / "tests/runs/run_test.cpp")
-        link("run_test", [cases, made["tests/support/documentReader.cpp"]])
+        link("run_test", [cases, made["tests/support/documentReader.cpp"], tables])
 
-        told = json.loads(run([BIN / "kord-tables", "--json"]))
+        told = json.loads(told)
         self.assertIn("queryCooler", [query["function"] for query in told["queries"]])
         passed = run([BIN / "run_test", "--gtest_filter=*oolers*:*documents_calls:*documents_small:*wholeTrace_small"])
         self.assertRegex(passed, r"\[  PASSED  \] 11 tests")
@@ -135,6 +137,13 @@ class AddingAClass(unittest.TestCase):
         schema = (TREE / "console/schema/facility.schema.json").read_text()
         copy = TREE / "console/facility/schemaText.cpp"
         copy.write_text(template.replace("@KORD_FACILITY_SCHEMA@", schema))
+        return copy
+
+    @staticmethod
+    def tables_text(told):
+        tables, copy = WORK / "tables.json", TREE / "document/tablesText.cpp"
+        tables.write_text(told)
+        run(["cmake", "-D", f"TABLES={tables}", "-D", f"TEXT={copy}", "-P", SOURCES / "document/tablesText.cmake"])
         return copy
 
 
