@@ -19,7 +19,7 @@ namespace document
 enum class ChangeType { added, removed, moved, replaced, changed };
 
 inline constexpr std::array changeTypes = {ChangeType::added, ChangeType::removed, ChangeType::moved,
-                                    ChangeType::replaced, ChangeType::changed};
+                                           ChangeType::replaced, ChangeType::changed};
 
 std::string_view wordOf(ChangeType type);
 

@@ -23,9 +23,9 @@ struct Node {
     uint32_t match = none;   ///< the same part in the other document
     uint32_t firstChild = 0; ///< children stand one behind the other
     uint32_t childCount = 0;
-    std::string_view place = {};///< its identifier within the part around it
-    std::string_view serial = {};///< that goes where the part goes; empty where its kind has none
-    std::string_view model = {};///< without which the serial number is not unique
+    std::string_view place = {};  ///< its identifier within the part around it
+    std::string_view serial = {}; ///< that goes where the part goes; empty where its kind has none
+    std::string_view model = {};  ///< without which the serial number is not unique
 };
 
 /// The parts of a document, the managed system first, each level behind the one around it. A part listed

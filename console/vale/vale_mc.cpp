@@ -42,8 +42,8 @@ ValeResourceHandle resourceHandle(uint64_t resource)
     return vale::handleOf<ValeResourceHandle>(resource + 1);
 }
 
-/// A handle's first byte, on any machine: for a handle that stands for no resource its first bit and the place
-/// of a class.
+/// A handle's first byte, on any machine: for a handle that stands for no resource its first bit and the
+/// place of a class.
 constexpr unsigned firstByte = 8 * (sizeof(uintptr_t) - 1);
 constexpr uint64_t invented = 0x80;
 

@@ -294,9 +294,9 @@ TEST(Explain, AnEnclosureWithoutDrivesIsFiledAndTheRunGoesOn)
     const TracedRun run = runIn(log);
     ASSERT_THAT(run.problems, SizeIs(1));
     EXPECT_EQ(run.problems[0].severity, Severity::filed);
-    EXPECT_EQ(
-        document::missingBy(run, run.problems[0]),
-        "the drives of storage enclosure 1234-5X6*AB100001, enclosure number 1, rack R1, image 9999*A01*00XY121");
+    EXPECT_EQ(document::missingBy(run, run.problems[0]),
+              "the drives of storage enclosure 1234-5X6*AB100001, enclosure number 1, rack R1, image "
+              "9999*A01*00XY121");
     EXPECT_FALSE(document::endedWell(run));
 }
 

@@ -127,7 +127,8 @@ size_t writtenOf(const std::string& text)
     return written;
 }
 
-/// What grows with the square of such a document takes minutes for the larger one: the suite's time limit ends it.
+/// What grows with the square of such a document takes minutes for the larger one: the suite's time limit
+/// ends it.
 TEST(Hostile, EverythingGrowsWithTheDocument)
 {
     constexpr size_t size = 50'000;
