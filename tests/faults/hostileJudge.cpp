@@ -8,6 +8,7 @@
 #include "hostileValues.h"
 #include "judge.h"
 #include "mendedDocument.h"
+#include "partsCheck.h"
 
 namespace sweep
 {
@@ -268,6 +269,22 @@ void judgeMended(const Result& result, const std::optional<kordTest::Document>& 
     if (!difference.empty()) broken(findings, "mended document, " + difference.substr(0, 200));
 }
 
+std::string timestampOf(const std::string& document)
+{
+    const std::string mark = "timestamp=\"";
+    const size_t from = document.find(mark) + mark.size();
+    return document.substr(from, document.find('"', from) - from);
+}
+
+/// Tables and JSON say what the document holds, whatever that is.
+void judgeParts(const Result& result, const kordTest::Document& read, Findings& findings)
+{
+    kordTest::Document document = read;
+    document.timestamp = timestampOf(*result.document);
+    for (const std::string& fault : kordTest::partsFaults(document, *result.document))
+        broken(findings, "parts, " + fault.substr(0, 300));
+}
+
 void takeStandIns(std::vector<kordTest::Element>& elements)
 {
     for (kordTest::Element& element : elements) {
@@ -301,7 +318,9 @@ void compareWithTwin(const Plan& plan, const Result& result, Findings& findings)
                                      kordTest::withFixedTimestamp(*result.document)) {
         broken(findings, "the document's values are not raw, or its elements depend on them");
     } else if (quiet.document) {
-        return judgeMended(result, readTwin(quiet), findings);
+        const kordTest::Document read = readTwin(quiet);
+        judgeParts(result, read, findings);
+        return judgeMended(result, read, findings);
     }
     judgeMended(result, std::nullopt, findings);
 }

@@ -182,10 +182,6 @@ std::string carried(const std::string& text)
     return std::regex_replace(unicode, none, "\xEF\xBF\xBD");
 }
 
-namespace
-{
-
-/// A text of the collector's as it is told: the references that XML knows by name mean their character.
 std::string told(std::string text)
 {
     const std::pair<const char*, const char*> names[] = {
@@ -195,8 +191,6 @@ std::string told(std::string text)
             text.replace(at, std::strlen(name), character);
     return text;
 }
-
-} // namespace
 
 std::string differenceOf(const std::vector<Element>& raw, const std::vector<Element>& mended)
 {

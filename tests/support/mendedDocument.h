@@ -27,4 +27,7 @@ std::string differenceOf(const std::vector<Element>& raw, const std::vector<Elem
 /// A text as XML can carry it: U+FFFD for a row of characters or bytes that it cannot.
 std::string carried(const std::string& text);
 
+/// A text of the collector's as it is told: the references that XML knows by name mean their character.
+std::string told(std::string text);
+
 } // namespace kordTest

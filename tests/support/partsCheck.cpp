@@ -3,11 +3,10 @@
 #include "document/list.h"
 #include "document/reader.h"
 #include "jsonSchema.h"
+#include "mendedDocument.h"
 #include "partsTable.h"
 
-#include <map>
 #include <nlohmann/json.hpp>
-#include <regex>
 
 namespace kordTest
 {
@@ -66,50 +65,40 @@ void addFaults(std::vector<std::string>& faults, const std::string& what, const 
         faults.push_back(what + ' ' + fault);
 }
 
-/// References to characters mean these characters to whoever reads a document, also where a machine's text
-/// happens to read like one.
-void resolve(std::string& text)
-{
-    static const std::regex reference("&(amp|lt|gt|quot|apos);");
-    static const std::map<std::string, std::string> characters = {
-        {"amp", "&"}, {"lt", "<"}, {"gt", ">"}, {"quot", "\""}, {"apos", "'"}};
-    std::string meant;
-    std::smatch match;
-    for (; std::regex_search(text, match, reference); text = match.suffix())
-        meant += match.prefix().str() + characters.at(match[1]);
-    text = meant + text;
-}
-
-void resolve(Element& element)
-{
-    resolve(element.displayName);
-    resolve(element.uniqueId);
-    for (Property& property : element.properties)
-        resolve(property.value);
-    for (Element& child : element.children)
-        resolve(child);
-}
-
 /// The measure with bytes that are no UTF-8 as JSON has them.
 json asJson(const json& measure)
 {
     return json::parse(measure.dump(-1, ' ', false, json::error_handler_t::replace));
 }
 
+void tell(std::vector<Element>& elements)
+{
+    for (Element& element : elements) {
+        element.displayName = told(element.displayName);
+        element.uniqueId = told(element.uniqueId);
+        for (Property& property : element.properties)
+            property.value = told(property.value);
+        tell(element.children);
+    }
+}
+
 } // namespace
 
 std::vector<std::string> partsFaults(const std::string& text)
 {
-    Document document = readDocument(text);
-    for (Element& resource : document.resources)
-        resolve(resource);
+    return partsFaults(readDocument(text), text);
+}
+
+std::vector<std::string> partsFaults(Document document, const std::string& text)
+{
+    tell(document.resources);
     std::vector<std::string> faults;
     addFaults(faults, "rows", asJson(partRows(document)), listed(text));
     const std::string found = treeOf(text);
-    json tree = {{"timestamp", document.timestamp},
-                 {"complete", json::parse(found).at("complete")},
-                 {"missing", json::parse(found).at("missing")},
-                 {"system", asJson(partTree(document))}};
+    const json tree = {{"timestamp", document.timestamp},
+                       {"complete", json::parse(found).at("complete")},
+                       {"missing", json::parse(found).at("missing")},
+                       {"system", asJson(partTree(document))}};
     addFaults(faults, "tree", tree, found);
     return faults;
 }
