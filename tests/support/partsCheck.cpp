@@ -100,6 +100,8 @@ std::vector<std::string> partsFaults(Document document, const std::string& text)
                        {"missing", json::parse(found).at("missing")},
                        {"system", asJson(partTree(document))}};
     addFaults(faults, "tree", tree, found);
+    if (carried(text) == text)
+        addFaults(faults, "mended tree", json::parse(found), treeOf(mendDocument(text).xml));
     return faults;
 }
 
