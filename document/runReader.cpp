@@ -762,15 +762,21 @@ void RunReader::readSessionStart(const TraceLine& line, const Match&)
     firstSerial.clear();
 }
 
-void RunReader::readSessionFailed(const TraceLine& line, const Match& match)
+Problem& RunReader::addSessionProblem(Problem of, const Match& match)
 {
-    Problem& problem = add(problemAt(line, "sessionFailed", Severity::fatal));
+    Problem& problem = add(std::move(of));
     problem.call = "session";
     problem.session = lastSession;
     problem.number = numberOf(match.values[0]);
     problem.message = match.values[1];
     problem.usualCause = match.line->cause;
     problem.advice = match.line->advice;
+    return problem;
+}
+
+void RunReader::readSessionFailed(const TraceLine& line, const Match& match)
+{
+    Problem& problem = addSessionProblem(problemAt(line, "sessionFailed", Severity::fatal), match);
     problem.events = std::exchange(loose, {});
     if (endsWithoutClosing(line)) {
         run.status = -1;
@@ -791,13 +797,7 @@ void RunReader::readSessionEnd(const TraceLine& line, const Match&)
 
 void RunReader::readSessionEndFailed(const TraceLine& line, const Match& match)
 {
-    Problem& problem = add(problemAt(line, "sessionEndFailed", Severity::filed));
-    problem.call = "session";
-    problem.session = lastSession;
-    problem.number = numberOf(match.values[0]);
-    problem.message = match.values[1];
-    problem.usualCause = match.line->cause;
-    problem.advice = match.line->advice;
+    addSessionProblem(problemAt(line, "sessionEndFailed", Severity::filed), match);
     awaitsEvent = true;
 }
 

@@ -80,6 +80,7 @@ private:
     void readCommandFailed(const TraceLine& line, const Match& match);
     void readToolFailed(const TraceLine& line, const Match& match);
     void readSessionStart(const TraceLine& line, const Match& match);
+    Problem& addSessionProblem(Problem of, const Match& match);
     void readSessionFailed(const TraceLine& line, const Match& match);
     void readSessionEnd(const TraceLine& line, const Match& match);
     void readSessionEndFailed(const TraceLine& line, const Match& match);
