@@ -66,6 +66,23 @@ def change_of(kind, file, text, start, end, replacement):
     )
 
 
+def paragraphs(top, file):
+    """The changes written down in a file, each as its title and its lines; the first paragraph tells of the file."""
+    return [paragraph.split("\n") for paragraph in (top / file).read_text().strip().split("\n\n")[1:]]
+
+
+def misplaced_changes(top):
+    """What is wrong with the written changes: each names one place of a file that is there."""
+    for title, file, old, _ in paragraphs(top, "tests/mutants.txt"):
+        count = (top / file).read_text().count(old)
+        if count != 1:
+            yield f'{file}: the text of "{title}" stands there {count} times.'
+    for title, file, old, _ in paragraphs(top, "tests/equivalents.txt"):
+        text = squeezed((top / file).read_text())
+        if squeezed(old) not in text:
+            yield f'{file}: the line of "{title}" is not there: {old}'
+
+
 class Source:
     def __init__(self, text):
         self.text = text
