@@ -41,7 +41,7 @@ struct ToldQueries {
     std::span<const ToldFailure> failures = {};
 };
 
-extern const ToldQueries addTarnQueries;
+extern const ToldQueries addCheckQueries;
 extern const ToldQueries addCecEnclQueries;
 extern const ToldQueries addIoEnclQueries;
 extern const ToldQueries addStorEnclQueries;

@@ -222,15 +222,7 @@ int32_t addRack(kordRec* pKordRec, const Rack& rack)
 // --- What the tables tell
 
 constexpr ToldQuery queries[] = {
-    {.query = &rackQuery,
-     .function = "addRackEnclKord",
-     .subject = {.things = "the racks",
-                 .of = "the facility",
-                 .none = {.cause =
-                              "the facility's racks are not configured on the console, or the facility's "
-                              "MTMS in the selection is empty",
-                          .advice =
-                              "see that the console shows the racks of the facility in the selection"}}},
+    {.query = &rackQuery, .function = "addRackEnclKord", .subject = rackSubject},
     {.query = &ppsQuery,
      .subject = {.things = "the power supplies",
                  .of = "a rack",

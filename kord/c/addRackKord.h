@@ -4,7 +4,7 @@
 #pragma once
 
 #include "addErrLogKord.h"
-#include "addQueryKord.h"
+#include "addQueryTableKord.h"
 
 struct Rack {
     char locationCode[30];
@@ -47,6 +47,13 @@ constexpr Query rackQueryOf(const RackQuery& row)
         .otherError = {.report = {.type = resourcesNotFound}},
     };
 }
+
+inline constexpr ToldSubject rackSubject = {
+    .things = "the racks",
+    .of = "the facility",
+    .none = {.cause = "the facility's racks are not configured on the console, or the facility's "
+                      "MTMS in the selection is empty",
+             .advice = "see that the console shows the racks of the facility in the selection"}};
 
 template <typename Use>
 [[nodiscard]] int32_t forEachRack(kordRec* pKordRec, const Query& query, Use use)

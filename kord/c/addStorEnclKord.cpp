@@ -227,14 +227,7 @@ int32_t addEnclosure(kordRec* pKordRec, const Enclosure& enclosure, const char* 
 // --- What the tables tell
 
 constexpr ToldQuery queries[] = {
-    {.query = &rackQuery,
-     .subject = {.things = "the racks",
-                 .of = "the facility",
-                 .none = {.cause =
-                              "the facility's racks are not configured on the console, or the facility's "
-                              "MTMS in the selection is empty",
-                          .advice =
-                              "see that the console shows the racks of the facility in the selection"}}},
+    {.query = &rackQuery, .subject = rackSubject},
     {.query = &enclosureQuery,
      .function = "queryStorageEnclosure",
      .subject = {.things = "the storage enclosures",

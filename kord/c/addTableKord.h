@@ -68,6 +68,7 @@ extern const std::span<const ToldWriter> addXmlWriters;
 extern const std::span<const ToldWriter> addUncalledXmlWriters;
 
 extern const ToldLines addTarnLines;
+extern const ToldLines addCheckLines;
 extern const ToldLines addCecEnclLines;
 extern const ToldLines addIoEnclLines;
 extern const ToldLines addStorEnclLines;

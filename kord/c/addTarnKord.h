@@ -1,27 +1,13 @@
-// The run itself: command line, sessions, the checks before and after collection, assembly of the document,
-// clean-up. Checks give 0, or -1 to stop the run; anything else lets it go on.
+// The run itself: command line, the order of checks and collection, assembly of the document, clean-up.
 
 #pragma once
 
-#include "addTrcKord.h"
 #include "kordRec.h"
 
 #include <span>
 
 /// The program: its exit status.
 int addTarnKord(int argc, const char* const* argv);
-
-/// One of the run's sessions with the resource manager.
-struct Session {
-    const char* name;
-    uint32_t scope;
-    ValeSessionHandle kordRec::*handle;
-    TraceText start;
-    TraceText startFailed; ///< gets the return code, the message and the exit status
-    bool reportsFirst;     ///< a failed start is reported before it is traced
-    TraceText end;
-    TraceText endFailed; ///< gets the return code and the message
-};
 
 /// One check: what it runs, and the console line when it fails.
 struct Check {
@@ -36,30 +22,7 @@ struct ToldChecks {
     std::span<const Check> checks;
 };
 
-extern const std::span<const Session> addTarnSessions;
 extern const std::span<const ToldChecks> addTarnChecks;
-
-/// Learns the facility that the managed system belongs to, by its one facility-system resource.
-int32_t querySystem(kordRec* pKordRec);
-
-/// Learns the facility's other system. 1 when the response is in error: the run goes on without.
-int32_t queryPartnerSystem(kordRec* pKordRec);
-
-/// Both systems must be operating, as far as the console answers.
-int32_t checkState(kordRec* pKordRec);
-
-/// Asks the console for one system's state: 0 operating, -1 not, 1 unanswered.
-int32_t checkSystemState(kordRec* pKordRec, const char* SystemMTMS);
-
-/// Learns the partitions of the managed system (partner 0) or of its partner, slotted by pool ID.
-int32_t queryPartition(kordRec* pKordRec, int32_t partner);
-
-/// Learns the image ID and host name of every partition.
-int32_t queryValeId(kordRec* pKordRec);
-
-/// All partitions of the managed system, or of its partner, must be online.
-int32_t queryValeStatus(kordRec* pKordRec);
-int32_t queryValePartnerStatus(kordRec* pKordRec);
 
 /// Writes the whole document: 0, -1 when a section failed, 1 when the document could not be started.
 int32_t addSystemKord(kordRec* pKordRec);

@@ -121,10 +121,10 @@ const char* nameOfResult(int32_t result)
 
 const Session& sessionOf(const Query& query)
 {
-    for (const Session& session : addTarnSessions) {
+    for (const Session& session : allSessions) {
         if (session.handle == query.session) return session;
     }
-    return addTarnSessions.front();
+    return allSessions.front();
 }
 
 /// What a row's field takes: "text", "integer", or null where the attribute is never read.
@@ -210,7 +210,7 @@ void writeEvents(Writer& json)
 
 void writeRun(Writer& json)
 {
-    json.list("sessions", addTarnSessions, [&](const Session& session) {
+    json.list("sessions", allSessions, [&](const Session& session) {
         json.text("name", session.name);
         json.number("scope", session.scope);
     });

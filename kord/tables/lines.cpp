@@ -10,15 +10,15 @@ namespace
 {
 
 constexpr const ToldQueries* toldQueries[] = {
-    &addTarnQueries,     &addCecEnclQueries,    &addIoEnclQueries,    &addStorEnclQueries,
+    &addCheckQueries,    &addCecEnclQueries,    &addIoEnclQueries,    &addStorEnclQueries,
     &addRackEnclQueries, &addQuayEnclQueries,   &addPartitionQueries, &addCountQueries,
     &addHostQueries,     &addStorConfigQueries, &addUncalledQueries,
 };
 
 constexpr const ToldLines* toldLines[] = {
-    &addTarnLines,     &addCecEnclLines,   &addIoEnclLines,      &addStorEnclLines,   &addRackEnclLines,
-    &addQuayEnclLines, &addPartitionLines, &addHostLines,        &addStorConfigLines, &addXmlLines,
-    &addErrLogLines,   &addUtilLines,      &addUncalledXmlLines,
+    &addTarnLines,     &addCheckLines,    &addCecEnclLines,   &addIoEnclLines,      &addStorEnclLines,
+    &addRackEnclLines, &addQuayEnclLines, &addPartitionLines, &addHostLines,        &addStorConfigLines,
+    &addXmlLines,      &addErrLogLines,   &addUtilLines,      &addUncalledXmlLines,
 };
 
 ToldEnd endOf(const Query& query, Role role, const Failure& failure, uint32_t number = 0)
@@ -79,9 +79,9 @@ void addSessions(std::vector<Line>& lines)
 {
     const Session* told = nullptr;
     const auto add = [&](const char* function, const char* role, TraceText text) {
-        tellSession(lines.emplace_back(Line{"addTarnKord", function, role, text, {}}), *told);
+        tellSession(lines.emplace_back(Line{"addSessionKord", function, role, text, {}}), *told);
     };
-    for (const Session& session : addTarnSessions) {
+    for (const Session& session : allSessions) {
         told = &session;
         add("addTarnKord", "sessionStart", session.start);
         add("addTarnKord", "sessionStartFailed", session.startFailed);

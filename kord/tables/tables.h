@@ -4,6 +4,7 @@
 #pragma once
 
 #include "addQueryTableKord.h"
+#include "addSessionKord.h"
 #include "addTarnKord.h"
 
 #include <string>

@@ -89,7 +89,7 @@ constexpr ScopeWords scopeWords[] = {
 const ScopeWords& wordsOf(const ValeSessionHandle kordRec::*session)
 {
     uint32_t scope = 0;
-    for (const Session& known : addTarnSessions) {
+    for (const Session& known : allSessions) {
         if (known.handle == session) scope = known.scope;
     }
     for (const ScopeWords& words : scopeWords) {
