@@ -10,15 +10,20 @@
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <dlfcn.h>
+#include <fcntl.h>
 #include <malloc.h>
 #include <unistd.h>
 
+// The names that the C library gives its own allocator.
+// NOLINTBEGIN(bugprone-reserved-identifier)
 extern "C" void* __libc_malloc(size_t size);
 extern "C" void* __libc_calloc(size_t count, size_t size);
 extern "C" void* __libc_realloc(void* block, size_t size);
 extern "C" void* __libc_memalign(size_t alignment, size_t size);
 extern "C" void __libc_free(void* block);
+// NOLINTEND(bugprone-reserved-identifier)
 
 namespace
 {
@@ -51,14 +56,16 @@ void* counted(void* block)
 
 void sampleResident()
 {
-    FILE* file = std::fopen("/proc/self/statm", "re");
-    if (file == nullptr) return;
-    long size = 0;
-    long resident = 0;
-    long shared = 0;
-    if (std::fscanf(file, "%ld %ld %ld", &size, &resident, &shared) == 3)
-        residentPeak = std::max(residentPeak, (resident - shared) * sysconf(_SC_PAGESIZE));
-    std::fclose(file);
+    char text[100] = ""; // size, resident and shared pages
+    const int file = open("/proc/self/statm", O_RDONLY | O_CLOEXEC);
+    if (file < 0) return;
+    const bool known = read(file, text, sizeof text - 1) > 0;
+    close(file);
+    if (!known) return;
+    char* at = std::strchr(text, ' ');
+    const long resident = at != nullptr ? std::strtol(at, &at, 10) : 0;
+    const long shared = at != nullptr ? std::strtol(at, nullptr, 10) : 0;
+    residentPeak = std::max(residentPeak, (resident - shared) * sysconf(_SC_PAGESIZE));
 }
 
 template <typename Function, typename... Arguments>

@@ -36,7 +36,7 @@ private:
 void oneList(benchmark::State& state)
 {
     const DocumentRecord record;
-    for (auto _ : state) {
+    for ([[maybe_unused]] auto _ : state) {
         openPartitionResources(record);
         closePartitionResources(record);
     }
@@ -46,7 +46,7 @@ BENCHMARK(oneList);
 void oneResource(benchmark::State& state)
 {
     const DocumentRecord record;
-    for (auto _ : state) {
+    for ([[maybe_unused]] auto _ : state) {
         openStorConfigResource(record, "9999-A01-00XY1231");
         closeStorConfigResource(record);
     }
@@ -56,7 +56,7 @@ BENCHMARK(oneResource);
 void oneProperty(benchmark::State& state)
 {
     const DocumentRecord record;
-    for (auto _ : state)
+    for ([[maybe_unused]] auto _ : state)
         writeSFI(record, "9999-A01-00XY1231");
 }
 BENCHMARK(oneProperty);
@@ -64,7 +64,7 @@ BENCHMARK(oneProperty);
 void oneDrive(benchmark::State& state)
 {
     const DocumentRecord record;
-    for (auto _ : state) {
+    for ([[maybe_unused]] auto _ : state) {
         writeDDM(record, "U9999.E16.0000017-P1-D3", "9999-A01-00XY1231", "F00012", "5C03", "17P1234",
                  "YM1000004711", "D000004711", "OSK", 146000, 10000, 2, 7, 3, "FCAL", 1);
     }
@@ -73,7 +73,7 @@ BENCHMARK(oneDrive);
 
 void oneSelection(benchmark::State& state)
 {
-    for (auto _ : state) {
+    for ([[maybe_unused]] auto _ : state) {
         Request request =
             requestOf("storageFacilityImageMTMS=\"%s\" && rackNumber=\"%s\" && enclosureMTMS=\"%s\""
                       " && enclosureNumber=\"%s\" && ActivePeerDomain=\"%s\"",
@@ -95,7 +95,7 @@ void outputToLines(benchmark::State& state)
     std::fclose(file);
 
     const kordRec record{};
-    for (auto _ : state) {
+    for ([[maybe_unused]] auto _ : state) {
         int32_t xargc = 0;
         char** xargv = nullptr;
         if (parseOutput(&record, fileName, &xargc, &xargv) != 0 || xargc != lines)
@@ -115,7 +115,7 @@ void hostDescriptions(benchmark::State& state)
     if (vale_start_session(nullptr, 0, 4, &record.sess_hndl_DM) != 0)
         return state.SkipWithError("run this on the simulated console");
     record.inp = std::fopen("/dev/null", "we");
-    for (auto _ : state) {
+    for ([[maybe_unused]] auto _ : state) {
         if (queryScsiHostPort(&record, "9999*A01*00XY121", "9999.A01.00XY121") != 0) {
             state.SkipWithError("the facility has no host ports");
             break;

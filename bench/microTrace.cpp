@@ -15,7 +15,7 @@ void oneTraceLine(benchmark::State& state)
     constexpr int linesBeforeTheLimit = 30'000;
     const std::string log = std::string(traceFolder) + '/' + name;
     int lines = 0;
-    for (auto _ : state) {
+    for ([[maybe_unused]] auto _ : state) {
         if (lines++ % linesBeforeTheLimit == 0) unlink(log.c_str());
         addTrcKord(name, ">>", " openEnclosurePartitionsStor resourcelist resource");
     }

@@ -1,8 +1,8 @@
 #include "program.h"
 
 #include <climits>
-#include <cstdio>
 #include <fcntl.h>
+#include <fstream>
 #include <spawn.h>
 #include <stdexcept>
 #include <sys/resource.h>
@@ -44,11 +44,10 @@ std::string readToEnd(int pipe)
 /// waited for, and keeps its children's apart.
 double timeOnProcessor(pid_t ended)
 {
-    FILE* file = std::fopen(("/proc/" + std::to_string(ended) + "/schedstat").c_str(), "re");
+    std::ifstream file("/proc/" + std::to_string(ended) + "/schedstat");
     double nanoseconds = 0;
-    const bool known = file != nullptr && std::fscanf(file, "%lf", &nanoseconds) == 1 && nanoseconds > 0;
-    if (file != nullptr) std::fclose(file);
-    if (!known) throw std::runtime_error("this kernel keeps no processor time in /proc/PID/schedstat");
+    if (!(file >> nanoseconds) || nanoseconds <= 0)
+        throw std::runtime_error("this kernel keeps no processor time in /proc/PID/schedstat");
     return nanoseconds;
 }
 
