@@ -19,6 +19,8 @@ namespace
 
 namespace fs = std::filesystem;
 
+constexpr mode_t notOpenToAll = 0755;
+
 struct Program {
     const char* folder;
     const char* name;
@@ -37,19 +39,54 @@ std::string nameOf(uid_t user)
     return entry != nullptr ? entry->pw_name : "user " + std::to_string(user);
 }
 
-/// What lies there has to be the user's own, be it a folder or a link to one: whoever else put it there could
-/// have the run write where he wants.
-void refuseStrangers(const fs::path& place)
+constexpr const char* ownFolderWanted = ": take a folder of your own for the console";
+
+struct stat statusOf(const fs::path& place, bool isFollowed)
 {
     struct stat status {
     };
-    for (const bool link : {true, false}) {
-        if ((link ? lstat : stat)(place.c_str(), &status) != 0) throw platform::failedOn(place.string());
-        if (status.st_uid == geteuid()) continue;
-        throw platform::Failure(place.string() + " belongs to " + nameOf(status.st_uid) +
-                                ": take a folder of your own for the console");
+    if ((isFollowed ? stat : lstat)(place.c_str(), &status) != 0) throw platform::failedOn(place.string());
+    return status;
+}
+
+/// Whoever may put another folder in its place can have the run write where he wants.
+void refuseOpen(const fs::path& place, const struct stat& status)
+{
+    if (S_ISDIR(status.st_mode) && (status.st_mode & S_IWOTH) != 0 && (status.st_mode & S_ISVTX) == 0)
+        throw platform::Failure(place.string() + " can be written by everyone" + ownFolderWanted);
+}
+
+[[noreturn]] void refuseOwned(const fs::path& place, uid_t owner)
+{
+    throw platform::Failure(place.string() + " belongs to " + nameOf(owner) + ownFolderWanted);
+}
+
+/// What lies there has to be the user's own, be it a folder or a link to one.
+void refuseStrangers(const fs::path& place)
+{
+    for (const bool isFollowed : {false, true}) {
+        const struct stat status = statusOf(place, isFollowed);
+        if (status.st_uid != geteuid()) refuseOwned(place, status.st_uid);
+        refuseOpen(place, status);
+        if (isFollowed && !S_ISDIR(status.st_mode)) throw platform::failedOn(place.string(), ENOTDIR);
     }
-    if (!S_ISDIR(status.st_mode)) throw platform::failedOn(place.string(), ENOTDIR);
+}
+
+/// What leads to a place, links included, as far as it exists: the user's own or the machine's. In a user's
+/// namespace the machine's owner has another number than outside.
+void refuseStrangersOnTheWay(const fs::path& place)
+{
+    const uid_t machine = statusOf("/", true).st_uid;
+    fs::path way;
+    for (const fs::path& step : place.parent_path()) {
+        way /= step;
+        struct stat status {
+        };
+        if (lstat(way.c_str(), &status) != 0) return;
+        if (status.st_uid != geteuid() && status.st_uid != machine && status.st_uid != 0)
+            refuseOwned(way, status.st_uid);
+        refuseOpen(way, status);
+    }
 }
 
 /// The folders of a way, each the user's own, where they are missing.
@@ -57,20 +94,29 @@ void makeFolders(fs::path folder, const fs::path& way)
 {
     for (const fs::path& step : way) {
         folder /= step;
-        std::error_code failure;
-        fs::create_directory(folder, failure);
+        mkdir(folder.c_str(), notOpenToAll);
         refuseStrangers(folder);
+    }
+}
+
+void makeRootFolders(const fs::path& root)
+{
+    fs::path folder;
+    for (const fs::path& step : root) {
+        folder /= step;
+        if (mkdir(folder.c_str(), notOpenToAll) != 0 && errno != EEXIST)
+            throw platform::failedOn(root.string());
     }
 }
 
 fs::path makeRoot(const fs::path& given)
 {
-    const fs::path root =
-        given.has_filename() ? given : given.parent_path(); // a link is seen only without a /
-    std::error_code failure;
-    fs::create_directories(root, failure);
-    if (failure) throw platform::Failure(root.string() + ": " + failure.message());
+    // A link is seen only without a / after it.
+    const fs::path root = fs::absolute(given.has_filename() ? given : given.parent_path());
+    refuseStrangersOnTheWay(root);
+    makeRootFolders(root);
     refuseStrangers(root);
+    refuseStrangersOnTheWay(fs::canonical(root));
     return root;
 }
 

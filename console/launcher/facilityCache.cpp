@@ -92,7 +92,8 @@ std::string checksumOf(std::string_view image)
 std::optional<FacilityImage> keptImage(const std::string& key, const fs::path& root)
 {
     if (key.empty()) return std::nullopt;
-    const platform::FileDescriptor file(open((root / keyFile).c_str(), O_RDONLY | O_CLOEXEC));
+    // Nothing is waited for that may lie there in place of a file.
+    const platform::FileDescriptor file(open((root / keyFile).c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
     if (!file.isOpen()) return std::nullopt;
     const std::string made = readAll(file.get(), root / keyFile);
     if (!made.starts_with(key)) return std::nullopt;

@@ -13,11 +13,11 @@ namespace console::launcher
 
 namespace fs = std::filesystem;
 
-/// All of it will be read, for its checksum.
+/// All of it will be read, for its checksum. Nothing is waited for that may lie there in place of a file.
 FacilityImage::FacilityImage(const fs::path& root)
 {
     const fs::path path = root / image::imageFile;
-    const platform::FileDescriptor file(open(path.c_str(), O_RDONLY | O_CLOEXEC));
+    const platform::FileDescriptor file(open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
     struct stat status {
     };
     if (fstat(file.get(), &status) != 0) throw platform::failedOn(path.string());

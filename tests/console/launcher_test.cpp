@@ -343,58 +343,6 @@ TEST_F(Launcher, RefusesARootThatCannotBeMade)
     EXPECT_FALSE(fs::exists(root));
 }
 
-/// What somebody else may have planted under a root is refused, and nothing of it is written through.
-class LauncherAmongOthers : public Launcher
-{
-protected:
-    static constexpr uid_t stranger = 65534;
-
-    void SetUp() override
-    {
-        if (geteuid() != 0) GTEST_SKIP() << "only root may plant what belongs to somebody else";
-    }
-    static void giveAway(const fs::path& path) { ASSERT_EQ(lchown(path.c_str(), stranger, stranger), 0); }
-};
-
-TEST_F(LauncherAmongOthers, RefusesARootOfSomebodyElse)
-{
-    fs::create_directory(root);
-    giveAway(root);
-    expectRefusal(run({"true"}), fs::path(root).string() + " belongs to nobody: take a folder of your own");
-    EXPECT_TRUE(fs::is_empty(root));
-}
-
-TEST_F(LauncherAmongOthers, RefusesALinkOfSomebodyElse)
-{
-    const fs::path own = temporary.path() / "own";
-    fs::create_directory(own);
-    fs::create_symlink(own, root);
-    giveAway(root);
-    expectRefusal(run({"true"}), "belongs to nobody");
-    root += "/";
-    expectRefusal(run({"true"}), "belongs to nobody");
-    EXPECT_TRUE(fs::is_empty(own));
-}
-
-TEST_F(LauncherAmongOthers, RefusesWhatSomebodyElsePlantedInARoot)
-{
-    const fs::path elsewhere = temporary.path() / "elsewhere";
-    for (const std::string planted :
-         {"var", "var/adm/stockmere/VPD", "var/tarnquay/log", "opt/brisk/bin", ".console", ".console/bin"}) {
-        for (const bool link : {true, false}) {
-            fs::remove_all(root);
-            fs::remove_all(elsewhere);
-            fs::create_directories(elsewhere);
-            fs::create_directories((root / planted).parent_path());
-            link ? fs::create_directory_symlink(elsewhere, root / planted)
-                 : void(fs::create_directory(root / planted));
-            giveAway(root / planted);
-            expectRefusal(run({"true"}), planted + " belongs to nobody");
-            EXPECT_TRUE(fs::is_empty(elsewhere)) << planted;
-        }
-    }
-}
-
 TEST_F(Launcher, FollowsItsUsersOwnLinks)
 {
     const fs::path own = temporary.path() / "own";
@@ -407,19 +355,6 @@ TEST_F(Launcher, FollowsItsUsersOwnLinks)
     EXPECT_EQ(textOf(temporary.path() / "documents/x"), "x\n");
 }
 
-TEST_F(Launcher, WritesNoFileOfItsOwnThroughALink)
-{
-    for (const char* name : {"journal.jsonl", ".console/state", ".console/image", ".console/image.key"}) {
-        fs::create_directories(root / ".console");
-        write(temporary.path() / "other", "other");
-        fs::remove(root / name);
-        fs::create_symlink(temporary.path() / "other", root / name);
-        EXPECT_EQ(run({"whoami"}).output, "root\n");
-        EXPECT_EQ(textOf(temporary.path() / "other"), "other") << name;
-        EXPECT_FALSE(fs::is_symlink(root / name)) << name;
-    }
-}
-
 TEST_F(Launcher, JournalsNothingThroughALink)
 {
     write(temporary.path() / "other", "other");
@@ -428,28 +363,6 @@ TEST_F(Launcher, JournalsNothingThroughALink)
                   " \"$KORD_CONSOLE_ROOT/journal.jsonl\"; whoami");
     EXPECT_NE(outcome.error.find("cannot use"), std::string::npos) << outcome.error;
     EXPECT_EQ(textOf(temporary.path() / "other"), "other");
-}
-
-TEST_F(Launcher, MakesADamagedImageAnew)
-{
-    useFacility(R"({"console": {"user": "anna"}})");
-    inShell("sleep 1.1"); // only then is the image kept
-    EXPECT_EQ(run({"whoami"}).output, "anna\n");
-    const fs::path image = root / ".console/image";
-    const std::string whole = textOf(image);
-    for (size_t i = 0; i < 40; ++i) {
-        std::string damaged = whole;
-        for (const size_t place : {i * 8, i * 577, i * 7919})
-            damaged[place % damaged.size()] ^= static_cast<char>(1U << i % 8);
-        write(image, damaged);
-        const Outcome outcome = run({"whoami"});
-        EXPECT_EQ(outcome.output, "anna\n") << i << outcome.error;
-        EXPECT_EQ(textOf(image), whole) << i;
-    }
-    for (const size_t length : {size_t{0}, size_t{1}, whole.size() / 2, whole.size() - 1}) {
-        write(image, whole.substr(0, length));
-        EXPECT_EQ(run({"whoami"}).output, "anna\n") << length;
-    }
 }
 
 /// Without namespaces, tried where nothing on the machine can be hurt: in a namespace with an empty /opt and

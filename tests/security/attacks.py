@@ -2,7 +2,7 @@
 the console's folders can plant there, what whoever starts the collector can hand it. Prints a table; status 1 when one
 of them does not end as it should. Run by root, everything is tried again as an ordinary user.
 
-    attacks.py PROGRAMS SOURCE      the folder of the built programs, the sources
+    attacks.py PROGRAMS SOURCE [SECTION...]     the folder of the built programs, the sources; some of the table only
 """
 
 import contextlib
@@ -11,11 +11,13 @@ import os
 import pathlib
 import re
 import shutil
+import stat
 import subprocess
 import sys
 import tempfile
 import threading
 import time
+import zlib
 
 MTMS = "9999-B2C*7ABCD12"
 SUCCESS = "XML file was built successfully. This is the normal return.\n"
@@ -28,6 +30,7 @@ LIMIT = 30  # seconds; a run takes a tenth of one
 NOBODY = 65534
 
 programs, source = (pathlib.Path(argument).resolve() for argument in sys.argv[1:3])
+wanted = sys.argv[3:]
 
 
 class Failed(Exception):
@@ -63,17 +66,21 @@ class Console:
         return [programs / "kord-console", "run", "--facility", self.facility, "--root", self.root,
                 *(["--user", user] if user else []), "--", *program]
 
-    def run(self, before="", mtms=MTMS, user=None, around="exec $collector x \"$0\"", **options):
-        """Runs the collector after some lines of shell; -1 is the status of one that never ended."""
-        command = self.command("sh", "-c", f"collector={programs}/addTarnKord\n{before}\n{around}", mtms, user=user)
+    def start(self, *program, user=None, umask=-1, **options):
+        """Runs a program on the console; -1 is the status of one that never ended."""
+        command = self.command(*program, user=user)
         with subprocess.Popen(command, stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, stderr=subprocess.PIPE,
-                              start_new_session=True, **options) as process:
+                              start_new_session=True, umask=umask, **options) as process:
             try:
                 output, error = process.communicate(timeout=LIMIT)
             except subprocess.TimeoutExpired:
                 os.killpg(process.pid, 9)
                 return -1, "", "it never ended"
         return process.returncode, output.decode(errors="replace"), error.decode(errors="replace")
+
+    def run(self, before="", mtms=MTMS, around="exec $collector x \"$0\"", **options):
+        """Runs the collector after some lines of shell."""
+        return self.start("sh", "-c", f"collector={programs}/addTarnKord\n{before}\n{around}", mtms, **options)
 
     def document(self):
         with contextlib.suppress(FileNotFoundError):
@@ -416,16 +423,175 @@ def tool_attacks():
         yield name, lambda arguments=arguments, statuses=statuses, before=before: tool(arguments, statuses, before)
 
 
+# ---- the launcher ----
+
+IMAGE = ".console/image"
+KEY = ".console/image.key"
+LAUNCHER_FILES = ("journal.jsonl", ".console/state", IMAGE, KEY)
+LAUNCHER_FOLDERS = ("var", "var/adm/stockmere/VPD", "var/tarnquay/log", "opt/brisk/bin", ".console", ".console/bin")
+OPEN_TO_ALL = 0o777
+
+
+def require_answer(console):
+    outcome = console.start("whoami")
+    require(outcome == (0, "root\n", ""), f"the console answers {outcome}")
+
+
+def require_refusal(console, reason):
+    """One line of the launcher's own, and nothing run."""
+    status, output, error = console.start("whoami")
+    require(status == 125 and output == "", f"status {status}, {output!r}")
+    require(error.startswith("kord-console: ") and error.count("\n") == 1 and error.endswith("\n") and reason in error,
+            f"it says {error!r}")
+
+
+@contextlib.contextmanager
+def bare_console():
+    """Without its folders, and with a private folder beside it, where nothing may be made."""
+    with console_of() as console:
+        shutil.rmtree(console.root)
+        console.facility = source / "console/facilities/small.json"  # of a file just written no image is kept
+        console.private = console.folder / "private"
+        console.private.mkdir()
+        yield console
+        require(list(console.private.iterdir()) == [], "something was made in the private folder")
+        console.require_spared()
+
+
+def planted_file(name, plant):
+    """In place of a file that the launcher left: it is made anew, or the launcher says why it cannot."""
+    with bare_console() as console:
+        require_answer(console)
+        console.at(name).unlink()
+        plant(console, name)
+        if plant is plant_folder:
+            require_refusal(console, f"{name}: Is a directory")
+            return
+        require_answer(console)
+        status = console.at(name).lstat()
+        require(stat.S_ISREG(status.st_mode) and status.st_nlink == 1, "it stayed what it was")
+
+
+def given_away(place):
+    os.chown(place, NOBODY, NOBODY, follow_symlinks=False)
+
+
+def folder_of_another(place, _):
+    place.mkdir()
+    given_away(place)
+    return "belongs to nobody"
+
+
+def link_of_another(place, private):
+    place.symlink_to(private)
+    given_away(place)
+    return "belongs to nobody"
+
+
+def folder_open_to_all(place, _):
+    place.mkdir()
+    place.chmod(OPEN_TO_ALL)
+    return "can be written by everyone"
+
+
+def refused(place, plant, below=""):
+    """Where another user has, or can have, his hands on a folder, nothing is written."""
+    with bare_console() as console:
+        at = console.root / place if place else console.root
+        at.parent.mkdir(parents=True, exist_ok=True)
+        reason = plant(at, console.private)
+        console.root = f"{console.root}{below}"
+        require_refusal(console, reason)
+        require(not at.exists() or list(at.iterdir()) == [], "something was made there")
+
+
+def root_of_the_machine():
+    with bare_console() as console:
+        console.root = "/"
+        require_refusal(console, "/ belongs to ")
+
+
+def open_umask():
+    with bare_console() as console:
+        console.start("true", umask=0)
+        for folder, _, _ in os.walk(console.root):
+            require(os.stat(folder).st_mode & 0o022 == 0, f"others may write to {folder}")
+
+
+def damaged_image(damages):
+    """However the image kept for the next run was damaged, it is made anew."""
+    with bare_console() as console:
+        require_answer(console)
+        image = console.at(IMAGE).read_bytes()
+        key = console.at(KEY).read_bytes()
+        for number, (damaged_bytes, damaged_key) in enumerate(damages(image, key)):
+            console.at(IMAGE).write_bytes(damaged_bytes)
+            console.at(KEY).write_bytes(damaged_key)
+            require_answer(console)
+            require(console.at(IMAGE).read_bytes() == image, f"damage {number} stayed")
+            require(console.at(KEY).read_bytes() == key, f"the key of damage {number} stayed")
+
+
+def flipped(image, key):
+    for i in range(40):
+        damaged = bytearray(image)
+        for place in (i * 8, i * 577, i * 7919):
+            damaged[place % len(image)] ^= 1 << i % 8
+        yield bytes(damaged), key
+
+
+def cut(image, key):
+    for length in (0, 1, len(image) // 2, len(image) - 1):
+        yield image[:length], key
+        yield image, key[:length]
+
+
+def grown(image, key):
+    yield image + b"\0", key
+    yield image * 2, key
+    yield image, key + key
+
+
+def of_another_launcher(image, key):
+    """Its checksum is right, but another program made it."""
+    other = image[:4] + bytes([image[4] ^ 1]) + image[5:]
+    lines = key.decode().splitlines(keepends=True)
+    lines[1] = "1" + lines[1]
+    lines[-1] = f"crc32 {zlib.crc32(other)}\n"
+    yield other, "".join(lines).encode()
+
+
+def launcher_attacks():
+    for name in LAUNCHER_FILES:
+        for what, plant in PLANTED.items():
+            yield f"{what} at {name}", lambda name=name, plant=plant: planted_file(name, plant)
+    for what, plant in (("a folder of another user", folder_of_another), ("a link of another user", link_of_another),
+                        ("a folder open to all", folder_open_to_all)):
+        if plant is not folder_open_to_all and os.geteuid() != 0:
+            continue  # only root gives files away
+        yield f"{what} as the console's root", lambda plant=plant: refused("", plant)
+        yield f"{what} above the console's root", lambda plant=plant: refused("", plant, "/inner/root")
+        for name in LAUNCHER_FOLDERS:
+            yield f"{what} at {name}", lambda name=name, plant=plant: refused(name, plant)
+    if os.geteuid() == 0:
+        yield "a link of another user and a / as the console's root", lambda: refused("", link_of_another, "/")
+    else:
+        yield "the machine's root as the console's root", root_of_the_machine
+    yield "a umask that opens every folder", open_umask
+    for what, damages in (("with flipped bits", flipped), ("cut", cut), ("grown", grown), ("of another launcher", of_another_launcher)):
+        yield f"a kept image {what}", lambda damages=damages: damaged_image(damages)
+
+
 # ---- the table ----
 
 SECTIONS = (("planted", planted_attacks), ("races", race_attacks), ("arguments", argument_attacks),
-            ("environment", environment_attacks), ("tools", tool_attacks))
+            ("environment", environment_attacks), ("launcher", launcher_attacks), ("tools", tool_attacks))
 
 
 def try_all(user):
     broken = 0
     for section, attacks in SECTIONS:
-        for name, attack in attacks():
+        for name, attack in attacks() if not wanted or section in wanted else ():
             try:
                 attack()
                 result = "held"
@@ -433,7 +599,7 @@ def try_all(user):
                 broken += 1
                 result = f"BROKEN: {failure}"
             print(f"{user:7} {section:12} {name:70} {result}", flush=True)
-    for name, attack in accepted_races():
+    for name, attack in accepted_races() if not wanted or "accepted" in wanted else ():
         print(f"{user:7} {'accepted':12} {name:70} {attack()}", flush=True)
     return broken
 
@@ -445,7 +611,7 @@ def try_as_nobody():
     if shutil.which("setpriv") is None or reached.returncode != 0:
         print("*** NOT TRIED as an ordinary user: the programs lie where nobody else may look. ***")
         return 0
-    return subprocess.run([*command, sys.executable, "-B", __file__, programs, source],
+    return subprocess.run([*command, sys.executable, "-B", __file__, programs, source, *wanted],
                           cwd="/", env={**os.environ, "HOME": "/nonexistent"}, check=False).returncode
 
 
