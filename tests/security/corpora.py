@@ -1,6 +1,7 @@
 """Texts that break programs, through the collector and every command of kord: nothing in them is run, nothing hangs, and
 every output is what its reader expects. More than five hundred texts of sixteen kinds; each run gives every attribute that nothing
-else asks by a text of its own, and the next run the next ones. Status 1 when an output is not as it should be.
+else asks by a text of its own, and the next run the next ones; a recording of the run, replayed, gives the same document. Every
+text is a line of a trace log, a condition's value and a file's name as well. Status 1 when an output is not as it should be.
 
     corpora.py PROGRAMS SOURCE [RUNS]    as many runs as there are texts give every attribute every text
 """
@@ -142,6 +143,7 @@ def start(folder, *command, statuses=(0,)):
     except subprocess.TimeoutExpired as error:
         raise Broken(f"{command[0]} {command[1]} never ends") from error
     require(done.returncode in statuses, f"{command[:3]} ends with {done.returncode}, {done.stderr[-300:]!r}")
+    check_terminal(done.stderr)
     return done.stdout
 
 
@@ -210,32 +212,40 @@ def page_of(output):
     return page
 
 
+def unstamped(document):
+    return re.sub(rb'timestamp="[^"]*"', b"", document.read_bytes())
+
+
 class Trial:
     def __init__(self, programs, source, folder):
         self.programs = programs
         self.folder = folder
         self.root = folder / "console"
         self.facility = json.loads((source / "console/facilities/facility.json").read_text())
-        self.collect(self.facility, (3,))
+        self.collect(self.facility)
         self.kept = asked_by((self.root / "journal.jsonl").read_text()) | {
             name for rule in ("MTMS", "Id", "ID", "PeerDomain", "dentifier", "Name", "Number") for resources in
             self.facility["resources"].values() for resource in resources for name in resource if name.endswith(rule)}
         self.regular = folder / "regular.xml"
         self.regular.write_bytes(self.document().read_bytes())
+        self.regular_log = self.log().read_text()
         self.scripts = page_of(self.page(self.regular)).scripts
         require(self.scripts > 0, "the page has no script to compare with")
 
-    def document(self):
-        return self.root / f"var/adm/stockmere/VPD/addTarnKord_{MTMS}.xml"
+    def document(self, root=None):
+        return (root or self.root) / f"var/adm/stockmere/VPD/addTarnKord_{MTMS}.xml"
 
     def log(self):
         return self.root / "var/tarnquay/log/kord.7ABCD12.log"
 
-    def collect(self, facility, statuses):
+    def on_console(self, facility, root, *program):
+        start(self.folder, self.programs / "kord-console", "run", "--facility", facility, "--root", root, "--", *program,
+              "addTarnKord", "-t", MTMS, statuses=(3,))
+
+    def collect(self, facility, *recorder):
         file = self.folder / "facility.json"
         file.write_text(json.dumps(facility))
-        start(self.folder, self.programs / "kord-console", "run", "--facility", file, "--root", self.root, "--",
-              "addTarnKord", "-t", MTMS, statuses=statuses)
+        self.on_console(file, self.root, *recorder)
 
     def kord(self, *arguments, statuses=(0,)):
         return start(self.folder, self.programs / "kord", *arguments, statuses=statuses)
@@ -249,21 +259,53 @@ class Trial:
     def try_from(self, first):
         facility, count = hostile(self.facility, self.kept, first)
         self.log().unlink()
-        self.collect(facility, (3,))
+        recording = self.folder / "recording.json"
+        self.collect(facility, "kord", "record", "--verify", "--output", recording, "--")
         document = self.document()
         check_terminal(self.kord("show", document))
         check_terminal(self.kord("list", "drives", document))
         check_terminal(self.kord("list", "all", document))
         check_terminal(self.kord("diff", self.regular, document, statuses=(1,)))
-        check_terminal(self.kord("explain", self.log(), statuses=(0, 1)))
+        self.try_log(self.log())
         check_json(self.kord("json", document))
         check_xml(self.kord("xml", document))
         check_json(self.kord("list", "--format", "json", "all", document))
         check_csv(self.kord("list", "--format", "csv", "all", document))
         page = page_of(self.page(document))
         require(page.scripts == self.scripts and not page.odd, f"the page holds {page.scripts} scripts, {page.odd[:3]}")
+        self.try_recording(recording, document)
         require(not list(self.folder.rglob(CANARY)), "something was run")
         return count
+
+    def try_log(self, log):
+        """What a trace log tells is shown."""
+        check_terminal(self.kord("explain", log, statuses=(0, 1)))
+        check_terminal(self.kord("follow", log))
+        check_json(self.kord("explain", "--all", "--json", log, statuses=(0, 1)))
+
+    def try_lines(self):
+        """Every text as a line of a log and as the end of one."""
+        lines = self.regular_log.splitlines(keepends=True)
+        stamp = lines[0][:len("071505 13:04:59 ")]
+        log = self.folder / "hostile.log"
+        log.write_text("".join([*lines[:-1], *(f"{text}\n{stamp}{text}\n" for text in TEXTS), lines[-1]]), newline="")
+        self.try_log(log)
+
+    def try_arguments(self, texts):
+        """Texts as values of conditions, and as names of files: most are none."""
+        for text in texts:
+            check_terminal(self.kord("list", "--where", f"serial={text}", "drives", self.regular, statuses=(0, 1)))
+            check_terminal(self.kord("show", "--", text, statuses=(0, 1, 2)))
+        require(not list(self.folder.rglob(CANARY)), "something was run")
+
+    def try_recording(self, recording, document):
+        """A recording holds all that the document needs; with stand-ins it is a facility as well."""
+        start(self.folder, self.programs / "kord-console", "check", recording)
+        root = self.folder / "replayed"
+        self.on_console(recording, root)
+        require(unstamped(self.document(root)) == unstamped(document), "the recording gives another document")
+        self.on_console(self.folder / "facility.json", root, "kord", "record", "--redact", "--verify", "--output", recording, "--")
+        start(self.folder, self.programs / "kord-console", "check", recording)
 
 
 def main():
@@ -274,10 +316,12 @@ def main():
     count = 0
     with tempfile.TemporaryDirectory(prefix="kord-corpora-") as folder:
         trial = Trial(programs, source, pathlib.Path(folder))
+        trial.try_lines()
         for run in range(runs):
-            first = run * len(TEXTS) // runs
+            first, beyond = (number * len(TEXTS) // runs for number in (run, run + 1))
             try:
                 count += trial.try_from(first)
+                trial.try_arguments(TEXTS[first:beyond])
             except (Broken, ValueError, csv.Error, xml.etree.ElementTree.ParseError) as error:
                 broken += 1
                 print(f"from text {first} on: {type(error).__name__}: {error}")
