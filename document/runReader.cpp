@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <array>
-#include <charconv>
 #include <utility>
 
 namespace document
@@ -14,15 +13,7 @@ namespace
 {
 
 constexpr size_t mostProblems = 2000;
-constexpr int64_t mostPartitions = 8;
 constexpr std::string_view nodeClass = "Orvik.ManagedNode";
-
-int64_t numberOf(std::string_view text)
-{
-    int64_t number = 0;
-    std::from_chars(text.data(), text.data() + text.size(), number);
-    return number;
-}
 
 /// Lines by code, for every line of every table.
 struct Row {
@@ -107,17 +98,6 @@ constexpr std::array<ShownValues, 14> shownValues = {{
     {.code = "0109", .function = "querySystem", .attributes = {"storageFacilityWWNN"}},
 }};
 
-/// What a program that was asked leaves in the trace, beside its own line.
-struct ProgramLine {
-    std::string_view function;
-    std::string_view command;
-};
-constexpr std::array<ProgramLine, 3> consolePrograms = {{
-    {.function = "getQuayFullTM", .command = "/opt/brisk/bin/qconvpd -v"},
-    {.function = "getQuaySE", .command = "/opt/brisk/bin/qconvpd -v"},
-    {.function = "getLoginUserName", .command = "whoami"},
-}};
-
 /// What of a selection is empty, because an earlier answer did not hold it; empty when nothing is.
 std::string emptyWords(std::string_view selection, std::string_view function)
 {
@@ -128,12 +108,6 @@ std::string emptyWords(std::string_view selection, std::string_view function)
                " had answered without " + std::string(source.attribute);
     }
     return {};
-}
-
-std::string commandOf(std::string_view function)
-{
-    const auto* const found = std::ranges::find(consolePrograms, function, &ProgramLine::function);
-    return found == consolePrograms.end() ? std::string() : std::string(found->command);
 }
 
 } // namespace
@@ -442,6 +416,15 @@ Problem RunReader::problemAt(const TraceLine& line, const char* kind, Severity s
     return problem;
 }
 
+Problem RunReader::problemAt(const TraceLine& line, const Match& match, const char* kind,
+                             Severity severity) const
+{
+    Problem problem = problemAt(line, kind, severity);
+    problem.usualCause = match.line->cause;
+    problem.advice = match.line->advice;
+    return problem;
+}
+
 Problem& RunReader::add(Problem problem)
 {
     awaitsEvent = false;
@@ -458,7 +441,7 @@ Problem& RunReader::addOfCall(const TraceLine& line, const Match& match, const c
                               const Call& call)
 {
     const TableQuery& query = match.query != nullptr ? *match.query : *call.query;
-    Problem problem = problemAt(line, kind, severity);
+    Problem problem = problemAt(line, match, kind, severity);
     problem.function = query.function;
     problem.call = query.call;
     problem.className = query.className;
@@ -473,8 +456,6 @@ Problem& RunReader::addOfCall(const TraceLine& line, const Match& match, const c
     }
     if (problem.part.empty() && !managedSystem().empty())
         problem.part.push_back({.what = "system", .name = managedSystem()});
-    problem.usualCause = match.line->cause;
-    problem.advice = match.line->advice;
     return add(std::move(problem));
 }
 
@@ -565,359 +546,7 @@ void RunReader::readToolFailed(const TraceLine&, const Match& match)
     if (attached.line == last.line) attached = last;
 }
 
-// ---- the run itself ----
-
-void RunReader::readStart(const TraceLine&, const Match& match)
-{
-    run.build = trimmed(match.values[0]);
-    run.system = match.values[1];
-}
-
-void RunReader::readNoTypeModel(const TraceLine& line, const Match& match)
-{
-    Problem& problem = add(problemAt(line, "noTypeModel", Severity::fatal));
-    problem.usualCause = match.line->cause;
-    problem.advice = match.line->advice;
-    problem.message = match.values[0];
-    run.status = -1;
-    run.end = RunEnd::noSession;
-}
-
-void RunReader::readOption(const TraceLine&, const Match& match)
-{
-    run.option = match.values[0];
-}
-
-void RunReader::readMinorErrors(const TraceLine&, const Match&)
-{
-    run.minorErrorsTold = true;
-}
-
-void RunReader::readFacility(const TraceLine& line, const Match& match)
-{
-    systemKnown = true;
-    const TableQuery* query = tables().query("querySystem");
-    lastCalls["querySystem"] = {.query = query, .selection = workedOutSelection(*query), .workedOut = true};
-    readValues(line, match);
-}
-
-void RunReader::readPartner(const TraceLine& line, const Match& match)
-{
-    partnerKnown = true;
-    partner = match.values[0];
-    if (!partner.empty()) return;
-    const TableQuery* query = tables().query("queryPartnerSystem");
-    missingValue(line, query->className, "the partner's MTMS", {.query = query, .selection = {}});
-}
-
-void RunReader::readPartitionCount(const TraceLine&, const Match& match)
-{
-    partitions = std::clamp<int64_t>(numberOf(match.values[0]), 0, mostPartitions);
-}
-
-void RunReader::readStatus(const TraceLine& line, const Match& match)
-{
-    constexpr int64_t online = 1;
-    const int64_t status = numberOf(match.values[1]);
-    if (status == online) return;
-    const Call call = current.query != nullptr
-                          ? current
-                          : Call{.query = tables().query("queryValeStatus"), .selection = {}};
-    Problem& problem = addOfCall(line, match, "notOnline", Severity::fatal, call);
-    problem.number = status;
-    problem.part.push_back({.what = "named", .name = std::string(match.values[0])});
-    awaitsEvent = true;
-}
-
-void RunReader::readNoDocument(const TraceLine& line, const Match& match)
-{
-    Problem& problem = add(problemAt(line, "documentNotStarted", Severity::filed));
-    problem.call = "file";
-    problem.message = trimmed(match.values[0]);
-    problem.usualCause = match.line->cause;
-    problem.advice = match.line->advice;
-    awaitsEvent = true;
-}
-
-void RunReader::readDocumentNotStarted(const TraceLine& line, const Match& match)
-{
-    const bool told = !run.problems.empty() && run.problems.back().kind == "documentNotStarted";
-    if (told) return;
-    Problem& problem = add(problemAt(line, "documentNotStarted", Severity::filed));
-    problem.call = "file";
-    problem.usualCause = match.line->cause;
-    problem.advice = match.line->advice;
-    problem.events = std::exchange(loose, {});
-}
-
-void RunReader::readOutOfMemory(const TraceLine& line, const Match& match)
-{
-    Problem& problem = add(problemAt(line, "outOfMemory", Severity::fatal));
-    problem.function = match.line->function;
-    problem.usualCause = match.line->cause;
-    problem.advice = match.line->advice;
-    awaitsEvent = true;
-}
-
-// ---- console programs ----
-
-void RunReader::readCommandFailed(const TraceLine& line, const Match& match)
-{
-    if (line.code == "0066") {
-        trouble = {.kind = "programFailed", .status = numberOf(match.values[0])};
-    } else {
-        trouble = {.kind = line.code == "0062" ? "programSilent" : "programUnread", .status = {}};
-    }
-}
-
-Problem& RunReader::addOfProgram(const TraceLine& line, const Match& match, const std::string& command)
-{
-    // A command that ended well and printed, but no line that ends.
-    if (trouble.kind.empty()) trouble.kind = "programUnended";
-    Problem problem = problemAt(line, trouble.kind.c_str(), Severity::noted);
-    problem.function = match.line->function;
-    problem.call = "program";
-    problem.program = command;
-    problem.number = trouble.status;
-    problem.usualCause = match.line->cause;
-    problem.advice = match.line->advice;
-    trouble = {};
-    return add(std::move(problem));
-}
-
-static std::string stateCommand(const std::string& user, std::string_view system)
-{
-    return (user == "root" ? "" : "/opt/tarnquay/bin/mmquaycmd ") +
-           std::string("/opt/brisk/bin/qmstat -r sys -m \"") + std::string(system) + "\" -F state";
-}
-
-/// Only the first line that a program prints is read.
-void RunReader::checkOutput(const TraceLine& line, const Match& match, const std::string& command)
-{
-    const int64_t lines = numberOf(match.values[1]);
-    const bool isBlank = match.line->function != "checkSystemState" && trimmed(match.values[2]).empty();
-    trouble = {};
-    if (lines < 2 && !isBlank) return;
-    trouble.kind = isBlank ? "programBlank" : "programTalkative";
-    addOfProgram(line, match, command).number = lines;
-}
-
-void RunReader::readState(const TraceLine& line, const Match& match)
-{
-    checkOutput(line, match, stateCommand(run.user, match.values[2]));
-    if (match.values[3] == "Operating") return;
-    Problem problem = problemAt(line, "notOperating", Severity::fatal);
-    problem.function = match.line->function;
-    problem.call = "program";
-    problem.program = stateCommand(run.user, match.values[2]);
-    problem.part.push_back({.what = "system", .name = std::string(match.values[2])});
-    problem.message = match.values[3];
-    problem.advice = match.line->advice;
-    problem.usualCause = match.line->cause;
-    add(std::move(problem));
-    awaitsEvent = true;
-}
-
-void RunReader::readNoState(const TraceLine& line, const Match& match)
-{
-    Problem& problem = addOfProgram(line, match, stateCommand(run.user, match.values[2]));
-    problem.part.push_back({.what = "system", .name = std::string(match.values[2])});
-}
-
-void RunReader::readUser(const TraceLine& line, const Match& match)
-{
-    const bool known = numberOf(match.values[0]) == 0 && numberOf(match.values[1]) > 0;
-    if (!known) return readNoUser(line, match);
-    run.user = match.values[2];
-    checkOutput(line, match, commandOf("getLoginUserName"));
-}
-
-void RunReader::readNoUser(const TraceLine& line, const Match& match)
-{
-    run.user = "briskroot";
-    addOfProgram(line, match, commandOf("getLoginUserName"));
-}
-
-void RunReader::readConsole(const TraceLine& line, const Match& match)
-{
-    checkOutput(line, match, commandOf(match.line->function));
-    run.console += (run.console.empty() ? "" : "-") + std::string(match.values[2]);
-}
-
-void RunReader::readNoConsole(const TraceLine& line, const Match& match)
-{
-    addOfProgram(line, match, commandOf(match.line->function));
-}
-
-// ---- sessions ----
-
-void RunReader::readSessionStart(const TraceLine& line, const Match&)
-{
-    const bool domain = line.code == "0005";
-    lastSession = domain ? "domain" : line.text.starts_with("start local") ? "local" : "shared resource";
-    if (!domain) return;
-    domainStart = line.number;
-    domainStamp = line.stamp;
-    nodeSelections = 0;
-    firstSerial.clear();
-}
-
-Problem& RunReader::addSessionProblem(Problem of, const Match& match)
-{
-    Problem& problem = add(std::move(of));
-    problem.call = "session";
-    problem.session = lastSession;
-    problem.number = numberOf(match.values[0]);
-    problem.message = match.values[1];
-    problem.usualCause = match.line->cause;
-    problem.advice = match.line->advice;
-    return problem;
-}
-
-void RunReader::readSessionFailed(const TraceLine& line, const Match& match)
-{
-    Problem& problem = addSessionProblem(problemAt(line, "sessionFailed", Severity::fatal), match);
-    problem.events = std::exchange(loose, {});
-    if (endsWithoutClosing(line)) {
-        run.status = -1;
-        run.end = RunEnd::noSession;
-        return;
-    }
-    domainFailed = true;
-    awaitsEvent = true;
-}
-
-void RunReader::readSessionEnd(const TraceLine& line, const Match&)
-{
-    lastSession = line.text.starts_with("LC")   ? "local"
-                  : line.text.starts_with("DM") ? "domain"
-                                                : "shared resource";
-    endedSessions.insert(lastSession);
-}
-
-void RunReader::readSessionEndFailed(const TraceLine& line, const Match& match)
-{
-    addSessionProblem(problemAt(line, "sessionEndFailed", Severity::filed), match);
-    awaitsEvent = true;
-}
-
-/// A domain session whose start gives another code than -1 leaves no line. But only sessions that are open
-/// are ended.
-void RunReader::findSessionNotOpened(const TraceLine&)
-{
-    const bool open = endedSessions.contains("domain") || !endedSessions.contains("shared resource");
-    if (domainStart == 0 || domainFailed || open) return;
-    Problem problem;
-    problem.line = domainStart;
-    problem.stamp = domainStamp;
-    problem.code = "0005";
-    problem.text = "start DM session ";
-    problem.kind = "sessionNotOpened";
-    problem.phase = "domain session";
-    problem.call = "session";
-    problem.session = "domain";
-    for (const TableLine& line : tables().lines) {
-        if (line.role != "sessionStartFailed" || line.code != "0006") continue;
-        problem.usualCause = line.cause;
-        problem.advice = line.advice;
-    }
-    const auto later =
-        std::ranges::find_if(run.problems, [&](const Problem& other) { return other.line > domainStart; });
-    for (auto other = later; other != run.problems.end(); ++other) {
-        if (other->session == "domain")
-            other->cause = "the domain session had not opened, see line " + std::to_string(domainStart);
-    }
-    run.problems.insert(later, std::move(problem));
-}
-
-// ---- runs beside each other ----
-
-namespace
-{
-
-constexpr std::array<std::string_view, 13> phaseOrder = {"start",
-                                                         "sessions",
-                                                         "system checks",
-                                                         "state checks",
-                                                         "partition checks",
-                                                         "domain session",
-                                                         "processor complexes",
-                                                         "I/O enclosures",
-                                                         "storage enclosures",
-                                                         "racks",
-                                                         "consoles",
-                                                         "partitions",
-                                                         "final checks"};
-
-/// The phases that lines of a code are written in, as bits; 0: in any.
-struct CodePhases {
-    std::string_view from;
-    std::string_view until;
-    unsigned phases;
-};
-constexpr unsigned bit(unsigned phase)
-{
-    return 1U << phase;
-}
-constexpr std::array<CodePhases, 17> codePhases = {{
-    {"0002", "0003", bit(0)},
-    {"0004", "0004", bit(1)},
-    {"0005", "0006", bit(5)},
-    {"0007", "0007", bit(6)},
-    {"0011", "0016", bit(4) | bit(12)},
-    {"0017", "0017", bit(3) | bit(12)},
-    {"0062", "0067", bit(0) | bit(3) | bit(10) | bit(12)},
-    {"0068", "0068", bit(0)},
-    {"0107", "0109", bit(2)},
-    {"0114", "0121", bit(6)},
-    {"0200", "0217", bit(7)},
-    {"0300", "0326", bit(8)},
-    {"0400", "0429", bit(9)},
-    {"0500", "0517", bit(10)},
-    {"0600", "0695", bit(11)},
-    {"0696", "0698", bit(4) | bit(11)},
-    {"0800", "0924", bit(11)},
-}};
-
-struct EntryPhases {
-    std::string_view function;
-    unsigned phases;
-};
-constexpr std::array<EntryPhases, 6> entryPhases = {{
-    {"queryPartition", bit(4)},
-    {"addCecEnclKord", bit(6)},
-    {"addIoEnclKord", bit(7)},
-    {"addStorEnclKord", bit(8) | bit(9)},
-    {"addQuayEnclKord", bit(10)},
-    {"addPartitionKord", bit(11)},
-}};
-
-unsigned phasesOf(const TraceLine& line)
-{
-    if (line.code == "==>") {
-        const auto* const row = std::ranges::find(entryPhases, trimmed(line.text), &EntryPhases::function);
-        return row == entryPhases.end() ? 0 : row->phases;
-    }
-    if (line.code == "0010" && !closingStatus(line)) return bit(4) | bit(12);
-    const auto* const row = std::ranges::find_if(codePhases, [&](const CodePhases& codes) {
-        return line.code >= codes.from && line.code <= codes.until;
-    });
-    return row == codePhases.end() || line.code.size() != row->from.size() ? 0 : row->phases;
-}
-
-} // namespace
-
-bool RunReader::fits(const TraceLine& line) const
-{
-    const unsigned phases = phasesOf(line);
-    const auto* const at = std::ranges::find(phaseOrder, progress.phase());
-    if (phases == 0 || at == phaseOrder.end()) return true;
-    const auto now = static_cast<unsigned>(at - phaseOrder.begin());
-    unsigned possible = bit(now) | bit(now + 1);
-    if (!run.documentStarted && now == 6) possible |= bit(12);
-    if (now == 5) possible |= bit(12); // the document could not be started
-    return (phases & possible) != 0;
-}
+// ---- the end ----
 
 size_t RunReader::mixWith(size_t other)
 {

@@ -89,6 +89,9 @@ private:
 
     Problem& add(Problem problem);
     [[nodiscard]] Problem problemAt(const TraceLine& line, const char* kind, Severity severity) const;
+    /// With what the table knows of the line.
+    [[nodiscard]] Problem problemAt(const TraceLine& line, const Match& match, const char* kind,
+                                    Severity severity) const;
     Problem& addOfCall(const TraceLine& line, const Match& match, const char* kind, Severity severity,
                        const Call& call);
     void checkOutput(const TraceLine& line, const Match& match, const std::string& command);

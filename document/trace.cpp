@@ -102,6 +102,13 @@ std::string_view trimmed(std::string_view text)
     return text.substr(first, text.find_last_not_of(' ') - first + 1);
 }
 
+int64_t numberOf(std::string_view text)
+{
+    int64_t number = 0;
+    std::from_chars(text.data(), text.data() + text.size(), number);
+    return number;
+}
+
 int64_t secondsBetween(std::string_view from, std::string_view until)
 {
     const auto start = timeOf(from);

@@ -34,6 +34,9 @@ bool endsWithoutClosing(const TraceLine& line);
 /// The text without blanks around it.
 std::string_view trimmed(std::string_view text);
 
+/// The number that the text starts with; 0 where it starts with none.
+int64_t numberOf(std::string_view text);
+
 /// Seconds from one stamp to another; 0 when one of them is no time.
 int64_t secondsBetween(std::string_view from, std::string_view until);
 
