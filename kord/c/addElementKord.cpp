@@ -10,6 +10,7 @@ namespace
 
 constexpr std::string_view endList = "</ResourceList>\n";
 constexpr std::string_view endResource = "</Resource>\n";
+constexpr std::string_view endProperty = "</Value>\n</Property>\n";
 constexpr std::string_view endBoth = "</Resource>\n</ResourceList>\n";
 
 /// Gathers the pieces of an element on their way to the document: a stream takes one large piece faster than
@@ -33,9 +34,21 @@ struct Element {
     }
     void add(const Property& property)
     {
-        add(property.start);
+        constexpr size_t around = sizeof property.start.bytes + endProperty.size();
+        if (property.value.size() > sizeof bytes - around) return addLong(property);
+        if (property.value.size() + around > sizeof bytes - used) flush();
+        memcpy(bytes + used, property.start.bytes, sizeof property.start.bytes);
+        used += property.start.size;
+        memmove(bytes + used, property.value.data(), property.value.size());
+        used += property.value.size();
+        memcpy(bytes + used, endProperty.data(), endProperty.size());
+        used += endProperty.size();
+    }
+    void addLong(const Property& property)
+    {
+        add({property.start.bytes, property.start.size});
         add(property.value);
-        add("</Value>\n</Property>\n");
+        add(endProperty);
     }
     void flush();
     void write(std::string_view text) const;
@@ -75,7 +88,7 @@ void addResource(Element& element, const char* displayName, const char* uniqueId
 
 int32_t closeElement(const kordRec* pKordRec, const Frame& frame, std::string_view endTags)
 {
-    trace(pKordRec, ">>", "%s", frame.closed);
+    trace(pKordRec, {">>", frame.closed});
     put(pKordRec, {endTags});
     return 0;
 }
@@ -84,7 +97,7 @@ int32_t closeElement(const kordRec* pKordRec, const Frame& frame, std::string_vi
 
 int32_t openList(const kordRec* pKordRec, const Frame& frame)
 {
-    trace(pKordRec, ">>", "%s", frame.opened);
+    trace(pKordRec, {">>", frame.opened});
     put(pKordRec, {"<ResourceList displayName=\"", frame.displayName, "\">\n"});
     return 0;
 }
@@ -96,7 +109,7 @@ int32_t closeList(const kordRec* pKordRec, const Frame& frame)
 
 int32_t openResource(const kordRec* pKordRec, const Frame& frame, const char* uniqueId, Properties properties)
 {
-    trace(pKordRec, ">>", "%s", frame.opened);
+    trace(pKordRec, {">>", frame.opened});
     Element element(pKordRec);
     addResource(element, nameOf(frame, uniqueId), uniqueId, properties);
     return 0;
@@ -135,7 +148,7 @@ int32_t writeResource(const kordRec* pKordRec, const char* displayName, const ch
 
 int32_t writeProperty(const kordRec* pKordRec, const char* traceText, const Property& property)
 {
-    trace(pKordRec, ">>", "%s", traceText);
+    trace(pKordRec, {">>", traceText});
     Element element(pKordRec);
     element.add(property);
     return 0;
@@ -160,10 +173,14 @@ Composed compose(const char* format, ...)
 
 Composed partitionOf(const char* owner, const char* lparId)
 {
-    return compose("%s-%s", owner, lparId);
+    Composed composed;
+    joinText(composed.text, owner, "-", lparId);
+    return composed;
 }
 
 Composed partOf(const char* image, const char* kind, int32_t number)
 {
-    return compose("%s/%s%d", image, kind, number);
+    Composed composed;
+    joinText(composed.text, image, "/", kind, number);
+    return composed;
 }

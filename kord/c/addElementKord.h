@@ -11,9 +11,10 @@
 
 // --- Properties
 
-/// Text that the compiler puts together.
+/// Text that the compiler puts together. All its bytes are copied at once, whatever its size: a copy of a
+/// size that the compiler knows is a few instructions.
 struct Constant {
-    char bytes[200] = {};
+    char bytes[128] = {};
     size_t size = 0;
 
     consteval Constant(std::initializer_list<std::string_view> pieces)
@@ -23,7 +24,6 @@ struct Constant {
                 bytes[size++] = character;
         }
     }
-    constexpr operator std::string_view() const { return {bytes, size}; }
 };
 
 /// A property's start, all that stands before its value.
@@ -50,7 +50,7 @@ consteval Label label(Wording of)
 }
 
 struct Property {
-    std::string_view start;
+    const Constant& start;
     std::string_view value;
 };
 using Properties = std::initializer_list<Property>;

@@ -76,7 +76,7 @@ int32_t readQuay(const kordRec* pKordRec, const QuayReader& reader, std::span<ch
 {
     constexpr int32_t found = 2;
     constexpr int32_t notFound = 1;
-    trace(pKordRec, "==>", "%s", reader.entry);
+    trace(pKordRec, {"==>", reader.entry});
     int32_t xargc = 0;
     char** xargv = nullptr;
     const int32_t rc = excuteCommand(pKordRec, reader.command, &xargc, &xargv);

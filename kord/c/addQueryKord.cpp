@@ -50,17 +50,29 @@ int32_t responseFailed(kordRec* pKordRec, const Query& query, const Request& req
     return settle(pKordRec, query, Role::response, failure, number, message, request.subject);
 }
 
+bool isNamed(const Attribute& row, const char* name)
+{
+    return strcmp(row.matched != nullptr ? row.matched : row.name, name) == 0;
+}
+
 /// The table's row for an attribute's name; attributes mostly arrive as requested, so its position is tried
 /// first.
 const Attribute* rowOf(const Query& query, const char* name, size_t position)
 {
-    const auto isRow = [name](const Attribute& row) {
-        return strcmp(row.matched != nullptr ? row.matched : row.name, name) == 0;
-    };
     const std::span<const Attribute> rows = query.attributes;
-    if (position < rows.size() && isRow(rows[position])) return &rows[position];
-    const auto row = std::ranges::find_if(rows, isRow);
+    if (position < rows.size() && isNamed(rows[position], name)) return &rows[position];
+    const auto row = std::ranges::find_if(rows, [name](const Attribute& one) { return isNamed(one, name); });
     return row != rows.end() ? &*row : nullptr;
+}
+
+/// The attribute's value into the item, by the row that is its own.
+void readRow(const kordRec* pKordRec, const Attribute& row, const ValeAttribute& attribute, void* item)
+{
+    if (row.field.of == nullptr) return;
+    if (row.read != nullptr)
+        row.read(pKordRec, attribute, row.field.of(item));
+    else
+        row.field.copy(item, attribute);
 }
 
 } // namespace
@@ -94,7 +106,7 @@ Verdict judgeAnswer(kordRec* pKordRec, const Query& query, const Request& reques
     if (query.success.code != nullptr) {
         trace(pKordRec, query.success.code, query.success.format, count, firstSize);
     }
-    if (query.progress != nullptr) trace(pKordRec, ">>", "%s", query.progress);
+    if (query.progress != nullptr) trace(pKordRec, {">>", query.progress});
     return {true, collected};
 }
 
@@ -104,7 +116,7 @@ Answer<ValeQueryResponse> callQuery(kordRec* pKordRec, const Query& query, const
     const size_t count = std::min(query.attributes.size(), names.size());
     std::ranges::transform(query.attributes.first(count), names.begin(), &Attribute::name);
 
-    if (query.entry != nullptr) trace(pKordRec, "==>", "%s", query.entry);
+    if (query.entry != nullptr) trace(pKordRec, {"==>", query.entry});
     if (query.selectionTrace.code != nullptr) {
         trace(pKordRec, query.selectionTrace.code, query.selectionTrace.format, request.selection);
     }
@@ -118,7 +130,7 @@ Answer<ValeQueryResponse> callQuery(kordRec* pKordRec, const Query& query, const
 
 Answer<ValeEnumerateResponse> callEnumeration(kordRec* pKordRec, const Query& query, const Request& request)
 {
-    trace(pKordRec, "==>", "%s", query.entry);
+    trace(pKordRec, {"==>", query.entry});
     trace(pKordRec, query.selectionTrace.code, query.selectionTrace.format, request.selection);
     Answer<ValeEnumerateResponse> answer;
     answer.rc = vale_enumerate_resources(pKordRec->*query.session, &answer.responses, &answer.count,
@@ -147,38 +159,57 @@ int32_t countResources(kordRec* pKordRec, const Counter& counter, int32_t* count
     return result;
 }
 
-void clearItem(const Query& query, void* item)
+void clearField(const Attribute& row, void* item)
 {
-    for (const Attribute& row : query.attributes) {
-        if (row.kept || row.field == nullptr) continue;
-        const Field field = row.field(item);
-        if (field.integer != nullptr)
-            *field.integer = 0;
-        else
-            field.text[0] = '\0';
-    }
+    if (row.kept || row.field.of == nullptr) return;
+    const Field field = row.field.of(item);
+    if (field.integer != nullptr)
+        *field.integer = 0;
+    else
+        field.text[0] = '\0';
 }
 
 void readAttribute(const kordRec* pKordRec, const Query& query, const ValeAttribute& attribute,
                    size_t position, void* item)
 {
     const Attribute* row = rowOf(query, textOrEmpty(attribute.name), position);
-    if (row == nullptr || row->field == nullptr) return;
-    const Field field = row->field(item);
-    if (row->read != nullptr)
-        row->read(pKordRec, attribute, field);
-    else if (field.integer != nullptr)
-        *field.integer = integerOf(attribute);
-    else
-        copyText(field.text, textOf(attribute));
+    if (row != nullptr) readRow(pKordRec, *row, attribute, item);
+}
+
+bool ItemReader::isAsRequested(std::span<const ValeAttribute> attributes) const
+{
+    if (attributes.size() != query.attributes.size()) return false;
+    const auto haveOneName = [](const ValeAttribute& left, const ValeAttribute& right) {
+        return left.name == right.name;
+    };
+    if (std::ranges::equal(attributes, model, haveOneName)) return true;
+    return std::ranges::equal(query.attributes, attributes,
+                              [](const Attribute& row, const ValeAttribute& attribute) {
+                                  return isNamed(row, textOrEmpty(attribute.name));
+                              });
+}
+
+void ItemReader::read(const ValeQueryResponse& resource, void* item)
+{
+    const std::span<const ValeAttribute> attributes = attributesOf(query, resource);
+    if (!isAsRequested(attributes)) {
+        for (const Attribute& row : query.attributes)
+            clearField(row, item);
+        for (size_t i = 0; i < attributes.size(); ++i)
+            readAttribute(pKordRec, query, attributes[i], i, item);
+        return;
+    }
+    model = attributes;
+    for (size_t i = 0; i < attributes.size(); ++i) {
+        const Attribute& row = query.attributes[i];
+        if (row.read != nullptr) clearField(row, item); // it may leave the field as it is
+        readRow(pKordRec, row, attributes[i], item);
+    }
 }
 
 void readItem(const kordRec* pKordRec, const Query& query, const ValeQueryResponse& resource, void* item)
 {
-    clearItem(query, item);
-    const std::span<const ValeAttribute> attributes = attributesOf(query, resource);
-    for (size_t i = 0; i < attributes.size(); ++i)
-        readAttribute(pKordRec, query, attributes[i], i, item);
+    ItemReader{.pKordRec = pKordRec, .query = query}.read(resource, item);
 }
 
 bool holdsText(const Query& query, const ValeAttribute& attribute)

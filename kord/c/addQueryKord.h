@@ -36,24 +36,40 @@ struct Field {
     int32_t* integer = nullptr;
 };
 
-/// The field behind a pointer to a member, for an item that is handed on as `void*`. Static, as the items are
-/// their modules' own: two that bear the same name are not to share one function.
+/// A field's place in an item that is handed on as `void*`.
+struct Place {
+    Field (*of)(void* item) = nullptr;
+    void (*copy)(void* item, const ValeAttribute& attribute) = nullptr; ///< the value into the field
+};
+
+template <typename Item, typename Type>
+Item itemWith(Type Item::*);
+
+/// The place behind a pointer to a member. Static, as the items are their modules' own: two that bear the
+/// same name are not to share one function.
 template <auto Member>
-static Field fieldOf(void* item)
-{
-    return []<typename Item, typename Type>(Type Item::*member, void* at) -> Field {
-        Type& field = static_cast<Item*>(at)->*member;
-        if constexpr (std::is_array_v<Type>)
+static constexpr Place fieldOf = {
+    .of = [](void* item) -> Field {
+        auto& field = static_cast<decltype(itemWith(Member))*>(item)->*Member;
+        if constexpr (std::is_array_v<std::remove_reference_t<decltype(field)>>)
             return {.text = field};
         else
             return {.integer = &field};
-    }(Member, item);
-}
+    },
+    .copy =
+        [](void* item, const ValeAttribute& attribute) {
+            auto& field = static_cast<decltype(itemWith(Member))*>(item)->*Member;
+            if constexpr (std::is_array_v<std::remove_reference_t<decltype(field)>>)
+                copyText(field, attribute.value.text);
+            else
+                field = attribute.value.integer;
+        },
+};
 
 /// One requested attribute. The walk copies its value into the item's field unless the row says otherwise.
 struct Attribute {
     const char* name;
-    Field (*field)(void* item) = nullptr; ///< null: requested but never read
+    Place field = {}; ///< none: requested but never read
     void (*read)(const kordRec* pKordRec, const ValeAttribute& attribute, Field field) = nullptr;
     const char* matched = nullptr; ///< the name looked for in a response, where it differs from `name`
     bool kept = false; ///< not cleared between items: a resource without it repeats the last value
@@ -317,12 +333,24 @@ int32_t countResources(kordRec* pKordRec, const Counter& counter, int32_t* count
 
 // --- Reading responses.
 
-/// Clears the item's fields that the table does not keep.
-void clearItem(const Query& query, void* item);
-
 /// Reads the attribute into the item if the table has it; `position` is where it stands in the response.
 void readAttribute(const kordRec* pKordRec, const Query& query, const ValeAttribute& attribute,
                    size_t position, void* item);
+
+/// Takes the value of before from a row's field, unless the row keeps it.
+void clearField(const Attribute& row, void* item);
+
+/// Reads the resources of one answer, one after another, each into a cleared item. Nearly all of them have
+/// the same attributes, as requested: where a resource's names lie where those of the one before lay, they
+/// are not compared again, and every field is overwritten rather than cleared.
+struct ItemReader {
+    const kordRec* pKordRec;
+    const Query& query;
+    std::span<const ValeAttribute> model = {}; ///< the last ones that were found to be as requested
+
+    void read(const ValeQueryResponse& resource, void* item);
+    [[nodiscard]] bool isAsRequested(std::span<const ValeAttribute> attributes) const;
+};
 
 /// Clears the item and reads a resource into it.
 void readItem(const kordRec* pKordRec, const Query& query, const ValeQueryResponse& resource, void* item);
@@ -354,8 +382,9 @@ template <typename Item, typename Use>
 {
     return runQuery(pKordRec, query, request, [&](Resources resources) {
         Item item{};
+        ItemReader reader{.pKordRec = pKordRec, .query = query};
         for (const ValeQueryResponse& resource : resources) {
-            readItem(pKordRec, query, resource, &item);
+            reader.read(resource, &item);
             if (use(item) == failed) return failed;
         }
         return collected;

@@ -1,34 +1,9 @@
 #include "addTextKord.h"
 
-#include <algorithm>
-#include <charconv>
 #include <cstdio>
-#include <cstring>
-#include <string_view>
 
 namespace
 {
-
-/// What is left of a field that a text is put into piece by piece; one byte stays for the end.
-struct Room {
-    char* at;
-    char* last;
-
-    void add(std::string_view piece)
-    {
-        const size_t length = std::min(piece.size(), static_cast<size_t>(last - at));
-        memcpy(at, piece.data(), length);
-        at += length;
-    }
-
-    template <typename Number>
-    void addNumber(Number number)
-    {
-        char decimal[12];
-        const char* end = std::to_chars(decimal, decimal + sizeof decimal, number).ptr;
-        add({decimal, static_cast<size_t>(end - decimal)});
-    }
-};
 
 /// What the shell needs in place of one character between quotes.
 std::string_view quoted(const char& character, Quotes quotes)
@@ -77,9 +52,9 @@ void formatArguments(std::span<char> field, const char* format, va_list argument
 {
     if (field.empty()) return;
     // Nearly every format is made of these few; from the first other conversion on the library prints.
-    Room room{field.data(), field.data() + field.size() - 1};
+    TextRoom room(field);
     for (const char* next; *(next = strchrnul(format, '%')) != '\0'; format = next + 2) {
-        room.add({format, next});
+        if (next != format) room.add({format, next});
         switch (next[1]) {
         case 's':
             room.add(textOrEmpty(va_arg(arguments, const char*)));

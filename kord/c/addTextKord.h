@@ -3,8 +3,12 @@
 
 #pragma once
 
+#include <algorithm>
+#include <charconv>
 #include <cstdarg>
+#include <cstring>
 #include <span>
+#include <string_view>
 
 inline const char* textOrEmpty(const char* text)
 {
@@ -16,6 +20,42 @@ void copyText(std::span<char> field, const char* text);
 
 /// The first `length` bytes of `text`, as far as it has them.
 void copyText(std::span<char> field, const char* text, size_t length);
+
+/// What is left of a field that a text is put into piece by piece; one byte stays for the end.
+struct TextRoom {
+    char* at;
+    char* last;
+
+    explicit TextRoom(std::span<char> field) : at(field.data()), last(field.data() + field.size() - 1) {}
+
+    void add(std::string_view piece)
+    {
+        const size_t length = std::min(piece.size(), static_cast<size_t>(last - at));
+        memcpy(at, piece.data(), length);
+        at += length;
+    }
+
+    template <typename Number>
+    void addNumber(Number number)
+    {
+        char decimal[12];
+        const char* end = std::to_chars(decimal, decimal + sizeof decimal, number).ptr;
+        add({decimal, static_cast<size_t>(end - decimal)});
+    }
+
+    void add(const char* text) { add(std::string_view(textOrEmpty(text))); }
+    void add(int32_t number) { addNumber(number); }
+};
+
+/// Texts and numbers one after another into the field: a format without the reading of it, for what every
+/// drive has.
+template <typename... Pieces>
+void joinText(std::span<char> field, Pieces... pieces)
+{
+    TextRoom room(field);
+    (room.add(pieces), ...);
+    *room.at = '\0';
+}
 
 /// Formatted printing into the field. The arguments may lie outside the field only.
 [[gnu::format(printf, 2, 3)]] void formatText(std::span<char> field, const char* format, ...);

@@ -65,10 +65,23 @@ struct LineBuffer {
 
     void add(std::string_view text)
     {
+        if (text.size() > sizeof bytes - used) return addLong(text);
+        memmove(bytes + used, text.data(), text.size()); // a bounded memcpy is made in place, slowly
+        used += text.size();
+    }
+
+    void add(char character)
+    {
+        if (used == sizeof bytes) flush();
+        bytes[used++] = character;
+    }
+
+    void addLong(std::string_view text)
+    {
         while (!text.empty()) {
             if (used == sizeof bytes) flush();
             const size_t part = std::min(text.size(), sizeof bytes - used);
-            memmove(bytes + used, text.data(), part); // a bounded memcpy is made in place, slowly
+            memmove(bytes + used, text.data(), part);
             used += part;
             text.remove_prefix(part);
         }
@@ -109,12 +122,12 @@ void writeLine(int fd, std::string_view code, std::string_view message)
     line.fd = fd;
     const auto addPart = [&](size_t length) {
         line.add(rest.substr(0, length));
-        line.add("\n");
+        line.add('\n');
         rest.remove_prefix(std::min(length, rest.size()));
     };
 
     line.add(stampNow());
-    line.add(" ");
+    line.add(' ');
     line.add(code);
     line.add(": ");
     addPart(wraps ? firstRoom : rest.size());

@@ -34,12 +34,12 @@ int32_t addTrcKord(const char* fileName, const char* code, const char* message);
 /// One line of the run's own log; the text is cut to `traceTextSize`.
 [[gnu::format(printf, 3, 4)]] void trace(const kordRec* pKordRec, const char* code, const char* format, ...);
 
-/// A line out of a table. Without values its format is the text.
+/// A line out of a table. Without values its format is the text, which is shorter than any cut.
 template <typename... Values>
 void trace(const kordRec* pKordRec, const TraceText& line, Values... values)
 {
     if constexpr (sizeof...(values) == 0)
-        trace(pKordRec, line.code, "%s", line.format);
+        addTrcKord(pKordRec->trcfile, line.code, line.format);
     else
         trace(pKordRec, line.code, line.format, values...);
 }

@@ -362,9 +362,9 @@ int32_t writeDDM(const kordRec* pKordRec, const char* locationCode, const char* 
                  int32_t arraySitePosition, const char* diskInterfaceType, int32_t serviceState)
 {
     char space[500];
-    formatText(space, "DI=%s,DM=%s,DC=%dMB,DR=%d,DS=%d,AS=%d,AP=%d,IT=%s,ST=%d", diskName, diskManufacturer,
-               diskCapacity, diskRPM, diskInterfaceRate, arraySite, arraySitePosition, diskInterfaceType,
-               serviceState);
+    joinText(space, "DI=", diskName, ",DM=", diskManufacturer, ",DC=", diskCapacity, "MB,DR=", diskRPM,
+             ",DS=", diskInterfaceRate, ",AS=", arraySite, ",AP=", arraySitePosition,
+             ",IT=", diskInterfaceType, ",ST=", serviceState);
     return writePart(pKordRec, ddmName, locationCode,
                      {
                          normal(imageMTMS, kordpStorageFacilityImageMTMS),

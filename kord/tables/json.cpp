@@ -131,8 +131,8 @@ const Session& sessionOf(const Query& query)
 const char* typeOf(const Attribute& attribute)
 {
     alignas(std::max_align_t) static char item[1U << 16U];
-    if (attribute.field == nullptr) return nullptr;
-    return attribute.field(item).integer != nullptr ? "integer" : "text";
+    if (attribute.field.of == nullptr) return nullptr;
+    return attribute.field.of(item).integer != nullptr ? "integer" : "text";
 }
 
 void writeAttribute(Writer& json, const Attribute& attribute)

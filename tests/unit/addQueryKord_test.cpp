@@ -125,6 +125,41 @@ TEST_F(QueryPattern, readsResourcesInOrder)
     EXPECT_EQ(items[1].number, 4);
 }
 
+/// One item takes all resources of an answer: what the one before left in it is seen by none.
+TEST_F(QueryPattern, clearsTheItemBetweenResources)
+{
+    constexpr Attribute rows[] = {
+        {.name = "text", .field = fieldOf<&Item::text>},
+        {.name = "number", .field = fieldOf<&Item::number>, .kept = true},
+        {.name = "interfaces",
+         .field = fieldOf<&Item::interfaces>,
+         .read = [](const kordRec*, const ValeAttribute&, Field) {}},
+    };
+    Query own = query;
+    own.attributes = rows;
+    const std::vector<ValeAttribute> whole = {textAttribute("text", "a"), integerAttribute("number", 3),
+                                              listAttribute("interfaces", nullptr)};
+    const std::vector<ValeAttribute> sameNames = {textAttribute(whole[0].name, nullptr),
+                                                  integerAttribute(whole[1].name, 4),
+                                                  listAttribute(whole[2].name, nullptr)};
+    const std::vector<ValeAttribute> otherOrder = {whole[2], whole[1], textAttribute("text", "c")};
+    const std::vector<ValeAttribute> lessNumber = {textAttribute("text", "d"), whole[2],
+                                                   textAttribute("x", "y")};
+    std::vector<ValeQueryResponse> answer;
+    for (const auto* given : {&whole, &sameNames, &otherOrder, &lessNumber, &whole})
+        answer.push_back({{}, nullptr, given->data(), 3});
+    client.answers("Class", "id=7", answer);
+    std::vector<std::string> seen;
+    EXPECT_EQ(forEachItem<Item>(&record, own, requestOf(own.selection, 7),
+                                [&](Item& item) {
+                                    seen.push_back(item.text + std::to_string(item.number) + item.interfaces);
+                                    copyText(item.interfaces, "left over");
+                                    return collected;
+                                }),
+              0);
+    EXPECT_EQ(seen, (std::vector<std::string>{"a3", "4", "c3", "d3", "a3"}));
+}
+
 TEST_F(QueryPattern, takesMissingArrayForAnEmptyOne)
 {
     std::vector<ValeQueryResponse> answer = {{{}, nullptr, nullptr, 5}};
