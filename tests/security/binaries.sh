@@ -20,6 +20,9 @@ for file in "$@"; do
     wants "$file" "nothing is sealed after loading" GNU_RELRO
     wants "$file" "not every address is bound before it starts" 'BIND_NOW\|Flags:.*NOW'
     wants "$file" "its stack can be executed" 'GNU_STACK.* RW '
+    case $(readelf -dW "$file" | sed -n 's/.*R.*PATH.*\[\(.*\)\]/:\1:/p') in
+    *::* | *:.:* | *:./*) miss "$file" "the loader looks for libraries in the working folder" ;;
+    esac
     case $(readelf -lW "$file") in *' RWE '*) miss "$file" "a part of it can be written and executed" ;; esac
     guards="$guards $(readelf --dyn-syms -W "$file" | grep -o '__stack_chk_fail\|__[a-z]*_chk' | sort -u | tr '\n' ' ')"
     case $(uname -m) in
