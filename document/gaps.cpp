@@ -9,12 +9,13 @@ Gaps::Gaps(const Document& ofDocument) : document(ofDocument)
 {
     const Part& system = document.system();
     hasPartitions = std::ranges::find(system.children, Kind::partition, &Part::kind) != system.children.end();
-    if (!document.missing.end) return;
+    if (document.missing.nothing()) return;
     for (innermost = &system; open.insert(innermost).second && !innermost->children.empty();)
         innermost = &innermost->children.back();
 }
 
-/// A list that another one follows had its end before the document's.
+/// A collection that fails closes its document where it stands: as in one that is cut off, what would have
+/// come next is missing. A list that another one follows had its end before the document's.
 bool Gaps::mayHide(const Part& part, const Part& around) const
 {
     if (part.kind == Kind::partition && &around == &document.system()) {

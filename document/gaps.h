@@ -26,7 +26,7 @@ public:
 private:
     const Document& document;
     bool hasPartitions = false;
-    std::unordered_set<const Part*> open; ///< parts that the document ends in
+    std::unordered_set<const Part*> open; ///< parts that the telling ended in
     const Part* innermost = nullptr;      ///< of them
 };
 

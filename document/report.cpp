@@ -1,6 +1,5 @@
 #include "document/report.h"
 
-#include "document/rows.h"
 #include "platform/text.h"
 
 #include <algorithm>
@@ -274,7 +273,9 @@ void appendLocation(std::string& json, const Location& location, std::string_vie
     if (!location.serial.empty() && before.empty()) appendMember(json, "serial", location.serial);
 }
 
-void appendChange(std::string& json, const Change& change, Values& values)
+} // namespace
+
+void appendJson(std::string& json, const Change& change, Values& values)
 {
     const Part& part = change.part();
     const bool host = change.kind == Kind::host;
@@ -298,6 +299,9 @@ void appendChange(std::string& json, const Change& change, Values& values)
     }
     json += change.values.empty() ? "] }" : "\n      ] }";
 }
+
+namespace
+{
 
 std::string jsonHead(const Changes& changes)
 {
@@ -361,7 +365,7 @@ void writeJson(const Changes& changes, const Write& write)
     for (const char* separator = ""; const Change& change : changes.found) {
         std::string json = separator;
         json += "\n    ";
-        appendChange(json, change, values);
+        appendJson(json, change, values);
         write(json);
         separator = ",";
     }

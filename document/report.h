@@ -4,6 +4,7 @@
 
 #include "document/diff.h"
 #include "document/json.h"
+#include "document/rows.h"
 
 #include <string>
 #include <vector>
@@ -24,6 +25,10 @@ void writeSummary(const Changes& changes, const Write& write);
 
 /// { "old", "new", "complete", "missing", "changes": [...] }.
 void writeJson(const Changes& changes, const Write& write);
+
+/// Appends one of these changes.
+/// \param values of the document that the part is in, or was
+void appendJson(std::string& json, const Change& change, Values& values);
 
 /// The same, with how many changes of each kind there are: "summary": { "drive": { "added": 1 } }.
 void writeJsonSummary(const Changes& changes, const Write& write);

@@ -13,6 +13,8 @@ platform::Command kindsCommand();
 platform::Command jsonCommand();
 platform::Command xmlCommand();
 platform::Command diffCommand();
+platform::Command importCommand();
+platform::Command historyCommand();
 platform::Command explainCommand();
 platform::Command followCommand();
 platform::Command recordCommand();

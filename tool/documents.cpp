@@ -1,6 +1,7 @@
 #include "documents.h"
 
 #include "document/reader.h"
+#include "inventory/inventory.h"
 #include "platform/commandLine.h"
 
 namespace tool
@@ -17,14 +18,23 @@ void tell(const std::string& name, const std::vector<document::Finding>& finding
         platform::complain("kord", name + ": the document is incomplete: " + what);
 }
 
-document::Document readDocument(const std::string& file)
+namespace
 {
-    document::Document document = document::readFile(file);
+
+document::Document told(document::Document document)
+{
     tell(document.name, document.findings, document.findingCount, document.missing);
     return document;
 }
 
-int eachDocument(const std::vector<std::string>& files, const std::function<void(document::Document)>& use)
+} // namespace
+
+document::Document readDocument(const std::string& file)
+{
+    return told(document::readFile(file));
+}
+
+int eachFile(const std::vector<std::string>& files, const std::function<void(const std::string&)>& use)
 {
     constexpr int trouble = 2;
     int status = 0;
@@ -39,10 +49,19 @@ int eachDocument(const std::vector<std::string>& files, const std::function<void
     for (const std::string& file : files) {
         attempt([&] {
             for (const std::string& one : document::documentsOf(file))
-                attempt([&] { use(readDocument(one)); });
+                attempt([&] { use(one); });
         });
     }
     return status;
+}
+
+int eachDocument(const std::vector<std::string>& files, const std::function<void(document::Document)>& use)
+{
+    return eachFile(files, [&](const std::string& file) {
+        if (!inventory::isDatabase(file)) return use(readDocument(file));
+        inventory::Inventory database(file, inventory::Database::Access::read);
+        database.eachLatest([&](document::Document document) { use(told(std::move(document))); });
+    });
 }
 
 } // namespace tool

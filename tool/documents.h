@@ -18,9 +18,11 @@ void tell(const std::string& name, const std::vector<document::Finding>& finding
 /// A document, with what there is to tell of it.
 document::Document readDocument(const std::string& file);
 
-/// Calls for every document, in the files' order. One in trouble is told on standard error and keeps no other
-/// from its turn.
-/// \return the status to end with
+/// Calls for every file that the files of a command line mean, in their order. One in trouble is told on
+/// standard error and keeps no other from its turn. \return the status to end with
+int eachFile(const std::vector<std::string>& files, const std::function<void(const std::string& file)>& use);
+
+/// The same with the documents in them, which an inventory database has too: the newest of every system.
 int eachDocument(const std::vector<std::string>& files, const std::function<void(document::Document)>& use);
 
 } // namespace tool

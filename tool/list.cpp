@@ -3,8 +3,10 @@
 #include "commands.h"
 #include "documents.h"
 #include "output.h"
+#include "tableOptions.h"
 
 #include "document/list.h"
+#include "inventory/inventory.h"
 #include "platform/failure.h"
 
 #include <algorithm>
@@ -25,8 +27,7 @@ struct Options {
     std::string columns;
     std::vector<std::string> conditions;
     std::string order;
-    std::string format = "table";
-    bool noHeader = false;
+    TableOptions table;
     std::optional<std::string> count;
 };
 
@@ -40,13 +41,6 @@ std::vector<std::string> split(std::string_view text)
         text.remove_prefix(std::min(word.size() + 1, text.size()));
     }
     return words;
-}
-
-document::Format formatOf(const std::string& word)
-{
-    if (word == "csv") return document::Format::csv;
-    if (word == "json") return document::Format::json;
-    return word == "jsonl" ? document::Format::lines : document::Format::table;
 }
 
 /// Columns to add stand among the columns, or among the arguments: "+within,facility".
@@ -65,18 +59,18 @@ int list(const Options& options, Output& output)
     std::vector<std::string> arguments = {options.kind};
     arguments.insert(arguments.end(), options.files.begin(), options.files.end());
     document::ListOptions wanted;
-    wanted.format = formatOf(options.format);
+    wanted.format = options.table.format();
     std::vector<std::string> columns = {options.columns};
     takeAdded(columns, wanted.added);
     if (!columns.empty()) wanted.columns = split(columns.front());
     wanted.conditions = options.conditions;
     wanted.order = split(options.order);
-    wanted.header = !options.noHeader;
+    wanted.header = !options.table.noHeader;
     takeAdded(arguments, wanted.added);
     if (arguments.size() < 2) throw platform::Failure("list needs a kind of parts and a FILE");
     wanted.kind = arguments.front();
     arguments.erase(arguments.begin());
-    wanted.several = arguments.size() > 1;
+    wanted.several = arguments.size() > 1 || inventory::isDatabase(arguments.front());
     if (options.count) wanted.count = split(*options.count);
 
     document::List rows(wanted, [&](std::string_view text) { output.write(text); });
@@ -109,7 +103,8 @@ platform::Command listCommand()
                         .offers = {.words = [](const auto&) { return document::kindWords(); }}},
                        {.name = "FILE",
                         .into = &options->files,
-                        .help = "A document, a folder of documents or - for standard input"}},
+                        .help = "A document, a folder of documents, an inventory database or - for standard "
+                                "input"}},
          .options = {{.names = "-c,--columns",
                       .into = &options->columns,
                       .help = "Only these columns, in this order; +COLUMN,... adds to the usual ones",
@@ -124,13 +119,8 @@ platform::Command listCommand()
                       .help = "In the order of these columns, downwards behind a minus sign",
                       .value = "[-]COLUMN,...",
                       .offers = columns},
-                     {.names = "--format",
-                      .into = &options->format,
-                      .help = "How to write the list",
-                      .value = "table|csv|json|jsonl"},
-                     {.names = "--no-header",
-                      .into = &options->noHeader,
-                      .help = "Without the line of column names"},
+                     options->table.formatOption(),
+                     options->table.headerOption(),
                      {.names = "--count",
                       .into = &options->count,
                       .help = "Only how many there are, or how many have the same values in these columns",

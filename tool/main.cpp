@@ -11,7 +11,7 @@ int main(int argc, char* argv[])
              "Reads the inventory documents and trace logs that collections leave, and records collections.",
          .manual = "kord(1)",
          .commands = {tool::showCommand(), tool::listCommand(), tool::kindsCommand(), tool::jsonCommand(),
-                      tool::xmlCommand(), tool::diffCommand(), tool::explainCommand(), tool::followCommand(),
-                      tool::recordCommand()}},
+                      tool::xmlCommand(), tool::diffCommand(), tool::importCommand(), tool::historyCommand(),
+                      tool::explainCommand(), tool::followCommand(), tool::recordCommand()}},
         {argv, static_cast<size_t>(argc)});
 }

@@ -43,6 +43,14 @@ Lines changes(const std::string& before, const std::string& after)
 const Enclosure first = {.id = "U.AB1", .serial = "AB1", .location = "R-1"};
 const Enclosure second = {.id = "U.AB2", .serial = "AB2", .location = "R-2"};
 
+/// A whole document of enclosures, with the partitions that they name.
+std::string ofMachine(const std::string& enclosures)
+{
+    return ofSystem(
+        list("Enclosures", enclosures) +
+        list("Partitions", resource("Tarn01", "SYSTEM-1-1", "") + resource("Tarn02", "SYSTEM-1-2", "")));
+}
+
 /// One enclosure and its drives.
 std::string with(const std::vector<Drive>& drives, const Enclosure& in = first)
 {
@@ -64,7 +72,7 @@ Drive in(const std::string& slot, Drive drive)
 
 TEST(Diff, OfADocumentWithItselfIsNothing)
 {
-    const std::string text = ofEnclosures(with({driveA, driveB}) + with({driveC}, second));
+    const std::string text = ofMachine(with({driveA, driveB}) + with({driveC}, second));
     EXPECT_EQ(changes(text, text), Lines{});
 }
 
@@ -78,32 +86,32 @@ TEST(Diff, TimesAndTheStylesheetAreNone)
 
 TEST(Diff, OrderIsNone)
 {
-    EXPECT_EQ(changes(ofEnclosures(with({driveA, driveB}) + with({driveC}, second)),
-                      ofEnclosures(with({driveC}, second) + with({driveB, driveA}))),
+    EXPECT_EQ(changes(ofMachine(with({driveA, driveB}) + with({driveC}, second)),
+                      ofMachine(with({driveC}, second) + with({driveB, driveA}))),
               Lines{});
 }
 
 TEST(Diff, AReplacedDriveIsOneLine)
 {
     EXPECT_EQ(
-        changes(ofEnclosures(with({driveA, driveB})),
-                ofEnclosures(with({driveA, {.slot = "-P1-D2", .serial = "NEW", .level = "J2"}}))),
+        changes(ofMachine(with({driveA, driveB})),
+                ofMachine(with({driveA, {.slot = "-P1-D2", .serial = "NEW", .level = "J2"}}))),
         Lines{
             "replaced  drive U.AB1-P1-D2 (enclosure 1, slot 2): EC Level J1 -> J2, Serial Number B -> NEW"});
 }
 
 TEST(Diff, AMovedDriveIsOneLine)
 {
-    EXPECT_EQ(changes(ofEnclosures(with({driveA}) + with({}, second)),
-                      ofEnclosures(with({}) + with({in("-P1-D9", driveA)}, second))),
+    EXPECT_EQ(changes(ofMachine(with({driveA}) + with({}, second)),
+                      ofMachine(with({}) + with({in("-P1-D9", driveA)}, second))),
               Lines{"moved     drive U.AB2-P1-D9 (serial A): U.AB1-P1-D1 (enclosure 1, slot 1) -> "
                     "U.AB2-P1-D9 (enclosure 2, slot 9)"});
 }
 
 TEST(Diff, TwoDrivesThatChangedPlacesAreTwoMoves)
 {
-    EXPECT_EQ(changes(ofEnclosures(with({driveA, driveB})),
-                      ofEnclosures(with({in("-P1-D1", driveB), in("-P1-D2", driveA)}))),
+    EXPECT_EQ(changes(ofMachine(with({driveA, driveB})),
+                      ofMachine(with({in("-P1-D1", driveB), in("-P1-D2", driveA)}))),
               (Lines{"moved     drive U.AB1-P1-D1 (serial B): U.AB1-P1-D2 (enclosure 1, slot 2) -> "
                      "U.AB1-P1-D1 (enclosure 1, slot 1)",
                      "moved     drive U.AB1-P1-D2 (serial A): U.AB1-P1-D1 (enclosure 1, slot 1) -> "
@@ -112,7 +120,7 @@ TEST(Diff, TwoDrivesThatChangedPlacesAreTwoMoves)
 
 TEST(Diff, ADriveThatTookTheSlotOfAnotherMovedAndTheOtherIsGone)
 {
-    EXPECT_EQ(changes(ofEnclosures(with({driveA, driveB})), ofEnclosures(with({in("-P1-D2", driveA)}))),
+    EXPECT_EQ(changes(ofMachine(with({driveA, driveB})), ofMachine(with({in("-P1-D2", driveA)}))),
               (Lines{"moved     drive U.AB1-P1-D2 (serial A): U.AB1-P1-D1 (enclosure 1, slot 1) -> "
                      "U.AB1-P1-D2 (enclosure 1, slot 2)",
                      "removed   drive U.AB1-P1-D2 (enclosure 1, slot 2, serial B)"}));
@@ -122,7 +130,7 @@ TEST(Diff, AMoveTellsWhatElseChanged)
 {
     Drive changed = in("-P1-D5", driveA);
     changed.state = 2;
-    EXPECT_EQ(changes(ofEnclosures(with({driveA})), ofEnclosures(with({changed}))),
+    EXPECT_EQ(changes(ofMachine(with({driveA})), ofMachine(with({changed}))),
               Lines{"moved     drive U.AB1-P1-D5 (serial A): U.AB1-P1-D1 (enclosure 1, slot 1) -> "
                     "U.AB1-P1-D5 (enclosure 1, slot 5), "
                     "Disk Space Characteristics ST 0 -> 2"});
@@ -132,8 +140,8 @@ TEST(Diff, SerialNumbersThatSeveralDrivesShareTellNothing)
 {
     const Drive blankA = {.slot = "-P1-D1", .serial = "0000"};
     const Drive blankB = {.slot = "-P1-D2", .serial = "0000"};
-    EXPECT_EQ(changes(ofEnclosures(with({blankA, blankB})),
-                      ofEnclosures(with({in("-P1-D3", blankA), in("-P1-D4", blankB)}))),
+    EXPECT_EQ(changes(ofMachine(with({blankA, blankB})),
+                      ofMachine(with({in("-P1-D3", blankA), in("-P1-D4", blankB)}))),
               (Lines{"added     drive U.AB1-P1-D3 (enclosure 1, slot 3, serial 0000)",
                      "added     drive U.AB1-P1-D4 (enclosure 1, slot 4, serial 0000)",
                      "removed   drive U.AB1-P1-D1 (enclosure 1, slot 1, serial 0000)",
@@ -142,7 +150,7 @@ TEST(Diff, SerialNumbersThatSeveralDrivesShareTellNothing)
 
 TEST(Diff, AddedAndRemovedDrives)
 {
-    EXPECT_EQ(changes(ofEnclosures(with({driveA, driveB})), ofEnclosures(with({driveB, driveC}))),
+    EXPECT_EQ(changes(ofMachine(with({driveA, driveB})), ofMachine(with({driveB, driveC}))),
               (Lines{"added     drive U.AB1-P1-D3 (enclosure 1, slot 3, serial C)",
                      "removed   drive U.AB1-P1-D1 (enclosure 1, slot 1, serial A)"}));
 }
@@ -151,7 +159,7 @@ TEST(Diff, AChangedValueTellsItsItem)
 {
     Drive failed = driveA;
     failed.state = 5;
-    EXPECT_EQ(changes(ofEnclosures(with({driveA})), ofEnclosures(with({failed}))),
+    EXPECT_EQ(changes(ofMachine(with({driveA})), ofMachine(with({failed}))),
               Lines{"changed   drive U.AB1-P1-D1 (enclosure 1, slot 1, serial A): Disk Space Characteristics "
                     "ST 0 -> 5"});
 }
@@ -159,14 +167,14 @@ TEST(Diff, AChangedValueTellsItsItem)
 TEST(Diff, ASerialNumberThatCameToLightIsAChange)
 {
     EXPECT_EQ(
-        changes(ofEnclosures(with({{.slot = "-P1-D1", .serial = ""}})), ofEnclosures(with({driveA}))),
+        changes(ofMachine(with({{.slot = "-P1-D1", .serial = ""}})), ofMachine(with({driveA}))),
         Lines{"changed   drive U.AB1-P1-D1 (enclosure 1, slot 1, serial A): Serial Number (empty) -> A"});
 }
 
 TEST(Diff, AnAddedEnclosureIsOneLineWithItsParts)
 {
-    const std::string before = ofEnclosures(with({driveA}));
-    const std::string after = ofEnclosures(with({driveA}) + with({driveB, driveC}, second));
+    const std::string before = ofMachine(with({driveA}));
+    const std::string after = ofMachine(with({driveA}) + with({driveB, driveC}, second));
     EXPECT_EQ(changes(before, after),
               Lines{"added     storage enclosure U.AB2 (enclosure 2, serial AB2): with 2 parts"});
     EXPECT_EQ(changes(after, before),
@@ -175,8 +183,8 @@ TEST(Diff, AnAddedEnclosureIsOneLineWithItsParts)
 
 TEST(Diff, DrivesThatCameIntoANewEnclosureMoved)
 {
-    EXPECT_EQ(changes(ofEnclosures(with({driveA, driveB})),
-                      ofEnclosures(with({driveA}) + with({driveB, driveC}, second))),
+    EXPECT_EQ(changes(ofMachine(with({driveA, driveB})),
+                      ofMachine(with({driveA}) + with({driveB, driveC}, second))),
               (Lines{"added     storage enclosure U.AB2 (enclosure 2, serial AB2): with 1 part",
                      "moved     drive U.AB2-P1-D2 (serial B): U.AB1-P1-D2 (enclosure 1, slot 2) -> "
                      "U.AB2-P1-D2 (enclosure 2, slot 2)"}));
@@ -187,10 +195,10 @@ TEST(Diff, AMovedEnclosureIsOneLineAndItsDrivesStay)
     Enclosure elsewhere = first;
     elsewhere.location = "R-7";
     EXPECT_EQ(
-        changes(ofEnclosures(with({driveA, driveB})), ofEnclosures(with({driveA, driveB}, elsewhere))),
+        changes(ofMachine(with({driveA, driveB})), ofMachine(with({driveA, driveB}, elsewhere))),
         Lines{"moved     storage enclosure U.AB1 (serial AB1): R-1 (enclosure 1) -> R-7 (enclosure 7)"});
     elsewhere.id = "U.ELSEWHERE";
-    EXPECT_EQ(changes(ofEnclosures(with({driveA, driveB})), ofEnclosures(with({driveA, driveB}, elsewhere))),
+    EXPECT_EQ(changes(ofMachine(with({driveA, driveB})), ofMachine(with({driveA, driveB}, elsewhere))),
               Lines{"moved     storage enclosure U.ELSEWHERE (serial AB1): U.AB1 (enclosure 1) -> "
                     "U.ELSEWHERE (enclosure 7)"});
 }
@@ -199,7 +207,7 @@ TEST(Diff, AnEnclosureThatTookThePlaceOfAnotherReplacedIt)
 {
     Enclosure spare = second;
     spare.location = first.location;
-    EXPECT_EQ(changes(ofEnclosures(with({driveA})), ofEnclosures(with({driveA}, spare))),
+    EXPECT_EQ(changes(ofMachine(with({driveA})), ofMachine(with({driveA}, spare))),
               Lines{"replaced  storage enclosure U.AB2 (enclosure 1): Plant of Manufature code and Serial "
                     "Number AB1 -> AB2"});
 }
@@ -212,7 +220,7 @@ std::string seenTwice(Drive drive)
     shared.partition = "2";
     const std::string one = with({drive});
     drive.image = "IMAGE-2";
-    return ofEnclosures(one + with({drive}, shared));
+    return ofMachine(one + with({drive}, shared));
 }
 
 TEST(Diff, WhatTwoPartitionsSeeIsOneChange)
@@ -237,8 +245,8 @@ std::string rack(const std::string& content)
 
 TEST(Diff, FansThatAreListedForEachPartitionAreOne)
 {
-    EXPECT_EQ(changes(ofEnclosures(rack(fan("F1"))), ofEnclosures(rack(fan("F1") + fan("F1")))), Lines{});
-    EXPECT_EQ(changes(ofEnclosures(rack(fan("F1") + fan("F1"))), ofEnclosures(rack(fan("F2") + fan("F2")))),
+    EXPECT_EQ(changes(ofMachine(rack(fan("F1"))), ofMachine(rack(fan("F1") + fan("F1")))), Lines{});
+    EXPECT_EQ(changes(ofMachine(rack(fan("F1") + fan("F1"))), ofMachine(rack(fan("F2") + fan("F2")))),
               Lines{"changed   fan tray R-A1 (rack 1): Part Number F1 -> F2"});
 }
 
@@ -248,7 +256,7 @@ TEST(Diff, AnEmptyElementIsNoPart)
         return resource("Primary Power Supply", id,
                         property("SN", "Serial Number", serial) + property("YL", "L", id));
     };
-    EXPECT_EQ(changes(ofEnclosures(rack(supply("R-E1", "A"))), ofEnclosures(rack(supply("", "")))),
+    EXPECT_EQ(changes(ofMachine(rack(supply("R-E1", "A"))), ofMachine(rack(supply("", "")))),
               Lines{"removed   power supply R-E1 (rack 1, serial A)"});
 }
 
@@ -309,7 +317,7 @@ TEST(Diff, WhatThePartsRepeatOfThePartsAroundThemIsToldOnce)
         return enclosure(in, resource("Fiber Channel Interface Card", in.id + "-C1",
                                       property("S4", "Storage Facility Image MTMS", in.image)));
     };
-    EXPECT_EQ(changes(ofEnclosures(card(first)), ofEnclosures(card(other))),
+    EXPECT_EQ(changes(ofMachine(card(first)), ofMachine(card(other))),
               Lines{"changed   storage enclosure U.AB1 (enclosure 1, serial AB1): Storage Facility Image "
                     "MTMS IMAGE-1 -> IMAGE-9"});
 }
@@ -317,7 +325,7 @@ TEST(Diff, WhatThePartsRepeatOfThePartsAroundThemIsToldOnce)
 TEST(Diff, PropertiesThatCameAndWent)
 {
     const auto console = [](const std::string& properties) {
-        return ofEnclosures(resource("Quay", "Q", properties));
+        return ofMachine(resource("Quay", "Q", properties));
     };
     EXPECT_EQ(
         changes(console(property("AC", "Account Name", "me")), console(property("PN", "Part Number", ""))),
@@ -351,6 +359,13 @@ TEST(Diff, WhatACutDocumentDoesNotReachIsNoChange)
     }
 }
 
+TEST(Diff, WhatAFailedCollectionDidNotComeToIsNoChange)
+{
+    const std::string failed = ofSystem(list("Enclosures", with({driveA})));
+    EXPECT_EQ(changes(twoPartitions, failed), Lines{});
+    EXPECT_EQ(changes(failed, twoPartitions), Lines{});
+}
+
 TEST(Diff, WhatIsMissingBeforeTheCutIsRemoved)
 {
     const std::string after = ofSystem(list("Enclosures", with({driveA}) + with({driveC}, second)) +
@@ -382,9 +397,9 @@ document::KindSet only(document::Kind kind)
 
 TEST(Diff, TellsTheKindsThatAreWanted)
 {
-    const std::string before = ofEnclosures(with({driveA}));
-    const std::string after = ofEnclosures(with({{.slot = "-P1-D1", .serial = "A", .level = "J2"}}) +
-                                           with({driveB, driveC}, second));
+    const std::string before = ofMachine(with({driveA}));
+    const std::string after =
+        ofMachine(with({{.slot = "-P1-D1", .serial = "A", .level = "J2"}}) + with({driveB, driveC}, second));
     EXPECT_EQ(report(before, after, {}, only(document::Kind::storageEnclosure)),
               "added     storage enclosure U.AB2 (enclosure 2, serial AB2): with 2 parts\n"
               "1 change: 1 added\n");
@@ -401,9 +416,9 @@ TEST(Diff, TellsTheKindsThatAreWanted)
 
 /// Two drives of a new level, of three, and one that is gone.
 struct Upgrade {
-    std::string before = ofEnclosures(with({driveA, driveB, driveC}));
-    std::string after = ofEnclosures(with({{.slot = "-P1-D1", .serial = "A", .level = "J2"},
-                                           {.slot = "-P1-D2", .serial = "B", .level = "J2"}}));
+    std::string before = ofMachine(with({driveA, driveB, driveC}));
+    std::string after = ofMachine(with({{.slot = "-P1-D1", .serial = "A", .level = "J2"},
+                                        {.slot = "-P1-D2", .serial = "B", .level = "J2"}}));
 };
 
 TEST(Report, CountsTheChanges)
@@ -419,7 +434,7 @@ TEST(Report, GroupsWhatIsIdenticalButForThePart)
               "removed   drive U.AB1-P1-D3 (enclosure 1, slot 3, serial C)\n"
               "3 changes: 1 removed, 2 changed\n");
     // Each drive's way is its own.
-    const std::string moved = ofEnclosures(with({in("-P1-D8", driveA), in("-P1-D9", driveB), driveC}));
+    const std::string moved = ofMachine(with({in("-P1-D8", driveA), in("-P1-D9", driveB), driveC}));
     EXPECT_EQ(splitLines(report(Upgrade().before, moved, {.grouped = true})).size(), 3U);
 }
 
@@ -438,19 +453,19 @@ TEST(Report, SummarizesByKind)
         document::writeSummary(document::diff(old, now), [&](std::string_view piece) { text += piece; });
         return text;
     };
-    EXPECT_EQ(summary(Upgrade().before,
-                      ofEnclosures(
-                          with({driveA, driveB, {.slot = "-P1-D3", .serial = "NEW"}, in("-P1-D4", driveC)}) +
+    EXPECT_EQ(
+        summary(Upgrade().before,
+                ofMachine(with({driveA, driveB, {.slot = "-P1-D3", .serial = "NEW"}, in("-P1-D4", driveC)}) +
                           with({}, second))),
-              "storage enclosures  1 added\n"
-              "drives              1 added, 1 moved\n"
-              "3 changes: 2 added, 1 moved\n");
+        "storage enclosures  1 added\n"
+        "drives              1 added, 1 moved\n"
+        "3 changes: 2 added, 1 moved\n");
     EXPECT_EQ(summary(Upgrade().before, Upgrade().before), "");
 }
 
 TEST(Report, ShowsNoControlCharacters)
 {
-    EXPECT_THAT(report(ofEnclosures(""), ofEnclosures(resource("Quay", "\x1b[2J\xFF\xE2\x80\xAE", ""))),
+    EXPECT_THAT(report(ofMachine(""), ofMachine(resource("Quay", "\x1b[2J\xFF\xE2\x80\xAE", ""))),
                 testing::StartsWith("added     console \\x1B[2J\\xFF\\u{202E}\n"));
 }
 

@@ -1,0 +1,277 @@
+// What kord import makes of documents, and what kord list and kord history read from it.
+
+#include "fleet.h"
+
+#include "consoleRun.h"
+
+#include <algorithm>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
+
+namespace
+{
+
+using namespace kordTest;
+using nlohmann::json;
+using testing::ElementsAre;
+using testing::IsEmpty;
+using testing::StartsWith;
+using Lines = std::vector<std::string>;
+
+const std::filesystem::path expected = std::filesystem::path(KORD_SOURCE_DIR) / "tests/runs/expected";
+const std::string facility = expected / "facility.xml";
+
+const Drive driveA = {.slot = "-P1-D1", .serial = "A"};
+const Drive driveB = {.slot = "-P1-D2", .serial = "B"};
+const Drive driveC = {.slot = "-P1-D2", .serial = "C"};
+const Drive renewedA = {.slot = "-P1-D1", .serial = "A", .level = "J2"};
+const Drive movedA = {.slot = "-P1-D7", .serial = "A", .level = "J2"};
+
+/// Three nights of one system: a drive is replaced and another's level raised; then that one moves and the
+/// new one is gone.
+const std::string monday = documentOf({.day = 1, .drives = {driveA, driveB}});
+const std::string tuesday = documentOf({.day = 2, .drives = {renewedA, driveC}});
+const std::string wednesday = documentOf({.day = 3, .drives = {movedA}});
+
+const std::string changesInTime =
+    "SELECT substr(time, 1, 10), change, kind, id, old_id, serial, old_serial FROM change ORDER BY time, id";
+const Lines changesOfThreeNights = {
+    "2026-11-03|changed|drive|U.AB1-P1-D1||A|", "2026-11-03|replaced|drive|U.AB1-P1-D2||C|B",
+    "2026-11-04|removed|drive|U.AB1-P1-D2||C|", "2026-11-04|moved|drive|U.AB1-P1-D7|U.AB1-P1-D1|A|"};
+
+class Import : public testing::Test
+{
+protected:
+    Fleet fleet;
+
+    void import(const Lines& files, const std::string& says)
+    {
+        const Outcome outcome = fleet.import(files);
+        EXPECT_EQ(outcome.status, 0) << outcome.error;
+        EXPECT_EQ(outcome.output, says + "\n");
+    }
+};
+
+TEST_F(Import, EveryPartIsARowWithTheValuesOfTheList)
+{
+    import({facility}, "1 document imported");
+    json listed = json::parse(Fleet::kord({"list", "all", "--format", "json", facility}).output);
+    json rows = json::array();
+    for (const std::string& line :
+         fleet.ask("SELECT json_patch(json_object('system', system, 'facility', facility, 'collected', "
+                   "collected, 'kind', kind, 'id', id, 'within', within), data) FROM part ORDER BY rowid"))
+        rows.push_back(json::parse(line));
+    for (json& row : rows) {
+        for (auto member = row.begin(); member != row.end();)
+            member = member->is_null() ? row.erase(member) : std::next(member);
+    }
+    ASSERT_GT(rows.size(), 250U);
+    EXPECT_EQ(rows, listed);
+    EXPECT_THAT(fleet.ask("SELECT count(*) FROM part WHERE serial IS NOT data ->> 'serial'"),
+                ElementsAre("0"));
+}
+
+TEST_F(Import, EveryKindIsAViewWithTheKindsColumns)
+{
+    import({facility}, "1 document imported");
+    const Lines kinds = fleet.ask("SELECT DISTINCT kind FROM part");
+    ASSERT_GT(kinds.size(), 20U);
+    for (const std::string& kind : kinds) {
+        const std::string header = Fleet::kord({"list", kind, "--format", "csv", facility}).output;
+        std::string columns;
+        for (const std::string& name : fleet.ask("SELECT name FROM pragma_table_info('" + kind + "')"))
+            columns += (columns.empty() ? "" : ",") + name;
+        EXPECT_EQ(columns, "snapshot," + splitLines(header).front());
+        EXPECT_EQ(fleet.ask("SELECT count(*) FROM \"" + kind + '"'),
+                  fleet.ask("SELECT count(*) FROM part WHERE kind = '" + kind + "'"));
+    }
+    EXPECT_THAT(fleet.ask("SELECT rack, enclosure, slot, serial, capacity_mb, partitions FROM drive LIMIT 1"),
+                ElementsAre("1|1|1|WK5RRQV7YJ|73400|[\"9999-B2C-7ABCD12-1\"]"));
+}
+
+TEST_F(Import, TheSameDocumentTwiceIsOneSnapshot)
+{
+    const std::string file = fleet.write("one.xml", monday);
+    import({file, fleet.write("again.xml", monday)}, "1 document imported, 1 there already");
+    import({file}, "0 documents imported, 1 there already");
+    EXPECT_THAT(fleet.ask("SELECT system, facility, time, file, complete, missing FROM snapshot"),
+                ElementsAre("SYSTEM-1|FACILITY|2026-11-02T00:00:00.000005Z|" + file + "|1|[]"));
+}
+
+TEST_F(Import, APackedDocumentIsTheSame)
+{
+    const std::string file = fleet.write("one.xml", monday);
+    import({file}, "1 document imported");
+    runProcess({.arguments = {"/usr/bin/env", "gzip", file}, .folder = {}});
+    import({file + ".gz"}, "0 documents imported, 1 there already");
+}
+
+TEST_F(Import, ChangesAreTheSameInWhateverOrderDocumentsCome)
+{
+    const Lines files = {fleet.write("1.xml", monday), fleet.write("2.xml", tuesday),
+                         fleet.write("3.xml", wednesday)};
+    std::vector<size_t> order = {0, 1, 2};
+    do {
+        std::filesystem::remove(fleet.database());
+        import({files[order[0]], files[order[1]], files[order[2]]}, "3 documents imported");
+        EXPECT_EQ(fleet.ask(changesInTime), changesOfThreeNights) << testing::PrintToString(order);
+        EXPECT_THAT(fleet.ask("SELECT file FROM latest"), ElementsAre(files[2]));
+    } while (std::ranges::next_permutation(order).found);
+}
+
+TEST_F(Import, ChangesAreThoseOfTheDiff)
+{
+    const std::string before = fleet.write("1.xml", monday);
+    const std::string after = fleet.write("2.xml", tuesday);
+    import({before, after}, "2 documents imported");
+    const json report = json::parse(Fleet::kord({"diff", "--json", before, after}).output);
+    json changes = json::array();
+    for (const std::string& line : fleet.ask("SELECT data FROM change ORDER BY rowid"))
+        changes.push_back(json::parse(line));
+    EXPECT_EQ(changes, report["changes"]);
+}
+
+TEST_F(Import, SystemsAreApart)
+{
+    import({fleet.write("1.xml", monday), fleet.write("2.xml", documentOf({.system = "SYSTEM-2",
+                                                                           .day = 2,
+                                                                           .drives =
+                                                                           { driveC }}))},
+           "2 documents imported");
+    EXPECT_THAT(fleet.ask(changesInTime), IsEmpty());
+    EXPECT_THAT(fleet.ask("SELECT system, substr(time, 1, 10) FROM latest ORDER BY 1"),
+                ElementsAre("SYSTEM-1|2026-11-02", "SYSTEM-2|2026-11-03"));
+}
+
+TEST_F(Import, AnIncompleteDocumentIsKeptMarkedAndRemovesNothing)
+{
+    const std::string cut = fleet.write("2.xml", cutOff(tuesday));
+    const Outcome outcome =
+        fleet.import({fleet.write("1.xml", monday), cut, fleet.write("3.xml", wednesday)});
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_EQ(outcome.output, "3 documents imported\n");
+    EXPECT_THAT(splitLines(outcome.error),
+                ElementsAre("kord: " + cut + ": the document is incomplete: the partitions",
+                            "kord: " + cut + ": the document is incomplete: the end"));
+    EXPECT_THAT(fleet.ask("SELECT missing FROM snapshot WHERE NOT complete"),
+                ElementsAre("[\"the partitions\",\"the end\"]"));
+    // The cut document lacks the partitions only: of the drives it tells as much as a whole one.
+    EXPECT_EQ(fleet.ask(changesInTime), changesOfThreeNights);
+}
+
+TEST_F(Import, WhatARunThatFailedDidNotComeToIsNotRemoved)
+{
+    EXPECT_EQ(
+        fleet
+            .import({fleet.write("1.xml", monday),
+                     fleet.write("2.xml", documentOf({.day = 2, .drives = {renewedA}, .failed = true}))})
+            .status,
+        0);
+    EXPECT_THAT(fleet.ask(changesInTime), ElementsAre(changesOfThreeNights[0]));
+    EXPECT_THAT(fleet.ask("SELECT count(*) FROM latest WHERE complete"), ElementsAre("0"));
+}
+
+TEST_F(Import, OneFileInTroubleDoesNotStopTheOthers)
+{
+    const std::string bad = fleet.write("bad.xml", "no document\n");
+    const Outcome outcome = fleet.import({bad, "/no/such", fleet.write("1.xml", monday)});
+    EXPECT_EQ(outcome.status, 2);
+    EXPECT_EQ(outcome.output, "1 document imported\n");
+    EXPECT_THAT(splitLines(outcome.error), ElementsAre(StartsWith("kord: " + bad + ":1: "),
+                                                       "kord: /no/such: No such file or directory"));
+}
+
+TEST_F(Import, WhatIsNoInventoryStaysAsItIs)
+{
+    const std::string file = fleet.write("1.xml", monday);
+    const std::string name = fleet.database();
+    const auto refused = [&](const std::string& says) {
+        const std::string before = readFile(name).value_or("");
+        for (const Lines& command : {Lines{"import", name, file}, Lines{"history", name, "A"}}) {
+            const Outcome outcome = Fleet::kord(command);
+            EXPECT_EQ(outcome.status, 2);
+            EXPECT_EQ(outcome.output, "");
+            EXPECT_EQ(outcome.error, "kord: " + name + ": " + says + "\n");
+        }
+        EXPECT_EQ(readFile(name).value_or(""), before);
+    };
+    fleet.write("fleet.db", std::string(5000, 'x'));
+    refused("no database");
+    std::filesystem::remove(name);
+    fleet.ask("CREATE TABLE mine (x)");
+    refused("a database, but no inventory that kord made");
+    std::filesystem::remove(name);
+    import({file}, "1 document imported");
+    fleet.ask("PRAGMA user_version = 7");
+    refused("an inventory of version 7, but this kord knows version 1");
+    std::filesystem::remove(name);
+    std::filesystem::create_directory(name);
+    EXPECT_EQ(fleet.import({file}).status, 2);
+}
+
+TEST_F(Import, BytesThatAreNoTextDoNoHarm)
+{
+    const Drive odd = {.slot = "-P1-D1", .serial = "\xFFO'\"); DROP TABLE part; --", .level = "\xE2\x82"};
+    import({fleet.write("1.xml", documentOf({.drives = { odd }}))}, "1 document imported");
+    EXPECT_THAT(fleet.ask("SELECT serial, ec_level FROM drive"),
+                ElementsAre("\xEF\xBF\xBDO'\"); DROP TABLE part; --|\xEF\xBF\xBD"));
+    EXPECT_THAT(fleet.ask("PRAGMA integrity_check"), ElementsAre("ok"));
+}
+
+TEST_F(Import, ListReadsTheNewestDocumentsAsItReadsTheirFiles)
+{
+    const std::string other =
+        fleet.write("o.xml", documentOf({.system = "SYSTEM-0", .day = 2, .drives = {driveC}}));
+    const std::string newest = fleet.write("3.xml", wednesday);
+    import({newest, fleet.write("1.xml", monday), other}, "3 documents imported");
+    for (const Lines& options :
+         {Lines{"drives"}, Lines{"all", "--format", "jsonl"}, Lines{"drives", "--count"},
+          Lines{"all", "--format", "csv", "--sort", "-id"}}) {
+        Lines ofFiles = {"list", other, newest};
+        Lines ofDatabase = {"list", fleet.database()};
+        ofFiles.insert(ofFiles.begin() + 1, options.begin(), options.end());
+        ofDatabase.insert(ofDatabase.begin() + 1, options.begin(), options.end());
+        const Outcome wanted = Fleet::kord(ofFiles);
+        const Outcome outcome = Fleet::kord(ofDatabase);
+        EXPECT_EQ(outcome.status, 0) << outcome.error;
+        EXPECT_EQ(outcome.output, wanted.output);
+        EXPECT_NE(outcome.output, "");
+    }
+}
+
+TEST_F(Import, ANewestDocumentThatIsIncompleteIsToldByTheList)
+{
+    const std::string cut = fleet.write("2.xml", cutOff(tuesday));
+    EXPECT_EQ(fleet.import({cut}).status, 0);
+    const Outcome outcome = Fleet::kord({"list", "drives", fleet.database(), "--count"});
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_THAT(outcome.error, StartsWith("kord: " + fleet.database().string() + ": " + cut +
+                                          ": the document is incomplete: the partitions\n"));
+}
+
+TEST_F(Import, HistoryTellsWhereASerialHasBeen)
+{
+    import({fleet.write("1.xml", monday), fleet.write("2.xml", tuesday), fleet.write("3.xml", wednesday)},
+           "3 documents imported");
+    const auto history = [&](const std::string& part) {
+        return splitLines(
+            Fleet::kord({"history", fleet.database(), part, "--format", "csv", "--no-header"}).output);
+    };
+    EXPECT_THAT(history("A"),
+                ElementsAre("2026-11-02T00:00:00.000005Z,SYSTEM-1,drive,U.AB1-P1-D1,,1,1,A,,",
+                            "2026-11-03T00:00:00.000005Z,SYSTEM-1,drive,U.AB1-P1-D1,,1,1,A,,changed",
+                            "2026-11-04T00:00:00.000005Z,SYSTEM-1,drive,U.AB1-P1-D7,,1,7,A,,moved"));
+    EXPECT_THAT(history("C"),
+                ElementsAre("2026-11-03T00:00:00.000005Z,SYSTEM-1,drive,U.AB1-P1-D2,,1,2,C,,replaces B",
+                            "2026-11-04T00:00:00.000005Z,SYSTEM-1,drive,U.AB1-P1-D2,,1,2,C,,removed"));
+    EXPECT_THAT(history("B"),
+                ElementsAre("2026-11-02T00:00:00.000005Z,SYSTEM-1,drive,U.AB1-P1-D2,,1,2,B,,",
+                            "2026-11-03T00:00:00.000005Z,SYSTEM-1,drive,U.AB1-P1-D2,,1,2,B,,replaced by C"));
+    EXPECT_EQ(history("U.AB1-P1-D2").size(), 3U);
+    const Outcome none = Fleet::kord({"history", fleet.database(), "nowhere"});
+    EXPECT_EQ(none.status, 1);
+    EXPECT_EQ(splitLines(none.output).size(), 1U);
+}
+
+} // namespace

@@ -1,0 +1,133 @@
+// kord import: documents into an inventory database.
+
+#include "commands.h"
+#include "documents.h"
+#include "output.h"
+
+#include "document/reader.h"
+#include "inventory/importer.h"
+#include "platform/failure.h"
+#include "platform/text.h"
+
+#include <csignal>
+#include <cstdio>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include <unistd.h>
+
+namespace tool
+{
+
+namespace
+{
+
+struct Options {
+    std::string database;
+    std::vector<std::string> files;
+};
+
+/// How far the work has come, on a terminal that shows messages.
+class Progress
+{
+public:
+    void show(size_t number, const std::string& file)
+    {
+        if (!terminal) return;
+        const std::string line = std::to_string(number) + ": " + platform::shown(file);
+        write("\r" + platform::cutTo(line, Output::columns() - 1) + "\x1b[K");
+    }
+    /// Makes room for a message, or for the end.
+    void clear()
+    {
+        if (terminal) write("\r\x1b[K");
+    }
+
+private:
+    static void write(const std::string& text) { std::fputs(text.c_str(), stderr); }
+
+    const bool terminal = isatty(STDERR_FILENO) != 0;
+};
+
+class Import
+{
+public:
+    explicit Import(const std::string& database)
+        : inventory(database, inventory::Database::Access::write), importer(inventory)
+    {
+    }
+
+    int run(const std::vector<std::string>& files)
+    {
+        const int status = eachFile(files, [&](const std::string& file) { take(file); });
+        progress.clear();
+        return status;
+    }
+
+    [[nodiscard]] std::string result() const
+    {
+        std::string text =
+            std::to_string(imported) + (imported == 1 ? " document" : " documents") + " imported";
+        if (known > 0) text += ", " + std::to_string(known) + " there already";
+        return text + '\n';
+    }
+
+private:
+    void take(const std::string& file)
+    {
+        progress.show(imported + known + 1, file);
+        const inventory::Incoming incoming = inventory::incomingOf(file);
+        if (importer.holds(incoming)) {
+            ++known;
+            return;
+        }
+        document::Input input(file, incoming.bytes);
+        const document::Document document = document::read(input);
+        progress.clear();
+        tell(document.name, document.findings, document.findingCount, document.missing);
+        ++(importer.add(incoming, document) ? imported : known);
+    }
+
+    inventory::Inventory inventory;
+    inventory::Importer importer;
+    Progress progress;
+    size_t imported = 0;
+    size_t known = 0;
+};
+
+int import(const Options& options, Output& output)
+{
+    std::signal(SIGXFSZ, SIG_IGN); // a database that must not grow is a full disk, and told like one
+    Import work(options.database);
+    try {
+        const int status = work.run(options.files);
+        output.write(work.result());
+        return status;
+    } catch (const platform::Failure& failure) {
+        output.write(work.result());
+        output.flush();
+        throw;
+    }
+}
+
+} // namespace
+
+platform::Command importCommand()
+{
+    const auto options = std::make_shared<Options>();
+    return {.name = "import",
+            .help = "Put documents into an inventory database, which is made where there is none",
+            .arguments = {{.name = "DATABASE", .into = &options->database, .help = "The SQLite database"},
+                          {.name = "FILE",
+                           .into = &options->files,
+                           .help = "A document, a folder of documents or - for standard input"}},
+            .run = [options] {
+                Output output({});
+                const int status = import(*options, output);
+                output.finish();
+                return status;
+            }};
+}
+
+} // namespace tool
