@@ -28,22 +28,29 @@ struct TextRoom {
 
     explicit TextRoom(std::span<char> field) : at(field.data()), last(field.data() + field.size() - 1) {}
 
-    void add(std::string_view piece)
+    /// In place and without a bound on its size: a piece that the compiler knows is an instruction or two.
+    [[gnu::always_inline]] void add(std::string_view piece)
     {
-        const size_t length = std::min(piece.size(), static_cast<size_t>(last - at));
-        memcpy(at, piece.data(), length);
-        at += length;
+        const auto left = static_cast<size_t>(last - at);
+        if (piece.size() > left) piece = piece.substr(0, left);
+        memmove(at, piece.data(), piece.size());
+        at += piece.size();
     }
 
     template <typename Number>
     void addNumber(Number number)
     {
         char decimal[12];
-        const char* end = std::to_chars(decimal, decimal + sizeof decimal, number).ptr;
-        add({decimal, static_cast<size_t>(end - decimal)});
+        const bool fits = last - at >= static_cast<ptrdiff_t>(sizeof decimal);
+        char* start = fits ? at : decimal;
+        char* end = std::to_chars(start, start + sizeof decimal, number).ptr;
+        if (fits)
+            at = end;
+        else
+            add({start, static_cast<size_t>(end - start)});
     }
 
-    void add(const char* text) { add(std::string_view(textOrEmpty(text))); }
+    [[gnu::always_inline]] void add(const char* text) { add(std::string_view(textOrEmpty(text))); }
     void add(int32_t number) { addNumber(number); }
 };
 

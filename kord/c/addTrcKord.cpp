@@ -57,7 +57,7 @@ void writeAll(int fd, std::string_view bytes)
     }
 }
 
-/// Gathers a line's pieces so that a line of ordinary length is one write.
+/// Gathers a wrapped line's pieces so that a line of ordinary length is one write.
 struct LineBuffer {
     int fd = -1;
     size_t used = 0;
@@ -65,23 +65,10 @@ struct LineBuffer {
 
     void add(std::string_view text)
     {
-        if (text.size() > sizeof bytes - used) return addLong(text);
-        memmove(bytes + used, text.data(), text.size()); // a bounded memcpy is made in place, slowly
-        used += text.size();
-    }
-
-    void add(char character)
-    {
-        if (used == sizeof bytes) flush();
-        bytes[used++] = character;
-    }
-
-    void addLong(std::string_view text)
-    {
         while (!text.empty()) {
             if (used == sizeof bytes) flush();
             const size_t part = std::min(text.size(), sizeof bytes - used);
-            memmove(bytes + used, text.data(), part);
+            memmove(bytes + used, text.data(), part); // a bounded memcpy is made in place, slowly
             used += part;
             text.remove_prefix(part);
         }
@@ -113,27 +100,46 @@ std::string_view stampNow()
     return last.text;
 }
 
-void writeLine(int fd, std::string_view code, std::string_view message)
+/// Nearly every line is as short as this.
+void writeShortLine(int fd, std::string_view code, std::string_view message)
 {
-    const bool wraps = code.size() + message.size() + prefixLength > lineLength - 1;
+    char line[2 * lineLength];
+    TextRoom room(line);
+    room.add(stampNow());
+    room.add(" ");
+    room.add(code);
+    room.add(": ");
+    room.add(message);
+    room.add("\n");
+    writeAll(fd, {line, room.at});
+}
+
+void writeWrappedLine(int fd, std::string_view code, std::string_view message)
+{
     const size_t firstRoom = code.size() < firstTextLength ? firstTextLength - code.size() : 0;
     std::string_view rest = message;
     LineBuffer line;
     line.fd = fd;
     const auto addPart = [&](size_t length) {
         line.add(rest.substr(0, length));
-        line.add('\n');
+        line.add("\n");
         rest.remove_prefix(std::min(length, rest.size()));
     };
 
     line.add(stampNow());
-    line.add(' ');
+    line.add(" ");
     line.add(code);
     line.add(": ");
-    addPart(wraps ? firstRoom : rest.size());
+    addPart(firstRoom);
     while (!rest.empty())
         addPart(lineLength);
     line.flush();
+}
+
+void writeLine(int fd, std::string_view code, std::string_view message)
+{
+    const bool wraps = code.size() + message.size() + prefixLength > lineLength - 1;
+    wraps ? writeWrappedLine(fd, code, message) : writeShortLine(fd, code, message);
 }
 
 constexpr int safely = O_NOFOLLOW | O_CLOEXEC | O_NOCTTY | O_NONBLOCK;
