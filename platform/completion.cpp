@@ -105,7 +105,8 @@ std::string pathsOf(const Offers& offers)
 }
 
 /// One of several words: what stands before it stays, and what stands there already is not offered again.
-std::string listedItems(const std::vector<std::string>& words, const std::string& typed)
+std::string listedItems(const std::vector<std::string>& words, const std::string& typed,
+                        const std::string& name)
 {
     const size_t comma = typed.rfind(',');
     size_t start = comma == std::string::npos ? 0 : comma + 1;
@@ -114,9 +115,9 @@ std::string listedItems(const std::vector<std::string>& words, const std::string
     std::vector<Offer> offers;
     for (const std::string& word : words) {
         const bool there = (',' + before).find(',' + word + ',') != std::string::npos;
-        if (!there) offers.push_back({.word = before + word, .help = {}});
+        if (!there) offers.push_back({.word = name + before + word, .help = {}});
     }
-    return listed("parts", offers, typed);
+    return listed("parts", offers, name + typed);
 }
 
 /// What is typed so far, as the program would take it.
@@ -141,7 +142,7 @@ public:
         const size_t turn = std::min(arguments.size(), command->arguments.size() - 1);
         const Argument& argument = command->arguments[turn];
         if (arguments.size() > turn && !takesSeveral(argument.into)) return "words\n";
-        return offerWords(argument.offers, current);
+        return offerWords(argument.offers, current, "");
     }
 
 private:
@@ -207,22 +208,23 @@ private:
                                           const std::string& name) const
     {
         const std::vector<std::string> choices = choicesOf(option);
-        if (choices.empty()) return offerWords(option.offers, typed);
+        if (choices.empty()) return offerWords(option.offers, typed, name);
         std::vector<Offer> offers;
         for (const std::string& choice : choices)
             offers.push_back({.word = name + choice, .help = {}});
         return listed("words", offers, name + typed);
     }
 
-    [[nodiscard]] std::string offerWords(const Offers& offers, const std::string& typed) const
+    [[nodiscard]] std::string offerWords(const Offers& offers, const std::string& typed,
+                                         const std::string& name) const
     {
         if (!offers.words) return pathsOf(offers);
         const std::vector<std::string> words = offers.words(arguments);
-        if (offers.several) return listedItems(words, typed);
+        if (offers.several) return listedItems(words, typed, name);
         std::vector<Offer> found;
         for (const std::string& word : words)
-            found.push_back({.word = word, .help = {}});
-        return listed("words", found, typed);
+            found.push_back({.word = name + word, .help = {}});
+        return listed("words", found, name + typed);
     }
 
     const Program& program;

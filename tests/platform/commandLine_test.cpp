@@ -14,7 +14,7 @@ namespace
 
 using namespace platform;
 using testing::ElementsAre;
-using testing::HasSubstr;
+using testing::EndsWith;
 using testing::StartsWith;
 
 /// A program with a command of each sort, and what one run of it gave.
@@ -213,6 +213,126 @@ TEST(CommandLine, SaysWhatIsWrongInOneLine)
     }
 }
 
+/// What a program with one command says, on standard output and behind its name on standard error.
+struct Said {
+    int status = 0;
+    std::string output;
+    std::string error;
+};
+Said runOne(Command command, std::vector<std::string> arguments)
+{
+    const Program program = {.name = "one-two",
+                             .version = "3",
+                             .help = "Ones.",
+                             .manual = "one-two(1)",
+                             .commands = {std::move(command)},
+                             .trouble = 9};
+    arguments.insert(arguments.begin(), "one-two");
+    std::vector<char*> pointers;
+    for (std::string& argument : arguments)
+        pointers.push_back(argument.data());
+    testing::internal::CaptureStdout();
+    testing::internal::CaptureStderr();
+    const int status = platform::run(program, pointers);
+    return {.status = status,
+            .output = testing::internal::GetCapturedStdout(),
+            .error = testing::internal::GetCapturedStderr()};
+}
+
+TEST(CommandLine, TakesWholeNumbersWithinTheirBounds)
+{
+    struct Case {
+        uint64_t least;
+        uint64_t most;
+        std::string given;
+        std::string refused = {}; ///< empty: taken
+    };
+    constexpr uint64_t any = std::numeric_limits<uint64_t>::max();
+    const std::vector<Case> cases = {
+        {0, any, "0"},
+        {0, any, "18446744073709551615"},
+        {0, any, "18446744073709551616", " from 0"},
+        {0, any, "", " from 0"},
+        {0, any, "4x", " from 0"},
+        {0, any, "x4", " from 0"},
+        {0, any, "1.5", " from 0"},
+        {2, any, "1", " from 2"},
+        {2, any, "2"},
+        {2, 5, "5"},
+        {2, 5, "6", " from 2 to 5"},
+    };
+    for (const Case& one : cases) {
+        uint64_t number = 77;
+        const Said said = runOne({.name = "size",
+                                  .help = {},
+                                  .options = {{.names = "--size",
+                                               .into = &number,
+                                               .help = {},
+                                               .value = "N",
+                                               .least = one.least,
+                                               .most = one.most}},
+                                  .run = [] { return 0; }},
+                                 {"size", "--size", one.given});
+        EXPECT_EQ(said.status, one.refused.empty() ? 0 : 2) << one.given;
+        EXPECT_EQ(said.error, one.refused.empty() ? ""
+                                                  : "one-two: --size: \"" + one.given + "\" is no number" +
+                                                        one.refused + "\n");
+        EXPECT_EQ(number, one.refused.empty() ? std::stoull(one.given) : 77);
+    }
+    uint32_t narrow = 77; // takes what 32 bits hold, whatever its bounds
+    const auto give = [&](const char* number) {
+        return runOne({.name = "size",
+                       .help = {},
+                       .options = {{.names = "--size", .into = &narrow, .help = {}, .value = "N"}},
+                       .run = [] { return 0; }},
+                      {"size", "--size", number});
+    };
+    EXPECT_EQ(give("4294967295").error, "");
+    EXPECT_EQ(narrow, 4294967295U);
+    EXPECT_EQ(give("4294967296").error, "one-two: --size: \"4294967296\" is no number from 0\n");
+}
+
+TEST(CommandLine, SaysWhatIsRequired)
+{
+    std::string size;
+    const Command command = {
+        .name = "size",
+        .help = {},
+        .options = {{.names = "-s,--size", .into = &size, .help = {}, .value = "N", .required = true}}};
+    const Said said = runOne(command, {"size"});
+    EXPECT_EQ(said.status, 2);
+    EXPECT_EQ(said.error, "one-two: --size is required\n");
+    EXPECT_THAT(runOne(command, {"size", "--help"}).output, StartsWith("usage: one-two size -s N\n"));
+}
+
+TEST(CommandLine, TellsTheProgramsOwnTrouble)
+{
+    const Command command = {.name = "size", .help = {}, .run = [] { return 4; }, .trouble = 3};
+    EXPECT_EQ(runOne(command, {}).status, 9);
+    EXPECT_EQ(runOne(command, {"such"}).status, 9);
+    EXPECT_EQ(runOne(command, {"help", "such"}).status, 9);
+    EXPECT_EQ(runOne(command, {"help", "such"}).error,
+              "one-two: no command \"such\": \"one-two --help\" lists them\n");
+    EXPECT_EQ(runOne(command, {"size", "-x"}).status, 3);
+    EXPECT_EQ(runOne(command, {"size"}).status, 4);
+    EXPECT_EQ(runOne(command, {"completion", "bsh"}).status, 9);
+    EXPECT_EQ(runOne(command, {"completion", "bsh"}).error,
+              "one-two: no completion for the shell \"bsh\": did you mean \"bash\"?\n");
+    EXPECT_EQ(runOne(command, {"completion"}).error,
+              "one-two: SHELL is required: one-two completion SHELL\n");
+}
+
+TEST(CommandLine, APrograMayBeLeftOut)
+{
+    std::vector<std::string> program = {"before"};
+    const Command command = {
+        .name = "start", .help = {}, .program = &program, .needsProgram = false, .run = [] { return 0; }};
+    EXPECT_EQ(runOne(command, {"start"}).status, 0);
+    EXPECT_TRUE(program.empty());
+    EXPECT_THAT(runOne(command, {"start", "-h"}).output,
+                StartsWith("usage: one-two start [-- PROGRAM [ARGUMENT]...]\n"));
+}
+
 TEST(CommandLine, TellsFailuresAsTrouble)
 {
     Sample run;
@@ -235,8 +355,24 @@ TEST(CommandLine, PrintsHelpAndVersion)
     EXPECT_EQ(run.output, "sample 1.2\n");
     for (const std::vector<std::string>& asked : {std::vector<std::string>{"--help"}, {"-h"}, {"help"}}) {
         EXPECT_EQ(run(asked), 0);
-        EXPECT_THAT(run.output, HasSubstr("\n  list          List things\n"));
+        EXPECT_EQ(run.output,
+                  "usage: sample COMMAND [OPTION]... [ARGUMENT]...\n"
+                  "       sample --version\n"
+                  "\n"
+                  "Samples.\n"
+                  "\n"
+                  "Commands:\n"
+                  "  list          List things\n"
+                  "  start         Start a program\n"
+                  "  completion    Print the script that completes commands, options and values in\n"
+                  "                a shell\n"
+                  "\n"
+                  "\"sample COMMAND --help\" tells more of a command.\n");
     }
+    EXPECT_THAT(
+        runOne({.name = "size", .help = {}}, {"-h"}).output,
+        EndsWith("\"one-two COMMAND --help\" tells more of a command, the manual page one-two(1) tells"
+                 " all.\n"));
     for (const std::vector<std::string>& asked :
          {std::vector<std::string>{"list", "--help"}, {"list", "--lod", "-h"}, {"help", "list"}}) {
         EXPECT_EQ(run(asked), 0);
@@ -264,6 +400,42 @@ TEST(CommandLine, PrintsHelpAndVersion)
     EXPECT_EQ(run({"help", "start"}), 0);
     EXPECT_THAT(run.output, StartsWith("usage: sample start [--loud] -- PROGRAM [ARGUMENT]...\n"));
     EXPECT_EQ(run.runs, 0);
+}
+
+/// Lines end where the 80th column does; a name that reaches the second column stands alone.
+TEST(CommandLine, WrapsHelp)
+{
+    const std::string word(54, 'x'); // as many as there are behind the 26 columns of names
+    uint32_t number = 5;
+    std::string text;
+    const auto entryOf = [&](std::string_view names, const std::string& help) {
+        const std::string output =
+            runOne({.name = "size",
+                    .help = {},
+                    .options = {{.names = names, .into = &text, .help = help, .value = "N"}}},
+                   {"size", "-h"})
+                .output;
+        const size_t at = output.find("\n\n", output.find("\n\n") + 1) + 2;
+        return output.substr(at, output.find("  -h, --help") - at);
+    };
+    const std::string indent(26, ' ');
+    EXPECT_EQ(entryOf("--size", word), "      --size N            " + word + "\n");
+    EXPECT_EQ(entryOf("--size", word + "x y"), "      --size N            " + word + "x\n" + indent + "y\n");
+    EXPECT_EQ(entryOf("--size", word.substr(2) + " y"),
+              "      --size N            " + word.substr(2) + " y\n");
+    EXPECT_EQ(entryOf("--size", word.substr(1) + " y"),
+              "      --size N            " + word.substr(1) + "\n" + indent + "y\n");
+    EXPECT_EQ(entryOf("--size", word + " a b"),
+              "      --size N            " + word + "\n" + indent + "a b\n");
+    EXPECT_EQ(entryOf("--size9012345678", "help"), "      --size9012345678 N  help\n");
+    EXPECT_EQ(entryOf("--size90123456789", "help"), "      --size90123456789 N\n" + indent + "help\n");
+    text = "this";
+    EXPECT_EQ(entryOf("-s,--size", "help"), "  -s, --size N            help (else this)\n");
+    const Command command = {.name = "size",
+                             .help = {},
+                             .options = {{.names = "--n", .into = &number, .help = "So many", .value = "N"}}};
+    EXPECT_THAT(runOne(command, {"size", "-h"}).output,
+                testing::HasSubstr("\n      --n N               So many (else 5)\n"));
 }
 
 /// What is offered behind these words; the last one is being typed.
@@ -303,6 +475,30 @@ TEST(Completion, OffersOneOfSeveralWordsAfterTheOther)
     EXPECT_THAT(offersFor({"list", "drives", "-c", "+s"}), ElementsAre("parts", "+serial"));
     EXPECT_THAT(offersFor({"list", "drives", "-c", "id,"}),
                 ElementsAre("parts", "id,serial", "id,drives_size"));
+    EXPECT_THAT(offersFor({"list", "drives", "-c", "serial,-i"}), ElementsAre("parts", "serial,-id"));
+    EXPECT_THAT(offersFor({"list", "drives", "-c", "id,serial,"}),
+                ElementsAre("parts", "id,serial,drives_size"));
+    EXPECT_THAT(offersFor({"list", "drives", "-c", "x+"}), ElementsAre("parts"));
+    EXPECT_THAT(offersFor({"list", "drives", "--columns=id,s"}), ElementsAre("parts", "--columns=id,serial"));
+    EXPECT_THAT(offersFor({"list", "drives", "--columns=id,serial,"}),
+                ElementsAre("parts", "--columns=id,serial,drives_size"));
+}
+
+/// Behind a tabulator stands what a word means, where there is something to say.
+TEST(Completion, TellsWhatWordsMean)
+{
+    const auto offered = [](std::vector<std::string> words) {
+        Sample run;
+        words.insert(words.begin(), {"complete", "--"});
+        EXPECT_EQ(run(words), 0);
+        return run.output;
+    };
+    EXPECT_EQ(offered({"st"}), "words\nstart\tStart a program\n");
+    EXPECT_EQ(offered({"--v"}), "words\n--version\n");
+    EXPECT_EQ(offered({"start", "-"}), "words\n--loud\tLouder\n--help\tThis help\n--\tThe program follows\n");
+    EXPECT_EQ(offered({"list", "--color", "al"}), "words\nalways\n");
+    EXPECT_EQ(offered({"list", "ra"}), "words\nracks\n");
+    EXPECT_EQ(offered({"list", "racks", "-c", "-se"}), "parts\n-serial\n");
 }
 
 TEST(Completion, LeavesPathsToTheShell)
@@ -316,6 +512,13 @@ TEST(Completion, LeavesPathsToTheShell)
     EXPECT_THAT(offersFor({"start", "--", ""}), ElementsAre("programs"));
     EXPECT_THAT(offersFor({"start", "--", "ls", "-"}), ElementsAre("files"));
     EXPECT_THAT(offersFor({"nothing", "such"}), ElementsAre("words"));
+    EXPECT_THAT(offersFor({"list", "drives", "--by", ""}),
+                ElementsAre("parts", "id", "serial", "drives_size"));
+    EXPECT_THAT(offersFor({"list", "drives", "--by", "--lo"}), ElementsAre("words", "--loud"));
+    EXPECT_THAT(offersFor({"list", "--user", "x", "--lo"}), ElementsAre("words", "--loud"));
+    EXPECT_THAT(offersFor({"list", "-l", "ra"}), ElementsAre("words", "racks"));
+    EXPECT_THAT(offersFor({"list", "-", ""}), ElementsAre("files")); // one that is named "-"
+    EXPECT_THAT(offersFor({"start", ""}), ElementsAre("words"));
 }
 
 TEST(Nearest, IsAWordWithFewMistakesOrTheStartOfOne)
@@ -328,8 +531,42 @@ TEST(Nearest, IsAWordWithFewMistakesOrTheStartOfOne)
     EXPECT_EQ(nearest("explian", words), "explain");
     EXPECT_EQ(nearest("LIST", words), "list");
     EXPECT_EQ(nearest("drives", words), "");
+    EXPECT_EQ(nearest("li", words), ""); // two letters may be anything
+    EXPECT_EQ(nearest("lis", words), "list");
     EXPECT_EQ(nearest("", words), "");
     EXPECT_EQ(nearest(std::string(1'000'000, 'l'), words), "");
+}
+
+TEST(Nearest, ALongerWordMayHaveMoreMistakes)
+{
+    struct Case {
+        std::string typed;
+        std::string known;
+        bool near;
+    };
+    const std::string longest(64, 'x');
+    const std::vector<Case> cases = {
+        {"abc", "axy", true},                                      // two of three letters
+        {"abc", "xyz", false},        {"abcde", "abxy", false},    // three
+        {"abcdef", "abcxyz", true},   {"abcdef", "abwxyz", false}, // four
+        {"abc", "cb", false},                                      // nothing of it is left
+        {"abcd", "badc", true},                                    // two pairs swapped
+        {"abcdefg", "badcfeg", true}, {"abcd", "xabc", true},      // one put in, one left out
+        {"AZa", "aza", true},         {longest, longest + "y", true}, {longest + "x", longest + "y", false},
+    };
+    for (const Case& one : cases)
+        EXPECT_EQ(nearest(one.typed, {one.known}), one.near ? one.known : "") << one.typed;
+}
+
+TEST(Nearest, TheFirstOfTheNearestIsMeant)
+{
+    EXPECT_EQ(nearest("rack", {"rock", "ruck"}), "rock");
+    EXPECT_EQ(nearest("rack", {"rook", "ruck"}), "ruck");
+    EXPECT_EQ(nearest("rack", {"back", "racks"}), "racks"); // what was begun is nearer than any mistake
+    EXPECT_EQ(nearest("AZA", {"xzx", "aza"}), "aza");
+    EXPECT_EQ(nearest("aza", {"XZX", "AZA"}), "AZA");
+    EXPECT_EQ(didYouMean("rack", {"racks"}), ": did you mean \"racks\"?");
+    EXPECT_EQ(didYouMean("rack", {"drives"}), "");
 }
 
 } // namespace

@@ -79,6 +79,20 @@ TEST_F(WholeFileTest, OnAFullDiskLeavesWhatWasThere)
     EXPECT_EQ(entries(), 1U);
 }
 
+TEST_F(WholeFileTest, TwoForOnePlaceAreTwoFiles)
+{
+    WholeFile first(path);
+    WholeFile second(path);
+    EXPECT_EQ(entries(), 2U);
+    first.write("first");
+    second.write("second");
+    first.putInPlace();
+    EXPECT_EQ(textOf(path), "first");
+    second.putInPlace();
+    EXPECT_EQ(textOf(path), "second");
+    EXPECT_EQ(entries(), 1U);
+}
+
 TEST_F(WholeFileTest, HasTheModeOfTheFileInItsPlace)
 {
     const mode_t mask = umask(022);
