@@ -142,7 +142,7 @@ json oneHandleFewer(const Recording&, const Recorded& recorded)
     return answer({{{"handles", recorded.call.handles - 1}}});
 }
 
-std::vector<ClientWay> ways()
+std::vector<ClientWay> clientWays()
 {
     constexpr size_t all = 1000;
     return {
@@ -240,7 +240,7 @@ std::vector<Plan> planClient(const Options& options)
     std::vector<Plan> plans;
     for (const std::string facility : {"facility", "small"}) {
         const Shared recording = record(facility + ".json");
-        for (const ClientWay& way : ways()) {
+        for (const ClientWay& way : clientWays()) {
             addPlans(plans, facility + ".", recording, way);
         }
     }

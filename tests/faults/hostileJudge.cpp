@@ -220,7 +220,7 @@ json standInFacility(json facility)
 }
 
 /// What was asked and what came of it, without the values.
-Texts callsOf(const Result& result)
+Texts callTexts(const Result& result)
 {
     Texts calls;
     for (const json& line : result.journal) {
@@ -310,7 +310,7 @@ void compareWithTwin(const Plan& plan, const Result& result, Findings& findings)
     twin.facility = [&result] { return standInFacility(result.facility); };
     const Result quiet = runOnce(twin);
     judgeShape(quiet, findings);
-    if (callsOf(quiet) != callsOf(result)) {
+    if (callTexts(quiet) != callTexts(result)) {
         if (!reachSelections(quiet)) broken(findings, "characters in values change what is asked");
     } else if (quiet.document.has_value() != result.document.has_value()) {
         broken(findings, "characters in values decide whether there is a document");

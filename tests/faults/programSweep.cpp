@@ -94,7 +94,7 @@ std::string binary()
     return output + "\u00ff\u0080\U0010ffff" + output + "\n" + output + "\n";
 }
 
-std::vector<ProgramWay> ways(const std::string& usual)
+std::vector<ProgramWay> programWays(const std::string& usual)
 {
     return {
         {.name = "fails", .status = 1},
@@ -145,7 +145,7 @@ std::vector<Plan> planProgram(const Options& options)
 {
     std::vector<Plan> plans;
     for (const Scene& scene : scenes()) {
-        for (const ProgramWay& way : ways(usualOutput(scene.program))) {
+        for (const ProgramWay& way : programWays(usualOutput(scene.program))) {
             for (size_t number = 1; number <= scene.calls; ++number) {
                 for (const bool once : {true, false}) {
                     const std::string name = scene.name + scene.program + "." + way.name +

@@ -35,7 +35,7 @@ struct SystemWay {
     bool onward = true; ///< can last
 };
 
-constexpr SystemWay ways[] = {
+constexpr SystemWay systemWays[] = {
     {.call = "malloc", .error = ENOMEM},
     {.call = "calloc", .error = ENOMEM},
     {.call = "realloc", .error = ENOMEM},
@@ -629,7 +629,7 @@ std::vector<Plan> planSystem(const Options& options)
     std::vector<Plan> others;
     for (const Setup& setup : setups) {
         const Case run{.home = home, .ground = groundOf(home, setup), .name = {}};
-        for (const SystemWay& way : ways)
+        for (const SystemWay& way : systemWays)
             addWay(&setup == std::begin(setups) ? plans : others, run, way, isFull);
     }
     if (!isFull) others = thinned(std::move(others), fewRuns);

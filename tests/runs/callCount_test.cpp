@@ -72,8 +72,6 @@ constexpr long commandsOfARun =
 constexpr long outputsOfARun = 7; ///< all but chown's
 const std::string commandOutput = "/var/brisk/log/tmp.7ABCD12";
 
-} // namespace
-
 TEST_F(CallCount, ofATraceLineIsFour)
 {
     const long lines = static_cast<long>(readTrace(traceFile(root(), mtms)).size());
@@ -117,4 +115,5 @@ TEST_F(CallCount, readsTheTimeZoneOnce)
     EXPECT_LE(count("/etc/localtime"), 1) << "the time zone is read once, not for every line";
 }
 
+} // namespace
 } // namespace kordTest
