@@ -506,6 +506,8 @@ TEST(Completion, LeavesPathsToTheShell)
     EXPECT_THAT(offersFor({"list", "drives", ""}), ElementsAre("files"));
     EXPECT_THAT(offersFor({"list", "drives", "a", "b"}), ElementsAre("files"));
     EXPECT_THAT(offersFor({"list", "drives", "--", "--x"}), ElementsAre("files"));
+    EXPECT_THAT(offersFor({"list", "--", "r"}), ElementsAre("words", "racks"));
+    EXPECT_THAT(offersFor({"list", "--", "drives", "r"}), ElementsAre("files"));
     EXPECT_THAT(offersFor({"list", "--root", "x"}), ElementsAre("folders"));
     EXPECT_THAT(offersFor({"list", "--user", ""}), ElementsAre("words"));
     EXPECT_THAT(offersFor({"start", "--"}), ElementsAre("words", "--loud", "--help", "--"));

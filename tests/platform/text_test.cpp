@@ -4,6 +4,7 @@
 
 #include "platform/utf8.h"
 
+#include <clocale>
 #include <cstdio>
 #include <gtest/gtest.h>
 #include <vector>
@@ -87,6 +88,7 @@ TEST(Text, CountsTheColumnsOfATerminal)
     EXPECT_EQ(widthOf("\xFFä\xE2\x82"), 3U); // a byte that is no character, and a cut one
     EXPECT_EQ(widthOf("ä\x1b"), 2U);         // one that has no width of its own
     EXPECT_EQ(widthOf(""), 0U);
+    EXPECT_EQ(uselocale(nullptr), LC_GLOBAL_LOCALE); // the caller's own, as before
 }
 
 TEST(Text, CutsBetweenCharacters)
