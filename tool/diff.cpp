@@ -6,7 +6,9 @@
 
 #include "document/diff.h"
 #include "document/kindList.h"
+#include "document/page.h"
 #include "document/report.h"
+#include "platform/wholeFile.h"
 
 #include <memory>
 #include <string>
@@ -27,6 +29,7 @@ struct Options {
     bool summary = false;
     bool grouped = false;
     bool json = false;
+    std::string page;
 };
 
 document::KindSet kindSetOf(const std::string& word)
@@ -50,7 +53,9 @@ int diff(const Options& options, Output& output)
     }
     const auto write = [&](std::string_view text) { output.write(text); };
     const bool many = output.isTerminal() && changes.found.size() > manyForATerminal;
-    if (options.json && options.summary)
+    if (!options.page.empty())
+        platform::writeWhole(options.page, document::page(changes));
+    else if (options.json && options.summary)
         writeJsonSummary(changes, write);
     else if (options.json)
         writeJson(changes, write);
@@ -83,7 +88,12 @@ platform::Command diffCommand()
                       .into = &options->grouped,
                       .help = "Print identical changes as one line with their count, as more than 20 are on "
                               "a terminal"},
-                     {.names = "--json", .into = &options->json, .help = "Print JSON"}}},
+                     {.names = "--json", .into = &options->json, .help = "Print JSON"},
+                     {.names = "--html",
+                      .into = &options->page,
+                      .help =
+                          "Write them as a page for a browser: the newer document, drawn with its changes",
+                      .value = "PAGE"}}},
         [options](Output& output) { return diff(*options, output); });
 }
 

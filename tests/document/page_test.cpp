@@ -1,8 +1,12 @@
-// The page as text; tests/document/browser_test.py opens it in a browser.
+// The page as text; tests/tool/browser_test.py opens it in a browser.
 
+#include "document/json.h"
 #include "document/page.h"
+#include "document/reader.h"
+#include "document/rows.h"
 #include "writing.h"
 
+#include <cmath>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
@@ -12,6 +16,11 @@ namespace
 {
 
 using namespace kordTest;
+using document::Document;
+using document::Kind;
+using nlohmann::json;
+
+const std::string expectedDocuments = std::string(KORD_SOURCE_DIR) + "/tests/runs/expected/";
 
 const std::string dataStart = R"(<script type="application/json" id="data">)";
 
@@ -30,21 +39,294 @@ size_t count(const std::string& text, const std::string& part)
     return found;
 }
 
-TEST(Page, HoldsTheDocumentAsData)
+/// Reads the data as the page's script does.
+class PageReader
 {
-    const auto data = nlohmann::json::parse(dataOf(
-        document::page(parse(ofEnclosures(resource("Quay", "Q", property("PN", "Part Number", "P1")))))));
-    const auto text = [&](const nlohmann::json& index) { return data["texts"][index.get<size_t>()]; };
-    const auto& part = data["system"][6][0];
-    EXPECT_EQ(data["kinds"][part[0].get<size_t>()][0], "console");
-    EXPECT_EQ(text(part[1]), "Enclosures");
-    EXPECT_EQ(text(part[2]), "Quay");
-    EXPECT_EQ(text(part[3]), "Q");
-    const auto& shape = data["shapes"][part[4].get<size_t>()];
-    ASSERT_EQ(shape.size(), 1U);
-    EXPECT_EQ(text(shape[0][0]), "PN");
-    EXPECT_EQ(text(shape[0][1]), "Part Number");
-    EXPECT_EQ(text(part[5][0]), "P1");
+public:
+    explicit PageReader(const std::string& page) : data(json::parse(dataOf(page)))
+    {
+        for (const json& kind : data["kinds"]) {
+            for (size_t row = 0; row < kind["rows"]; ++row)
+                parts.push_back({&kind, row});
+        }
+    }
+
+    [[nodiscard]] size_t first(const std::string& word) const
+    {
+        size_t part = 0;
+        while (kind(part)["word"] != word)
+            ++part;
+        return part;
+    }
+
+    [[nodiscard]] size_t count() const { return parts.size(); }
+    [[nodiscard]] const json& kind(size_t part) const { return *parts.at(part).first; }
+    [[nodiscard]] bool isOld(size_t part) const
+    {
+        return parts.at(part).second >= kind(part)["rows"].get<size_t>() - kind(part)["old"].get<size_t>();
+    }
+
+    [[nodiscard]] json own(size_t part, const std::string& name) const
+    {
+        return cell(kind(part)[name], parts.at(part).second);
+    }
+
+    [[nodiscard]] json value(size_t part, const std::string& name) const
+    {
+        return cell(kind(part)["values"][column(part, name)], parts.at(part).second);
+    }
+
+    [[nodiscard]] std::string id(size_t part) const { return text(part, own(part, "id")); }
+
+    [[nodiscard]] std::vector<std::vector<std::string>> properties(size_t part) const
+    {
+        std::vector<std::vector<std::string>> list;
+        for (const json& property : data["shapes"][own(part, "shape").get<size_t>()])
+            list.push_back({property[0], property[1], text(part, property[2])});
+        return list;
+    }
+
+    json data;
+
+private:
+    [[nodiscard]] size_t column(size_t part, const std::string& name) const
+    {
+        size_t at = 0;
+        while (kind(part)["columns"][at][0] != name)
+            ++at;
+        return at;
+    }
+
+    static json cell(const json& column, size_t row)
+    {
+        const json& values = column[0];
+        const std::string digits = column[1];
+        if (values.size() == 1) return values[0];
+        if (digits.empty()) return values[row];
+        size_t width = 1;
+        for (size_t most = 64; most < values.size(); most *= 64)
+            ++width;
+        size_t index = 0;
+        for (const char digit : digits.substr(row * width, width))
+            index = index * 64 + alphabet.find(digit);
+        return values[index];
+    }
+
+    [[nodiscard]] std::string text(size_t part, const json& pattern) const
+    {
+        std::string text;
+        for (const json& piece : data["patterns"][pattern.get<size_t>()]) {
+            if (piece.is_string())
+                text += piece.get<std::string>();
+            else if (piece == -1)
+                text += id(own(part, "parent"));
+            else if (piece == -2)
+                text += id(part);
+            else if (piece == -3)
+                text += own(part, "name");
+            else
+                text += textOf(cell(kind(part)["values"][piece.get<size_t>()], parts.at(part).second));
+        }
+        return text;
+    }
+
+    static std::string textOf(const json& value)
+    {
+        return value.is_string() ? value.get<std::string>() : value.dump();
+    }
+
+    static constexpr std::string_view alphabet =
+        "0123456789ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz-_";
+    std::vector<std::pair<const json*, size_t>> parts;
+};
+
+/// As JSON carries it.
+std::string inUtf8(std::string_view text)
+{
+    return json::parse(document::quote(text));
+}
+
+/// Every identifier and every property that the page tells are those of the document.
+void expectTheDocument(const Document& document)
+{
+    const PageReader page(document::page(document));
+    size_t part = 0;
+    for (const document::KindRow& row : document::kinds) {
+        if (row.kind == Kind::enclosurePartition) continue;
+        for (const document::Row& expected : document::rowsOf(document, std::vector{row.kind})) {
+            ASSERT_LT(part, page.count());
+            ASSERT_EQ(page.kind(part)["singular"], row.singular);
+            const bool host = row.kind == Kind::host;
+            ASSERT_EQ(page.id(part), inUtf8(host ? expected.host.description : expected.part->id));
+            ASSERT_EQ(page.own(part, "listed"), expected.also.size() + 1);
+            std::vector<std::vector<std::string>> properties;
+            for (const document::Property& property : expected.part->properties)
+                properties.push_back(
+                    {inUtf8(property.code()), inUtf8(property.label()), inUtf8(property.value)});
+            if (!host) {
+                ASSERT_EQ(page.properties(part), properties) << page.id(part);
+            }
+            ++part;
+        }
+    }
+    EXPECT_EQ(part, page.count());
+}
+
+TEST(Page, TellsEveryIdentifierAndPropertyOfTheDocument)
+{
+    for (const std::string name : {"facility", "small"})
+        expectTheDocument(document::readFile(expectedDocuments + name + ".xml"));
+    const std::string shelf = "U1.AB1";
+    const auto odd = [&](const std::string& id, const std::string& space) {
+        return resource("OSK Physical Disk Drive", id,
+                        property("R2", "Rack", "007") + property("SN", "Serial Number", "007") +
+                            property("PN", "Part Number", "007") + property("DP", "Disk", space) +
+                            property("XX", "", "") + property("YL", "Place", id));
+    };
+    expectTheDocument(parse(ofEnclosures(enclosure(
+        {.id = shelf, .serial = "1", .location = "R-1"},
+        odd(shelf + "-D007",
+            "DI=,DM=a,b,DC=0146MB,DR=-0,DS=9223372036854775807,AS=1,AP=1,IT=x,ST=9007199254740993") +
+            odd("-D1", "DI=DI=,DM=\xFF\xE2,DC=1GB") + odd("elsewhere-D1-D2", "") + odd("", "DI=1")))));
+}
+
+TEST(Page, TellsColumnsAndWhatIsAroundAPart)
+{
+    const PageReader page(document::page(document::readFile(expectedDocuments + "facility.xml")));
+    const size_t drive = page.first("drive");
+    EXPECT_EQ(page.value(drive, "rack"), 1);
+    EXPECT_EQ(page.value(drive, "slot"), 1);
+    EXPECT_EQ(page.value(drive, "firmware"), "T0A4");
+    EXPECT_EQ(page.value(drive, "capacity_mb"), 73400);
+    EXPECT_EQ(page.value(drive, "partitions"), json::array({"9999-B2C-7ABCD12-1"}));
+    EXPECT_EQ(page.id(page.own(drive, "parent")), "U1234.5X6.AB100001");
+    EXPECT_EQ(page.kind(page.own(drive, "parent"))["word"], "storageEnclosure");
+    EXPECT_EQ(page.own(page.first("system"), "parent"), -1);
+    EXPECT_EQ(page.data["changes"], nullptr);
+}
+
+/// Drives that differ in what real drives differ in.
+std::string drives(size_t count)
+{
+    std::string text;
+    for (size_t shelf = 0; shelf * 250 < count; ++shelf) {
+        const std::string id = "U1234.5X6.AB" + std::to_string(100'000 + shelf);
+        std::string inside;
+        for (size_t slot = 1; slot <= std::min<size_t>(250, count - shelf * 250); ++slot)
+            inside += drive(id, {.slot = "-P1-D" + std::to_string(slot),
+                                 .serial = "WK" + std::to_string(10'000'000 + shelf * 250 + slot)});
+        text += enclosure(
+            {.id = id, .serial = std::to_string(shelf), .location = "R-" + std::to_string(shelf)}, inside);
+    }
+    return ofEnclosures(text);
+}
+
+TEST(Page, IsAtMost120BytesForADrive)
+{
+    constexpr size_t count = 10'000;
+    const size_t empty = document::page(parse(ofEnclosures(""))).size();
+    const size_t full = document::page(parse(drives(count))).size();
+    EXPECT_GT(full, empty + count * 10); // their serial numbers alone
+    EXPECT_LE(full, empty + count * 120);
+}
+
+/// Enclosures in a document that lacks nothing.
+Document complete(const std::string& enclosures)
+{
+    return parse(
+        ofSystem(list("Enclosures", enclosures) + list("Partitions", resource("Tarn01", "SYSTEM-1-1", ""))));
+}
+
+TEST(Page, OfTwoDocumentsTellsWhatIsGone)
+{
+    const auto shelf = [](const std::string& inside) {
+        return complete(enclosure({.id = "U1", .serial = "1", .location = "R-1"}, inside));
+    };
+    const std::string stays = drive("U1", {.slot = "-D1", .serial = "A"});
+    const Document before = shelf(stays + drive("U1", {.slot = "-D2", .serial = "B"}));
+    const Document after = shelf(stays + drive("U1", {.slot = "-D3", .serial = "C"}));
+    const PageReader page(document::page(document::diff(before, after)));
+    const size_t first = page.first("drive");
+    EXPECT_EQ(page.kind(first)["rows"], 3);
+    EXPECT_EQ(page.kind(first)["old"], 1);
+    EXPECT_EQ(page.id(first + 1), "U1-D3");
+    EXPECT_FALSE(page.isOld(first + 1));
+    EXPECT_EQ(page.id(first + 2), "U1-D2");
+    EXPECT_TRUE(page.isOld(first + 2));
+    EXPECT_EQ(page.value(first + 2, "serial"), "B");
+    EXPECT_EQ(page.id(page.own(first + 2, "parent")), "U1");
+    std::map<std::string, std::string> changes;
+    for (const json& change : page.data["changes"]["changes"])
+        changes[change["change"]] = change["id"];
+    EXPECT_EQ(changes, (std::map<std::string, std::string>{{"added", "U1-D3"}, {"removed", "U1-D2"}}));
+}
+
+TEST(Page, OfTwoDocumentsTellsAWholeEnclosureThatIsGone)
+{
+    const std::string gone = enclosure({.id = "U2", .serial = "2", .location = "R-2"},
+                                       drive("U2", {.slot = "-D1", .serial = "B"}));
+    const Document before = complete(enclosure({.id = "U1", .serial = "1", .location = "R-1"}, "") + gone);
+    const Document after = complete(enclosure({.id = "U1", .serial = "1", .location = "R-1"}, ""));
+    const PageReader page(document::page(document::diff(before, after)));
+    const size_t drive = page.first("drive");
+    EXPECT_TRUE(page.isOld(drive));
+    EXPECT_EQ(page.id(drive), "U2-D1");
+    EXPECT_TRUE(page.isOld(page.own(drive, "parent")));
+    EXPECT_EQ(page.id(page.own(drive, "parent")), "U2");
+}
+
+// --- Colours
+
+using Colours = std::map<std::string, std::string>;
+
+/// The colours of the page's style, those for the dark in the second.
+std::pair<Colours, Colours> coloursOf(const std::string& page)
+{
+    std::pair<Colours, Colours> colours;
+    const size_t dark = page.find("prefers-color-scheme: dark");
+    const std::regex pattern("--([a-z0-9-]+): #([0-9a-f]{6});");
+    for (std::sregex_iterator at(page.begin(), page.end(), pattern); at != std::sregex_iterator(); ++at) {
+        const bool isDark = static_cast<size_t>(at->position()) > dark;
+        (isDark ? colours.second : colours.first)[(*at)[1]] = (*at)[2];
+    }
+    return colours;
+}
+
+/// As the Web Content Accessibility Guidelines compute it.
+double luminance(const std::string& colour)
+{
+    double sum = 0;
+    constexpr std::array weights = {0.2126, 0.7152, 0.0722};
+    for (size_t i = 0; i < weights.size(); ++i) {
+        const double part = std::stoi(colour.substr(2 * i, 2), nullptr, 16) / 255.0;
+        sum += weights.at(i) * (part <= 0.04045 ? part / 12.92 : std::pow((part + 0.055) / 1.055, 2.4));
+    }
+    return sum;
+}
+
+double contrast(const std::string& one, const std::string& other)
+{
+    const double a = luminance(one);
+    const double b = luminance(other);
+    return (std::max(a, b) + 0.05) / (std::min(a, b) + 0.05);
+}
+
+TEST(Page, ColoursStandOutFromWhatIsBehindThem)
+{
+    EXPECT_DOUBLE_EQ(contrast("ffffff", "000000"), 21);
+    const auto [light, dark] = coloursOf(document::page(parse(ofSystem(""))));
+    for (const Colours& colours : {light, dark}) {
+        for (const char* const mark : {"c0", "c1", "c2", "c3", "c4", "c5", "c6", "c7", "rest"}) {
+            EXPECT_GE(contrast(colours.at(mark), colours.at("bay")), 3) << mark;
+            EXPECT_GE(contrast(colours.at(mark), colours.at("paper")), 3) << mark;
+        }
+        for (const char* const text : {"ink", "soft", "accent"}) {
+            for (const char* const ground : {"ground", "paper", "bay"})
+                EXPECT_GE(contrast(colours.at(text), colours.at(ground)), 4.5) << text << " on " << ground;
+        }
+        EXPECT_GE(contrast(colours.at("ink"), colours.at("notice")), 4.5);
+        EXPECT_GE(contrast(colours.at("ink"), colours.at("accent-ground")), 4.5);
+    }
 }
 
 TEST(Page, NoValueBecomesMarkup)

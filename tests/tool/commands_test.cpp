@@ -212,6 +212,18 @@ TEST_F(Commands, ShowWritesAPage)
     EXPECT_THAT(kordTest::readFile(page).value_or(""), testing::EndsWith("</html>\n"));
 }
 
+TEST_F(Commands, DiffWritesAPage)
+{
+    const std::string page = folder.path() / "page.html";
+    const Outcome outcome = run({"diff", "--html", page, expected / "small.xml", expected / "facility.xml"});
+    EXPECT_EQ(outcome.status, 1) << outcome.error;
+    EXPECT_EQ(outcome.output, "");
+    const std::string text = kordTest::readFile(page).value_or("");
+    EXPECT_THAT(text, testing::EndsWith("</html>\n"));
+    EXPECT_THAT(text, testing::HasSubstr("\"change\": \"added\""));
+    EXPECT_EQ(run({"diff", "--html", page, expected / "small.xml", expected / "small.xml"}).status, 0);
+}
+
 TEST_F(Commands, TroubleIsOneLineAndStatus2)
 {
     const std::string bad = write("bad.xml", "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\nno\n");
