@@ -13,7 +13,7 @@ namespace
 
 size_t hashOf(std::initializer_list<std::string_view> texts, size_t hash = 0)
 {
-    constexpr size_t factor = 0x9E3779B97F4A7C15U;
+    constexpr auto factor = static_cast<size_t>(0x9E3779B97F4A7C15U); // of 32 bits, where those are all
     for (const std::string_view text : texts)
         hash = (hash ^ std::hash<std::string_view>{}(text)) * factor;
     return hash;

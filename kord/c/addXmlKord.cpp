@@ -6,6 +6,7 @@
 #include "addTextKord.h"
 #include "addTrcKord.h"
 
+#include <cerrno>
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <sys/time.h>
@@ -115,13 +116,43 @@ int32_t writeAdapter(const kordRec* pKordRec, const char* displayName, const cha
                          }});
 }
 
+bool isSoleFile(const struct stat& status)
+{
+    return S_ISREG(status.st_mode) && status.st_nlink == 1;
+}
+
 /// Makes way for a new document: an empty file of no other name stays, anything else but a folder goes.
-void removeEarlier(const char* path)
+/// Whether nothing has the name now.
+bool removeEarlier(const char* path)
 {
     struct stat status {
     };
-    if (lstat(path, &status) != 0 || S_ISDIR(status.st_mode)) return;
-    if (status.st_size != 0 || status.st_nlink != 1 || !S_ISREG(status.st_mode)) unlink(path);
+    if (lstat(path, &status) != 0) return errno == ENOENT;
+    const bool stays = S_ISDIR(status.st_mode) || (status.st_size == 0 && isSoleFile(status));
+    return !stays && unlink(path) == 0;
+}
+
+bool isSoleNameOf(const char* path, int fd)
+{
+    struct stat opened {
+    };
+    struct stat named {
+    };
+    return fstat(fd, &opened) == 0 && lstat(path, &named) == 0 && isSoleFile(named) &&
+           named.st_ino == opened.st_ino;
+}
+
+/// The empty file of the document, or -1. Whoever can write to the folder may put another file at its name
+/// between two looks: that one is not emptied.
+int openDocument(const char* path)
+{
+    constexpr mode_t defaultMode = 0666;
+    constexpr int flags = O_WRONLY | O_CREAT | O_NOFOLLOW | O_CLOEXEC | O_NOCTTY | O_NONBLOCK;
+    if (removeEarlier(path)) return open(path, flags | O_EXCL, defaultMode);
+    const int fd = open(path, flags, defaultMode);
+    if (fd < 0 || (isSoleNameOf(path, fd) && ftruncate(fd, 0) == 0)) return fd;
+    close(fd);
+    return -1;
 }
 
 // --- What the tables tell
@@ -192,11 +223,7 @@ int32_t startXml(kordRec* pKordRec)
 {
     char path[100];
     formatText(path, "%s/addTarnKord_%s.xml", documentFolder, pKordRec->inputSystemMTMS);
-    removeEarlier(path);
-
-    constexpr mode_t defaultMode = 0666;
-    constexpr int safely = O_NOFOLLOW | O_CLOEXEC | O_NOCTTY | O_NONBLOCK;
-    const int fd = open(path, O_WRONLY | O_CREAT | O_TRUNC | safely, defaultMode);
+    const int fd = openDocument(path);
     FILE* stream = fd >= 0 ? fdopen(fd, "w") : nullptr;
     if (stream == nullptr) {
         if (fd >= 0) close(fd);

@@ -51,6 +51,7 @@ enum class Call {
     fstat,
     statx,
     fchmod,
+    ftruncate,
     lseek,
     read,
     pread,
@@ -74,10 +75,11 @@ enum class Call {
 
 constexpr size_t callCount = static_cast<size_t>(Call::count);
 constexpr std::array<const char*, callCount> callNames = {
-    "malloc",       "calloc", "realloc", "clientMemory", "open",         "stat",        "lstat",
-    "fstat",        "statx",  "fchmod",  "lseek",        "read",         "pread",       "write",
-    "close",        "unlink", "rename",  "fdopen",       "setvbuf",      "streamWrite", "streamClose",
-    "consoleWrite", "system", "time",    "localtime",    "gettimeofday", "errorRecord", "errorMessage"};
+    "malloc", "calloc",    "realloc",      "clientMemory", "open",         "stat",
+    "lstat",  "fstat",     "statx",        "fchmod",       "ftruncate",    "lseek",
+    "read",   "pread",     "write",        "close",        "unlink",       "rename",
+    "fdopen", "setvbuf",   "streamWrite",  "streamClose",  "consoleWrite", "system",
+    "time",   "localtime", "gettimeofday", "errorRecord",  "errorMessage"};
 
 enum class Effect { error, shortCount, end, killed, noShell, lost };
 
@@ -345,6 +347,11 @@ int statx(int folder, const char* path, int flags, unsigned mask, struct statx* 
 int fchmod(int fd, mode_t mode) noexcept
 {
     return fails(Call::fchmod) ? refuse() : NEXT(fchmod)(fd, mode);
+}
+
+int ftruncate(int fd, off_t length) noexcept
+{
+    return fails(Call::ftruncate) ? refuse() : NEXT(ftruncate)(fd, length);
 }
 
 off_t lseek(int fd, off_t offset, int whence) noexcept

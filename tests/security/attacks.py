@@ -28,6 +28,7 @@ DOCUMENT = f"var/adm/stockmere/VPD/addTarnKord_{MTMS}.xml"
 SECRET = "a private file\n"
 LIMIT = 30  # seconds; a run takes a tenth of one
 NOBODY = 65534
+AS_NOBODY = ("setpriv", f"--reuid={NOBODY}", f"--regid={NOBODY}", "--clear-groups", "--no-new-privs")
 
 programs, source = (pathlib.Path(argument).resolve() for argument in sys.argv[1:3])
 wanted = sys.argv[3:]
@@ -269,12 +270,82 @@ def link_at_the_log_in_between():
     return f"{made} of {RACES} runs followed it"
 
 
+def hard_link_at_the_document():
+    for _ in range(RACES):
+        with console_of() as console:
+            def attack(console=console):
+                os.link(console.secret, console.at(DOCUMENT))
+                console.at(DOCUMENT).unlink()
+            with meanwhile(attack):
+                outcome = console.run()
+            require(outcome[0] == 3, f"status {outcome[0]}")
+            console.require_spared()
+
+
+def link_at_the_output():
+    written = 0
+    for _ in range(RACES):
+        with console_of() as console:
+            other = console.at(OUTPUT).parent / "other"
+
+            def attack(console=console, other=other):
+                other.unlink(missing_ok=True)
+                other.symlink_to(console.secret)
+                if console.at(OUTPUT).exists():
+                    other.replace(console.at(OUTPUT))
+            with meanwhile(attack):
+                outcome = console.run()
+            require_end(outcome)
+            written += console.secret.read_text() != SECRET
+    return f"{written} of {RACES} runs wrote through it"
+
+
+PLANTER = """
+import os, sys
+own = sys.argv[1] + "/of-nobody"
+print(flush=True)
+while True:
+    for name in sys.argv[3:]:
+        for plant in (os.symlink, os.link):
+            for step in (lambda: os.unlink(own), lambda: plant(sys.argv[2], own), lambda: os.replace(own, name), lambda: os.unlink(name)):
+                try:
+                    step()
+                except OSError:
+                    pass
+"""
+
+
+def recommended_folders():
+    """In folders with the sticky bit another user gets nothing to the names of a run that is on its way."""
+    with console_of([SESSIONS]) as console:
+        console.folder.chmod(0o755)
+        for place in (LOG, OUTPUT, DOCUMENT):
+            console.at(place).parent.chmod(0o1777)
+        console.at(DOCUMENT).parent.chmod(0o755)
+        names = [console.at(place) for place in (LOG, OUTPUT, DOCUMENT, ERRORS)]
+        planter = [*AS_NOBODY, sys.executable, "-c", PLANTER, console.at(LOG).parent, console.secret, *names]
+        require_success(console, console.run())  # the log is there
+        with subprocess.Popen(planter, stdout=subprocess.PIPE) as attack:
+            attack.stdout.readline()
+            try:
+                for _ in range(RACES):
+                    outcome = console.run()
+                    require(outcome[:2] == (3, SUCCESS), f"it ends with {outcome}")
+                    console.require_spared()
+            finally:
+                attack.kill()
+
+
 def race_attacks():
+    yield "a private file's second name put at the document's name, again and again", hard_link_at_the_document
     yield "a file put in the place of a command's output, again and again", replaced_output
+    if os.geteuid() == 0:
+        yield "links of another user in the recommended folders, again and again", recommended_folders
 
 
 def accepted_races():
     yield "a command's output overwritten in place, again and again", overwritten_output
+    yield "a link put at the name of a command's output before the shell opens it", link_at_the_output
     yield "a link put at the log's name between two looks, again and again", link_at_the_log_in_between
 
 
@@ -606,12 +677,11 @@ def try_all(user):
 
 def try_as_nobody():
     """Nothing where the programs cannot be reached by others."""
-    command = ["setpriv", f"--reuid={NOBODY}", f"--regid={NOBODY}", "--clear-groups", "--no-new-privs"]
-    reached = subprocess.run([*command, programs / "kord-console", "--version"], capture_output=True, check=False)
+    reached = subprocess.run([*AS_NOBODY, programs / "kord-console", "--version"], capture_output=True, check=False)
     if shutil.which("setpriv") is None or reached.returncode != 0:
         print("*** NOT TRIED as an ordinary user: the programs lie where nobody else may look. ***")
         return 0
-    return subprocess.run([*command, sys.executable, "-B", __file__, programs, source, *wanted],
+    return subprocess.run([*AS_NOBODY, sys.executable, "-B", __file__, programs, source, *wanted],
                           cwd="/", env={**os.environ, "HOME": "/nonexistent"}, check=False).returncode
 
 

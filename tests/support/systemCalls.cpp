@@ -47,7 +47,11 @@ constexpr Known knownCalls[] = {
     {.number = SYS_vfork, .name = "vfork"},
 #endif
     {.number = SYS_openat, .name = "openat", .path = 1},
+#ifdef SYS_newfstatat
     {.number = SYS_newfstatat, .name = "newfstatat", .path = 1, .descriptor = 0},
+#else
+    {.number = SYS_fstatat64, .name = "fstatat64", .path = 1, .descriptor = 0},
+#endif
     {.number = SYS_statx, .name = "statx", .path = 1, .descriptor = 0},
     {.number = SYS_unlinkat, .name = "unlinkat", .path = 1},
     {.number = SYS_fchmodat, .name = "fchmodat", .path = 1},
