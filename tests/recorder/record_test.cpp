@@ -299,6 +299,47 @@ TEST_F(Recording, VerifiesItself)
     EXPECT_EQ(recorded.outcome.status, 3) << recorded.outcome.error;
 }
 
+/// What ran twice does not repeat itself: the replay is told the program.
+TEST_F(Recording, VerifiesAScriptOfTwoRuns)
+{
+    if (!kordTest::hasNamespaces()) GTEST_SKIP() << "a replay within a run needs namespaces";
+    write(folder / "facility.json", facilityWith("small.json", json::array()).dump());
+    const std::string collect = "\"$0\" -t '" + system0 + "'";
+    const Outcome recorded = kordTest::runOnConsole(
+        {.console = console,
+         .facility = folder / "facility.json",
+         .root = folder / "recorded",
+         .folder = folder,
+         .user = std::nullopt,
+         .program = {kord, "record", "--verify", "-o", recordedFile, "--", "/bin/sh", "-c",
+                     collect + "; " + collect, buildFolder / "bin/addTarnKord"}});
+    EXPECT_EQ(recorded.status, 3) << recorded.error;
+    EXPECT_EQ(recording()["recording"]["command"][0], "sh");
+}
+
+/// An error on a response that the console has, or on one behind them, is told as that error alone: of
+/// queries, enumerations and actions.
+TEST_F(Recording, OfAnErrorTellsTheErrorAlone)
+{
+    const json error = {{"number", 262152}, {"message", "no contact\n"}};
+    json behind = error;
+    behind["response"] = 1;
+    const std::vector<json> rules = {
+        {{"class", "Orvik.TarnQUAY"}, {"error", error}},
+        {{"class", "Orvik.TarnQUAY"}, {"error", behind}},
+        {{"class", "Orvik.TarnVolumeGroup"}, {"error", behind}},
+    };
+    for (const json& rule : rules) {
+        fs::remove_all(folder / "recorded");
+        fs::remove_all(folder / "replay");
+        const Left recorded = record(facilityWith("small.json", json::array({rule})));
+        const json faults = recording()["faults"];
+        ASSERT_EQ(faults.size(), 1U) << rule;
+        EXPECT_EQ(faults[0]["error"], rule["error"]) << faults;
+        expectSame(recorded, replay());
+    }
+}
+
 TEST_F(Recording, OfSeveralFaultsAtOnce)
 {
     user = "brisk";

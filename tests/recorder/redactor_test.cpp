@@ -300,6 +300,134 @@ TEST(Redacted, KeepsThePlacesOfLocationCodes)
     EXPECT_TRUE(code.starts_with("U9999.B2C.") && code.ends_with("-P1-C3-D12")) << code;
 }
 
+/// The one attribute of a response, redacted.
+std::string attributeOf(const char* name, const std::string& value)
+{
+    return redacted({query({part({{name, value}})})})[0]["responses"][0]["attributes"][0][1];
+}
+
+TEST(Redacted, KeepsWhatManyMachinesShare)
+{
+    for (const char* name : {"LParID",
+                             "lparId",
+                             "hslLumenPoolId",
+                             "rackNumber",
+                             "enclosureNumber",
+                             "mmReserve1DesiredMem",
+                             "desiredMem",
+                             "mmReserve2DesiredMem",
+                             "desiredProcs",
+                             "remainingBatteryLife",
+                             "HWModel",
+                             "partNumber",
+                             "CCIN",
+                             "featureCode",
+                             "kyrosFeatureCode",
+                             "diskManufacturer",
+                             "diskInterfaceType",
+                             "deviceType",
+                             "raidType",
+                             "arraySiteConfiguration",
+                             "ecLevel",
+                             "firmwareLevel",
+                             "flashFirmwareLevel",
+                             "runningImageLevel"})
+        EXPECT_EQ(attributeOf(name, "AB-1"), "AB-1") << name;
+    for (const char* name :
+         {"serialNumber", "lparName", "userHostDescription", "Hostname", "ddmname", "other"})
+        EXPECT_NE(attributeOf(name, "AB-1"), "AB-1") << name;
+}
+
+TEST(Redacted, KeepsTheTypeModelOfEveryMtms)
+{
+    for (const char* name : {"storageFacilityMTMS", "managedSystemMTMS", "managedSystem0MTMS",
+                             "managedSystem1MTMS", "storageFacilityImageMTMS", "StorageFacilityImageID",
+                             "rackEnclosureMTMS", "enclosureMTMS", "ActivePeerDomain", "quayLocationCode"}) {
+        for (const char* typeModel : {"9999-B2C*", "9999.B2C.", "9999*B2C*", "AZaz-z09-"}) {
+            const std::string value = attributeOf(name, std::string(typeModel) + "7ABCD12");
+            EXPECT_EQ(value.substr(0, 9), typeModel) << name;
+            EXPECT_NE(value.substr(9), "7ABCD12") << name;
+        }
+    }
+}
+
+/// Eight characters with a separator behind the fourth, and a separator behind them.
+TEST(Redacted, TakesNothingElseForATypeModel)
+{
+    const auto keepsStart = [](const std::string& value) {
+        return attributeOf("storageFacilityMTMS", value).substr(0, 4) == value.substr(0, 4);
+    };
+    EXPECT_TRUE(keepsStart("9999-B2C*7ABCD12"));
+    for (const char* other : {"9999-B2CX7ABCD12", "9999XB2C*7ABCD12", "9999-B-C*7ABCD12", "99-9-B2C*7ABCD12",
+                              "9999-B2:*7ABCD12", "9999-B2@*7ABCD12", "9999-B2[*7ABCD12", "9999-B2`*7ABCD12",
+                              "9999-B2{*7ABCD12", "9999-B2/*7ABCD12", "9999-B2C", "9999-B2C*"})
+        EXPECT_FALSE(keepsStart(other)) << other;
+    EXPECT_TRUE(keepsStart("9999-B2C*7"));
+}
+
+TEST(Redacted, KeepsTheStatesOfASystem)
+{
+    for (const char* state : {"Operating", "operating", "Initializing", "Starting", "Stopping", "Standby",
+                              "Failed", "Error", "Power Off", "Off", "Recovery", "Unknown", "Not Available"})
+        EXPECT_EQ(outputOf("/opt/brisk/bin/qmstat", std::string(state) + "\n"), std::string(state) + "\n");
+    EXPECT_NE(outputOf("/opt/brisk/bin/qmstat", "Resting\n"), "Resting\n");
+    EXPECT_NE(outputOf("whoami", "Standby\n"), "Standby\n");
+}
+
+/// Steps are up to two letters and up to three digits.
+TEST(Redacted, KeepsOnlyPlacesInLocationCodes)
+{
+    const std::string machine = "U9999.B2C.7ABCD12";
+    const auto stays = [&](const std::string& step) {
+        return attributeOf("locationCode", machine + "-P1-" + step).ends_with("-P1-" + step);
+    };
+    for (const char* step : {"P1", "C3", "D12", "AB123", "V1", "12", "P"})
+        EXPECT_TRUE(stays(step)) << step;
+    for (const char* step : {"ABC1", "P1234", "1P", "P1X", "P_1", "NAME"})
+        EXPECT_FALSE(stays(step)) << step;
+    EXPECT_TRUE(attributeOf("locationCode", "9999.B2C.7ABCD12-P1").ends_with("-P1"));
+    EXPECT_TRUE(attributeOf("locationCode", "U9999.B2C.7").starts_with("U9999.B2C."));
+    for (const char* other : {"9999.B2C.", "U9999XB2C.7ABCD12-P1", "U9999.B2CX7ABCD12-P1"})
+        EXPECT_NE(attributeOf("locationCode", other).substr(0, 5), std::string(other).substr(0, 5)) << other;
+    const std::string pattern = "locationCode =? '" + machine + "-P1%'";
+    const std::string selection = redacted({query({}, pattern.c_str())})[0]["selection"];
+    EXPECT_TRUE(selection.starts_with("locationCode =? 'U9999.B2C.")) << selection;
+    EXPECT_TRUE(selection.ends_with("-P1%'")) << selection;
+    EXPECT_EQ(selection.find("7ABCD12"), std::string::npos);
+}
+
+/// In brackets it needs no separator, but then its type is a number.
+TEST(Redacted, KeepsTheTypeModelOfVitalData)
+{
+    const auto stays = [](const std::string& word) {
+        return outputOf("/opt/brisk/bin/qconvpd", "*TM " + word + "\n") == "*TM " + word + "\n";
+    };
+    for (const char* word : {"4821-K7Q", "[4821K7Q]", "-[4821-K7Q]-", "[4821K7Q"})
+        EXPECT_TRUE(stays(word)) << word;
+    for (const char* word : {"4821K7Q", "[482AK7Q]", "[4821K7QX]", "[4821K7]", "[4821K-Q]", "NAMENAME"})
+        EXPECT_FALSE(stays(word)) << word;
+    const std::string other = outputOf("/opt/brisk/bin/qconvpd", "*SE 4821-K7Q\n");
+    EXPECT_TRUE(other.starts_with("*SE ") && other != "*SE 4821-K7Q\n") << other;
+}
+
+TEST(Redacted, KnowsMtmsInTheWordsOfACommand)
+{
+    StandIns standIns;
+    Redactor redactor(standIns);
+    const Texts line = redactor.commandLine({"script", "9999-B2C*7ABCD12", "9999-B2C", "word", "9999-B2C*"});
+    EXPECT_EQ(line[0], "script");
+    EXPECT_EQ(line[1], "9999-B2C*" + standIns.of("7ABCD12"));
+    EXPECT_EQ(line[2], "9999-B2C");
+    EXPECT_EQ(line[3], "word");
+    EXPECT_EQ(line[4], "9999-B2C*");
+    const auto option = [&](const std::string& word) {
+        return redactor.commandLine({"addTarnKord", word, "9999-B2C*7ABCD12"})[1];
+    };
+    EXPECT_EQ(option("-t"), "-t");
+    EXPECT_EQ(option("ab"), "ab");
+    EXPECT_NE(option("abc"), "abc");
+}
+
 TEST(Redacted, KeepsNumbersAndOptions)
 {
     const json drive = part({{"diskCapacity", 73400}, {"arraySites", json::array({1, 2})}});
