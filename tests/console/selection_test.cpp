@@ -164,11 +164,11 @@ TEST(SelectionPattern, ManyWildcardsStayCheap)
     EXPECT_TRUE(matchesPattern(std::string(20000, 'a') + 'b', pattern + 'b'));
 }
 
-struct Malformed {
+struct MalformedText {
     const char* selection;
     int column; ///< where reading it cannot go on
 };
-class MalformedSelection : public testing::TestWithParam<Malformed>
+class MalformedSelection : public testing::TestWithParam<MalformedText>
 {
 };
 
@@ -182,15 +182,17 @@ TEST_P(MalformedSelection, NamesTheColumn)
 
 INSTANTIATE_TEST_SUITE_P(
     All, MalformedSelection,
-    testing::Values(Malformed{"", 1}, Malformed{"   ", 1}, Malformed{"name", 5}, Malformed{"=1", 1},
-                    Malformed{"name=", 6}, Malformed{"name =  ", 7}, Malformed{"name==1", 6},
-                    Malformed{"name=abc", 6}, Malformed{"name=-", 6}, Malformed{"name=?12", 7},
-                    Malformed{"name= ?'x'", 7}, Malformed{"name<1", 5}, Malformed{"9name=1", 1},
-                    Malformed{"name=12b", 8}, Malformed{"a=1 b=2", 5}, Malformed{"a=1 & b=2", 5},
-                    Malformed{"a=1 && ", 7}, Malformed{"a=1 && && b=2", 8}, Malformed{"a=1 | b=2", 5},
-                    Malformed{"(a=1", 5}, Malformed{"a=1)", 4}, Malformed{"()", 2}, Malformed{"a='x", 3},
-                    Malformed{"a=\"x'", 3}, Malformed{"a='x' 'y'", 7}, Malformed{"(a=1)(b=2)", 6},
-                    Malformed{"a=1 and b=2", 5}, Malformed{"!a=1", 1}, Malformed{"a!=1", 2}));
+    testing::Values(MalformedText{"", 1}, MalformedText{"   ", 1}, MalformedText{"name", 5},
+                    MalformedText{"=1", 1}, MalformedText{"name=", 6}, MalformedText{"name =  ", 7},
+                    MalformedText{"name==1", 6}, MalformedText{"name=abc", 6}, MalformedText{"name=-", 6},
+                    MalformedText{"name=?12", 7}, MalformedText{"name= ?'x'", 7}, MalformedText{"name<1", 5},
+                    MalformedText{"9name=1", 1}, MalformedText{"name=12b", 8}, MalformedText{"a=1 b=2", 5},
+                    MalformedText{"a=1 & b=2", 5}, MalformedText{"a=1 && ", 7},
+                    MalformedText{"a=1 && && b=2", 8}, MalformedText{"a=1 | b=2", 5},
+                    MalformedText{"(a=1", 5}, MalformedText{"a=1)", 4}, MalformedText{"()", 2},
+                    MalformedText{"a='x", 3}, MalformedText{"a=\"x'", 3}, MalformedText{"a='x' 'y'", 7},
+                    MalformedText{"(a=1)(b=2)", 6}, MalformedText{"a=1 and b=2", 5}, MalformedText{"!a=1", 1},
+                    MalformedText{"a!=1", 2}));
 
 /// Drives of many enclosures, some lacking an attribute.
 std::string manyDrives()

@@ -40,7 +40,7 @@ Lines changes(const std::string& before, const std::string& after)
     return lines;
 }
 
-const Enclosure first = {.id = "U.AB1", .serial = "AB1", .location = "R-1"};
+const Enclosure firstEnclosure = {.id = "U.AB1", .serial = "AB1", .location = "R-1"};
 const Enclosure second = {.id = "U.AB2", .serial = "AB2", .location = "R-2"};
 
 /// A whole document of enclosures, with the partitions that they name.
@@ -52,7 +52,7 @@ std::string ofMachine(const std::string& enclosures)
 }
 
 /// One enclosure and its drives.
-std::string with(const std::vector<Drive>& drives, const Enclosure& in = first)
+std::string with(const std::vector<Drive>& drives, const Enclosure& in = firstEnclosure)
 {
     std::string content;
     for (const Drive& one : drives)
@@ -192,7 +192,7 @@ TEST(Diff, DrivesThatCameIntoANewEnclosureMoved)
 
 TEST(Diff, AMovedEnclosureIsOneLineAndItsDrivesStay)
 {
-    Enclosure elsewhere = first;
+    Enclosure elsewhere = firstEnclosure;
     elsewhere.location = "R-7";
     EXPECT_EQ(
         changes(ofMachine(with({driveA, driveB})), ofMachine(with({driveA, driveB}, elsewhere))),
@@ -206,7 +206,7 @@ TEST(Diff, AMovedEnclosureIsOneLineAndItsDrivesStay)
 TEST(Diff, AnEnclosureThatTookThePlaceOfAnotherReplacedIt)
 {
     Enclosure spare = second;
-    spare.location = first.location;
+    spare.location = firstEnclosure.location;
     EXPECT_EQ(changes(ofMachine(with({driveA})), ofMachine(with({driveA}, spare))),
               Lines{"replaced  storage enclosure U.AB2 (enclosure 1): Plant of Manufature code and Serial "
                     "Number AB1 -> AB2"});
@@ -215,7 +215,7 @@ TEST(Diff, AnEnclosureThatTookThePlaceOfAnotherReplacedIt)
 /// The same enclosure and drive as two partitions see them.
 std::string seenTwice(Drive drive)
 {
-    Enclosure shared = first;
+    Enclosure shared = firstEnclosure;
     shared.image = "IMAGE-2";
     shared.partition = "2";
     const std::string one = with({drive});
@@ -311,13 +311,13 @@ TEST(Diff, ARenamedPartitionIsAChange)
 
 TEST(Diff, WhatThePartsRepeatOfThePartsAroundThemIsToldOnce)
 {
-    Enclosure other = first;
+    Enclosure other = firstEnclosure;
     other.image = "IMAGE-9";
     const auto card = [](const Enclosure& in) {
         return enclosure(in, resource("Fiber Channel Interface Card", in.id + "-C1",
                                       property("S4", "Storage Facility Image MTMS", in.image)));
     };
-    EXPECT_EQ(changes(ofMachine(card(first)), ofMachine(card(other))),
+    EXPECT_EQ(changes(ofMachine(card(firstEnclosure)), ofMachine(card(other))),
               Lines{"changed   storage enclosure U.AB1 (enclosure 1, serial AB1): Storage Facility Image "
                     "MTMS IMAGE-1 -> IMAGE-9"});
 }

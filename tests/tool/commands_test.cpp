@@ -2,6 +2,7 @@
 
 #include "consoleRun.h"
 #include "jsonSchema.h"
+#include "kordRun.h"
 #include "process.h"
 #include "tempFolder.h"
 
@@ -21,18 +22,13 @@ namespace
 namespace fs = std::filesystem;
 using kordTest::Outcome;
 using nlohmann::json;
+using toolTest::expected;
+using toolTest::kord;
+using toolTest::run;
 
 const std::string console = fs::path(KORD_BUILD_DIR) / "bin/kord-console";
-const std::string kord = fs::path(KORD_BUILD_DIR) / "bin/kord";
-const fs::path expected = fs::path(KORD_SOURCE_DIR) / "tests/runs/expected";
 const std::string facilityFile = fs::path(KORD_SOURCE_DIR) / "console/facilities/facility.json";
 const std::string mtms = "9999-B2C*7ABCD12";
-
-Outcome run(std::vector<std::string> arguments)
-{
-    arguments.insert(arguments.begin(), kord);
-    return kordTest::runProcess({.arguments = arguments, .folder = {}});
-}
 
 class Commands : public testing::Test
 {

@@ -1,6 +1,7 @@
 // kord list, kinds and json as their users call them: files, folders, packed ones, trouble, statuses.
 
 #include "consoleRun.h"
+#include "kordRun.h"
 #include "process.h"
 #include "tempFolder.h"
 
@@ -16,18 +17,13 @@ namespace
 namespace fs = std::filesystem;
 using kordTest::Outcome;
 using nlohmann::json;
+using toolTest::expected;
+using toolTest::kord;
+using toolTest::run;
 using Texts = std::vector<std::string>;
 
-const std::string kord = fs::path(KORD_BUILD_DIR) / "bin/kord";
-const fs::path expected = fs::path(KORD_SOURCE_DIR) / "tests/runs/expected";
 const std::string small = expected / "small.xml";
 const std::string facility = expected / "facility.xml";
-
-Outcome run(Texts arguments)
-{
-    arguments.insert(arguments.begin(), kord);
-    return kordTest::runProcess({.arguments = arguments, .folder = {}});
-}
 
 /// What a command prints that has nothing to complain of.
 std::string printed(const Texts& arguments)
