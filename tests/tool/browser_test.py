@@ -282,6 +282,12 @@ class Search(PageTest):
             return box.top >= 0 && box.bottom <= innerHeight"""))
         browser.press(DOWN, ENTER)
         self.assertNotEqual(browser.text("#details .id"), second)
+        narrow = self.open(width=390, height=844)
+        self.search(narrow, "AB100004-P1-D16")
+        narrow.press(ENTER)
+        self.assertTrue(narrow.run("""const slot = document.querySelector('#slots [aria-current]').getBoundingClientRect();
+            return slot.top >= 0 && slot.bottom <= document.getElementById('details').getBoundingClientRect().top"""))
+        self.picture(narrow, "found-390.png")
         browser.press(UP, UP, UP, ENTER)  # from the third over the first to the last: the table
         self.assertEqual(browser.run("return state.view"), "table")
         self.assert_quiet(browser)
@@ -465,6 +471,7 @@ class Keyboard(PageTest):
 @unittest.skipUnless(AXE, "axe-core is not installed: scripts/browser does that")
 class Accessibility(PageTest):
     VIEWS = {"overview": "", "rack": "at=rack:U1234.5R0.RK000001", "search": "q=drive+rack:1",
+             "found": "at=rack:U1234.5R0.RK000001&q=firmware%3DT0A4", "lit": "at=storageEnclosure:U1234.5X6.AB100001&q=slot%3E14",
              "enclosure": "at=storageEnclosure:U1234.5X6.AB100001&part=drive:U1234.5X6.AB100001-P1-D7",
              "partition": "at=partition:9999-B2C-7ABCD12-1", "table": "view=table&kind=drive&sort=serial"}
 
