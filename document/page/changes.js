@@ -1,7 +1,9 @@
 // --- What happened between two documents
 
 const changeSigns = { added: '+', removed: '−', moved: '→', replaced: '⇄', changed: '≠' };
-const allChanges = data.changes?.changes ?? [];
+/// What was done to the machine comes before what it did to itself.
+const ofWeight = ['replaced', 'removed', 'added', 'moved', 'changed'];
+const allChanges = (data.changes?.changes ?? []).sort((a, b) => ofWeight.indexOf(a.change) - ofWeight.indexOf(b.change));
 
 const changesByPart = (() => {
   const known = new Map();
@@ -45,7 +47,8 @@ function oldAndNew({ label, item, old, new: now, column }) {
 
 function oldPlace(change) {
   const place = ['rack', 'enclosure', 'slot'].flatMap((name) => (change[`old_${name}`] === undefined ? [] : [`${name} ${change[`old_${name}`]}`]));
-  return place.join(', ') || change.from;
+  const text = place.join(', ');
+  return text === '' || change.part < 0 || text === placeOf(change.part) ? change.from : text;
 }
 
 function changeFacts(change) {

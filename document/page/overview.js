@@ -130,7 +130,7 @@ function smallRack(rack, tall) {
 function rackOverview() {
   const most = Math.max(1, ...racksAndNone.map((rack) => enclosuresOf(rack).length));
   const room = Math.max(300, (byElementId('main').clientWidth || innerWidth) - 16);
-  const wide = Math.max(room < 500 ? 64 : 92, Math.min(320, room / Math.max(1, racksAndNone.length) - 14));
+  const wide = Math.max(room < 500 ? 64 : 92, Math.min(300, room / Math.max(1, racksAndNone.length) - 14));
   const lines = Math.ceil(racksAndNone.length / Math.max(1, Math.floor(room / (wide + 14))));
   const gap = 440 / lines / most < 6 ? 1 : 2;
   const tall = Math.max(2, Math.min(34, Math.floor(440 / lines / most) - gap));
