@@ -122,7 +122,6 @@ void Facility::record() const
 {
     collect({"env", "LD_PRELOAD=" + programs_ + "../lib/libkord-bench-recorder.so",
              std::string(recordingVariable) + '=' + folder_ + "recording/calls"});
-    fs::copy_file(folder_ + "root/" + journalName, folder_ + "recording/" + journalName);
     fs::copy_file(folder_ + "root/var/adm/stockmere/VPD/addTarnKord_" + mtms + ".xml",
                   folder_ + "recording/document.xml");
 }

@@ -1,9 +1,9 @@
 // One round of a whole run, on the console: the collector, the floor that replays its recording, and the
-// client calls alone, each measured once.
+// client's calls alone, each measured once.
 //
 //     kord-bench-round TURN MTMS RECORDING
 //
-// RECORDING is a folder with `calls`, `document.xml` and `journal.jsonl`. TURN says which of the three
+// RECORDING is a folder with `calls` and `document.xml`. TURN says which of the three
 // begins. Prints three numbers, in nanoseconds of a process's own user and system time without that of its
 // children: the collector's, the floor's, the client calls'.
 
@@ -50,7 +50,7 @@ struct Round {
 
     [[nodiscard]] double client() const
     {
-        return numberOf(run({programs + "kord-bench-client", recording + "/journal.jsonl"}));
+        return numberOf(run({programs + "kord-bench-floor", recording + "/calls"}));
     }
 
     void clean() const
