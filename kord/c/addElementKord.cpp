@@ -69,14 +69,13 @@ void Element::flush()
 
 const char* nameOf(const Frame& frame, const char* uniqueId)
 {
-    return frame.displayName != nullptr ? frame.displayName : uniqueId;
+    return textOrEmpty(frame.displayName != nullptr ? frame.displayName : uniqueId);
 }
 
-void addResource(Element& element, const char* displayName, const char* uniqueId, Properties properties)
+void addResource(Element& element, std::string_view displayName, std::string_view id, Properties properties)
 {
-    const std::string_view id = textOrEmpty(uniqueId);
     element.add("<Resource displayName=\"");
-    element.add(textOrEmpty(displayName));
+    element.add(displayName);
     element.add("\" uniqueId=\"");
     element.add(id);
     element.add("\">\n");
@@ -111,7 +110,7 @@ int32_t openResource(const kordRec* pKordRec, const Frame& frame, const char* un
 {
     trace(pKordRec, {">>", frame.opened});
     Element element(pKordRec);
-    addResource(element, nameOf(frame, uniqueId), uniqueId, properties);
+    addResource(element, nameOf(frame, uniqueId), textOrEmpty(uniqueId), properties);
     return 0;
 }
 
@@ -124,7 +123,7 @@ int32_t openSubList(const kordRec* pKordRec, const Frame& frame, const char* uni
 {
     openList(pKordRec, {.opened = frame.opened, .displayName = "Enclosures Partitions", .closed = nullptr});
     Element element(pKordRec);
-    addResource(element, nameOf(frame, uniqueId), uniqueId, {});
+    addResource(element, nameOf(frame, uniqueId), textOrEmpty(uniqueId), {});
     return 0;
 }
 
@@ -133,7 +132,7 @@ int32_t closeSubList(const kordRec* pKordRec, const Frame& frame)
     return closeElement(pKordRec, frame, endBoth);
 }
 
-int32_t writeResource(const kordRec* pKordRec, const char* displayName, const char* uniqueId,
+int32_t writeResource(const kordRec* pKordRec, std::string_view displayName, std::string_view uniqueId,
                       std::initializer_list<Properties> groups)
 {
     Element element(pKordRec);

@@ -55,9 +55,13 @@ struct Property {
 };
 using Properties = std::initializer_list<Property>;
 
+inline Property normal(const Label& label, std::string_view value)
+{
+    return {label.normal, value};
+}
 inline Property normal(const Label& label, const char* value)
 {
-    return {label.normal, textOrEmpty(value)};
+    return normal(label, std::string_view(textOrEmpty(value)));
 }
 
 /// Name and display name change places; consumers of these cards expect them so.
@@ -87,7 +91,7 @@ int32_t openSubList(const kordRec* pKordRec, const Frame& frame, const char* uni
 int32_t closeSubList(const kordRec* pKordRec, const Frame& frame);
 
 /// A whole resource, its properties in groups.
-int32_t writeResource(const kordRec* pKordRec, const char* displayName, const char* uniqueId,
+int32_t writeResource(const kordRec* pKordRec, std::string_view displayName, std::string_view uniqueId,
                       std::initializer_list<Properties> groups);
 
 /// A property that stands by itself.

@@ -165,6 +165,8 @@ void clearField(const Attribute& row, void* item)
     const Field field = row.field.of(item);
     if (field.integer != nullptr)
         *field.integer = 0;
+    else if (field.view != nullptr)
+        *field.view = {};
     else
         field.text[0] = '\0';
 }

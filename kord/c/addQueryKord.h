@@ -30,10 +30,11 @@ constexpr uint32_t valeError4000d = 0x4000d;
 
 // --- Attributes: what is requested, and where in the collector's item its value goes.
 
-/// A field of an item: a text of its declared size, or an integer.
+/// A field of an item: a text of its declared size, an integer, or a view of a text.
 struct Field {
     std::span<char> text = {};
     int32_t* integer = nullptr;
+    std::string_view* view = nullptr;
 };
 
 /// A field's place in an item that is handed on as `void*`.
@@ -63,6 +64,20 @@ static constexpr Place fieldOf = {
                 copyText(field, attribute.value.text);
             else
                 field = attribute.value.integer;
+        },
+};
+
+/// The place of a view, for items that are written before their answer is released: of the text in the answer
+/// it takes what a text of that size would.
+template <auto Member, size_t Size>
+static constexpr Place viewOf = {
+    .of = [](void* item) -> Field {
+        return {.view = &(static_cast<decltype(itemWith(Member))*>(item)->*Member)};
+    },
+    .copy =
+        [](void* item, const ValeAttribute& attribute) {
+            const char* text = textOrEmpty(attribute.value.text);
+            static_cast<decltype(itemWith(Member))*>(item)->*Member = {text, strnlen(text, Size - 1)};
         },
 };
 
@@ -376,6 +391,15 @@ void appendInterface(std::span<char> list, int32_t interface);
 /// An attribute reader: a list of interfaces into a text field.
 void readInterfaceList(const kordRec* pKordRec, const ValeAttribute& attribute, Field field);
 
+/// Has the processor fetch a resource's texts while the one before it is written: a large facility's are in
+/// none of its caches. Of a number it fetches what lies at that address, if anything, and nothing comes of
+/// it.
+inline void fetchAhead(const ValeQueryResponse& resource)
+{
+    for (uint32_t i = 0; i < sizeOf(resource); ++i)
+        __builtin_prefetch(resource.attributes[i].value.text);
+}
+
 /// Queries the class and hands every resource, read into one item, to `use`. -1 from it ends the walk.
 template <typename Item, typename Use>
 [[nodiscard]] int32_t forEachItem(kordRec* pKordRec, const Query& query, const Request& request, Use use)
@@ -384,6 +408,7 @@ template <typename Item, typename Use>
         Item item{};
         ItemReader reader{.pKordRec = pKordRec, .query = query};
         for (const ValeQueryResponse& resource : resources) {
+            if (&resource != &resources.back()) fetchAhead(*(&resource + 1));
             reader.read(resource, &item);
             if (use(item) == failed) return failed;
         }

@@ -65,38 +65,21 @@ constexpr Query enclosureQuery = {
 
 // --- Disk drives. A drive that lacks a number repeats the previous drive's.
 
-struct Drive {
-    char locationCode[81];
-    char ecLevel[10];
-    char firmwareLevel[20];
-    char partNumber[8];
-    char serialNumber[20];
-    char ddmName[11];
-    char diskManufacturer[17];
-    int32_t diskCapacity;
-    int32_t diskRPM;
-    int32_t diskInterfaceRate;
-    int32_t arraySite;
-    int32_t arraySitePosition;
-    char diskInterfaceType[9];
-    int32_t serviceState;
-};
-
 constexpr Attribute driveAttributes[] = {
-    {.name = "locationCode", .field = fieldOf<&Drive::locationCode>},
-    {.name = "ecLevel", .field = fieldOf<&Drive::ecLevel>},
-    {.name = "firmwareLevel", .field = fieldOf<&Drive::firmwareLevel>},
-    {.name = "partNumber", .field = fieldOf<&Drive::partNumber>},
-    {.name = "serialNumber", .field = fieldOf<&Drive::serialNumber>},
-    {.name = "ddmname", .field = fieldOf<&Drive::ddmName>},
-    {.name = "diskManufacturer", .field = fieldOf<&Drive::diskManufacturer>},
-    {.name = "diskCapacity", .field = fieldOf<&Drive::diskCapacity>, .kept = true},
-    {.name = "diskRPM", .field = fieldOf<&Drive::diskRPM>, .kept = true},
-    {.name = "diskInterfaceRate", .field = fieldOf<&Drive::diskInterfaceRate>, .kept = true},
-    {.name = "arraySite", .field = fieldOf<&Drive::arraySite>, .kept = true},
-    {.name = "arraySitePosition", .field = fieldOf<&Drive::arraySitePosition>, .kept = true},
-    {.name = "diskInterfaceType", .field = fieldOf<&Drive::diskInterfaceType>},
-    {.name = "serviceState", .field = fieldOf<&Drive::serviceState>, .kept = true},
+    {.name = "locationCode", .field = viewOf<&DriveValues::locationCode, 81>},
+    {.name = "ecLevel", .field = viewOf<&DriveValues::ecLevel, 10>},
+    {.name = "firmwareLevel", .field = viewOf<&DriveValues::firmwareLevel, 20>},
+    {.name = "partNumber", .field = viewOf<&DriveValues::partNumber, 8>},
+    {.name = "serialNumber", .field = viewOf<&DriveValues::serialNumber, 20>},
+    {.name = "ddmname", .field = viewOf<&DriveValues::name, 11>},
+    {.name = "diskManufacturer", .field = viewOf<&DriveValues::manufacturer, 17>},
+    {.name = "diskCapacity", .field = fieldOf<&DriveValues::capacity>, .kept = true},
+    {.name = "diskRPM", .field = fieldOf<&DriveValues::rpm>, .kept = true},
+    {.name = "diskInterfaceRate", .field = fieldOf<&DriveValues::interfaceRate>, .kept = true},
+    {.name = "arraySite", .field = fieldOf<&DriveValues::arraySite>, .kept = true},
+    {.name = "arraySitePosition", .field = fieldOf<&DriveValues::arraySitePosition>, .kept = true},
+    {.name = "diskInterfaceType", .field = viewOf<&DriveValues::interfaceType, 9>},
+    {.name = "serviceState", .field = fieldOf<&DriveValues::serviceState>, .kept = true},
 };
 
 // An enclosure without drives is reported, and the run goes on.
@@ -315,11 +298,9 @@ int32_t queryDDM(kordRec* pKordRec, const char* enclosureMTMS, const char* rackN
     convertStringFromMMToDash(image, StorageFacilityImageMTMS);
     const Request request = requestOf(driveQuery.selection, StorageFacilityImageMTMS, rackNumber,
                                       enclosureMTMS, enclosureNumber, StorageFacilityImageID);
-    return forEachItem<Drive>(pKordRec, driveQuery, request, [&](const Drive& drive) {
-        return writeDDM(pKordRec, drive.locationCode, image, drive.ecLevel, drive.firmwareLevel,
-                        drive.partNumber, drive.serialNumber, drive.ddmName, drive.diskManufacturer,
-                        drive.diskCapacity, drive.diskRPM, drive.diskInterfaceRate, drive.arraySite,
-                        drive.arraySitePosition, drive.diskInterfaceType, drive.serviceState);
+    return forEachItem<DriveValues>(pKordRec, driveQuery, request, [&](DriveValues& drive) {
+        drive.image = image;
+        return writeDrive(pKordRec, drive);
     });
 }
 

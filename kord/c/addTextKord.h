@@ -55,13 +55,14 @@ struct TextRoom {
 };
 
 /// Texts and numbers one after another into the field: a format without the reading of it, for what every
-/// drive has.
+/// drive has. Gives what the field holds.
 template <typename... Pieces>
-void joinText(std::span<char> field, Pieces... pieces)
+std::string_view joinText(std::span<char> field, Pieces... pieces)
 {
     TextRoom room(field);
     (room.add(pieces), ...);
     *room.at = '\0';
+    return {field.data(), room.at};
 }
 
 /// Formatted printing into the field. The arguments may lie outside the field only.

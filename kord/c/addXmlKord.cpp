@@ -85,7 +85,7 @@ RackNumber rackNumberOf(const char* rackText)
 }
 
 /// A whole part of the facility, with its own properties between those that all parts have.
-int32_t writePart(const kordRec* pKordRec, const char* displayName, const char* uniqueId,
+int32_t writePart(const kordRec* pKordRec, std::string_view displayName, std::string_view uniqueId,
                   Properties properties)
 {
     return writeResource(pKordRec, displayName, uniqueId,
@@ -102,7 +102,7 @@ int32_t writeAdapter(const kordRec* pKordRec, const char* displayName, const cha
                      const char* partNumber, const char* serialNumber, const char* ecLevel,
                      const char* firmware, const char* ccin)
 {
-    return writeResource(pKordRec, displayName, locationCode,
+    return writeResource(pKordRec, displayName, textOrEmpty(locationCode),
                          {{
                              normal(imageMTMS, kordpStorageFacilityImageMTMS),
                              reversed(assemblyNumber, partNumber),
@@ -302,7 +302,7 @@ int32_t writeNVC(const kordRec* pKordRec, const char* locationCode_nvc,
                  const char* kordpStorageFacilityImageMTMS, const char* partNumber_nvc,
                  const char* serialNumber_nvc, const char* ecLevel_nvc)
 {
-    writeResource(pKordRec, nvcName, locationCode_nvc,
+    writeResource(pKordRec, nvcName, textOrEmpty(locationCode_nvc),
                   {{
                       normal(imageMTMS, kordpStorageFacilityImageMTMS),
                       reversed(assemblyNumber, partNumber_nvc),
@@ -388,18 +388,38 @@ int32_t writeDDM(const kordRec* pKordRec, const char* locationCode, const char* 
                  int32_t diskCapacity, int32_t diskRPM, int32_t diskInterfaceRate, int32_t arraySite,
                  int32_t arraySitePosition, const char* diskInterfaceType, int32_t serviceState)
 {
+    return writeDrive(pKordRec, {.locationCode = textOrEmpty(locationCode),
+                                 .image = textOrEmpty(kordpStorageFacilityImageMTMS),
+                                 .ecLevel = textOrEmpty(ecLevel),
+                                 .firmwareLevel = textOrEmpty(firmwareLevel),
+                                 .partNumber = textOrEmpty(partNumber),
+                                 .serialNumber = textOrEmpty(serialNumber),
+                                 .name = textOrEmpty(diskName),
+                                 .manufacturer = textOrEmpty(diskManufacturer),
+                                 .interfaceType = textOrEmpty(diskInterfaceType),
+                                 .capacity = diskCapacity,
+                                 .rpm = diskRPM,
+                                 .interfaceRate = diskInterfaceRate,
+                                 .arraySite = arraySite,
+                                 .arraySitePosition = arraySitePosition,
+                                 .serviceState = serviceState});
+}
+
+int32_t writeDrive(const kordRec* pKordRec, const DriveValues& drive)
+{
     char space[500];
-    joinText(space, "DI=", diskName, ",DM=", diskManufacturer, ",DC=", diskCapacity, "MB,DR=", diskRPM,
-             ",DS=", diskInterfaceRate, ",AS=", arraySite, ",AP=", arraySitePosition,
-             ",IT=", diskInterfaceType, ",ST=", serviceState);
-    return writePart(pKordRec, ddmName, locationCode,
+    const std::string_view characteristics =
+        joinText(space, "DI=", drive.name, ",DM=", drive.manufacturer, ",DC=", drive.capacity,
+                 "MB,DR=", drive.rpm, ",DS=", drive.interfaceRate, ",AS=", drive.arraySite,
+                 ",AP=", drive.arraySitePosition, ",IT=", drive.interfaceType, ",ST=", drive.serviceState);
+    return writePart(pKordRec, ddmName, drive.locationCode,
                      {
-                         normal(imageMTMS, kordpStorageFacilityImageMTMS),
-                         normal(ecLevelLabel, ecLevel),
-                         normal(firmwareLevelLabel, firmwareLevel),
-                         normal(partNumberLabel, partNumber),
-                         normal(serialNumberLabel, serialNumber),
-                         normal(diskSpace, space),
+                         normal(imageMTMS, drive.image),
+                         normal(ecLevelLabel, drive.ecLevel),
+                         normal(firmwareLevelLabel, drive.firmwareLevel),
+                         normal(partNumberLabel, drive.partNumber),
+                         normal(serialNumberLabel, drive.serialNumber),
+                         normal(diskSpace, characteristics),
                      });
 }
 
@@ -407,7 +427,7 @@ int32_t writeFCIC(const kordRec* pKordRec, const char* locationCode,
                   const char* kordpStorageFacilityImageMTMS, const char* ecLevel, const char* firmwareLevel,
                   const char* partNumber, const char* serialNumber)
 {
-    return writePart(pKordRec, fcicName, locationCode,
+    return writePart(pKordRec, fcicName, textOrEmpty(locationCode),
                      {
                          normal(imageMTMS, kordpStorageFacilityImageMTMS),
                          normal(ecLevelLabel, ecLevel),
@@ -420,7 +440,7 @@ int32_t writeFCIC(const kordRec* pKordRec, const char* locationCode,
 int32_t writeBaffle(const kordRec* pKordRec, const char* locationCode,
                     const char* kordpStorageFacilityImageMTMS, const char* partNumber)
 {
-    return writePart(pKordRec, baffleName, locationCode,
+    return writePart(pKordRec, baffleName, textOrEmpty(locationCode),
                      {
                          normal(imageMTMS, kordpStorageFacilityImageMTMS),
                          normal(partNumberLabel, partNumber),
@@ -454,7 +474,7 @@ int32_t writePPS(const kordRec* pKordRec, const char* locationCode, const char* 
                  const char* flashFirmwareLevel, const char* partNumber, const char* serialNumber,
                  const char* rackNumber)
 {
-    return writePart(pKordRec, ppsName, locationCode,
+    return writePart(pKordRec, ppsName, textOrEmpty(locationCode),
                      {
                          normal(ecLevelLabel, ecLevel),
                          normal(firmwareLevelLabel, flashFirmwareLevel),
@@ -468,7 +488,7 @@ int32_t writeBattery(const kordRec* pKordRec, const char* locationCode, const ch
                      const char* partNumber, const char* serialNumber, const char* batteryRemainingLife,
                      const char* rackNumber)
 {
-    return writePart(pKordRec, batteryName, locationCode,
+    return writePart(pKordRec, batteryName, textOrEmpty(locationCode),
                      {
                          normal(ecLevelLabel, ecLevel),
                          normal(partNumberLabel, partNumber),
@@ -483,7 +503,7 @@ int32_t writeRPC(const kordRec* pKordRec, const char* locationCode, const char* 
                  const char* kyrosFeatureCode, const char* rackNumber)
 {
     // The firmware level follows the rack number here, unlike in a power supply.
-    return writePart(pKordRec, rpcName, locationCode,
+    return writePart(pKordRec, rpcName, textOrEmpty(locationCode),
                      {
                          normal(ecLevelLabel, ecLevel),
                          normal(partNumberLabel, partNumber),
@@ -497,7 +517,7 @@ int32_t writeRPC(const kordRec* pKordRec, const char* locationCode, const char* 
 int32_t writeFanSense(const kordRec* pKordRec, const char* locationCode, const char* ecLevel,
                       const char* partNumber, const char* serialNumber, const char* rackNumber)
 {
-    return writePart(pKordRec, fanSenseName, locationCode,
+    return writePart(pKordRec, fanSenseName, textOrEmpty(locationCode),
                      {
                          normal(ecLevelLabel, ecLevel),
                          normal(partNumberLabel, partNumber),
@@ -509,7 +529,7 @@ int32_t writeFanSense(const kordRec* pKordRec, const char* locationCode, const c
 int32_t writeFanTray(const kordRec* pKordRec, const char* locationCode, const char* partNumber,
                      const char* rackNumber)
 {
-    return writePart(pKordRec, fanTrayName, locationCode,
+    return writePart(pKordRec, fanTrayName, textOrEmpty(locationCode),
                      {
                          normal(partNumberLabel, partNumber),
                          normal(rackNumberLabel, rackNumberOf(rackNumber).text),

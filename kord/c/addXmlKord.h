@@ -10,6 +10,8 @@
 
 #include "kordRec.h"
 
+#include <string_view>
+
 // --- Frame
 
 /// Creates the document file and puts its stream into `inp`. An earlier document of the name, or a link,
@@ -83,6 +85,26 @@ int32_t writeDDM(const kordRec* pKordRec, const char* locationCode, const char* 
                  const char* serialNumber, const char* ddmName, const char* diskManufacturer,
                  int32_t diskCapacity, int32_t diskRPM, int32_t diskInterfaceRate, int32_t arraySite,
                  int32_t arraySitePosition, const char* diskInterfaceType, int32_t serviceState);
+
+/// The same values where their texts' lengths are known: there are more drives than all else together.
+struct DriveValues {
+    std::string_view locationCode;
+    std::string_view image;
+    std::string_view ecLevel;
+    std::string_view firmwareLevel;
+    std::string_view partNumber;
+    std::string_view serialNumber;
+    std::string_view name;
+    std::string_view manufacturer;
+    std::string_view interfaceType;
+    int32_t capacity;
+    int32_t rpm;
+    int32_t interfaceRate;
+    int32_t arraySite;
+    int32_t arraySitePosition;
+    int32_t serviceState;
+};
+int32_t writeDrive(const kordRec* pKordRec, const DriveValues& drive);
 int32_t openFCIC(const kordRec* pKordRec, const char* locationCode);
 int32_t closeFCIC(const kordRec* pKordRec);
 int32_t writeFCIC(const kordRec* pKordRec, const char* locationCode,
