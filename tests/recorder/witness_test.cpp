@@ -1,0 +1,100 @@
+// The witness: a program that it runs ends and prints as it would alone, and that is on the tape.
+
+#include "consoleRun.h"
+#include "process.h"
+#include "tempFolder.h"
+
+#include <csignal>
+#include <cstdlib>
+#include <fstream>
+#include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
+
+namespace
+{
+
+namespace fs = std::filesystem;
+using nlohmann::json;
+using Texts = std::vector<std::string>;
+
+const fs::path witness = fs::path(KORD_BUILD_DIR) / "libexec/witness";
+
+class Witness : public testing::Test
+{
+protected:
+    kordTest::TempFolder temporary;
+    const fs::path tape = temporary.path() / "tape";
+
+    Witness()
+    {
+        std::ofstream(tape).close();
+        setenv("KORD_CONSOLE_TAPE", tape.c_str(), 1);
+    }
+    ~Witness() override { unsetenv("KORD_CONSOLE_TAPE"); }
+
+    [[nodiscard]] kordTest::Outcome run(Texts command) const
+    {
+        command.insert(command.begin(), witness);
+        return kordTest::runProcess({.arguments = command, .folder = temporary.path()});
+    }
+    [[nodiscard]] std::string heard() const { return kordTest::readFile(tape).value_or("(none)"); }
+};
+
+TEST_F(Witness, TellsHowAProgramEnded)
+{
+    struct Case {
+        Texts command;
+        int status;
+        std::string output;
+        std::string error;
+    };
+    const fs::path noProgram = temporary.path() / "file";
+    std::ofstream(noProgram).close();
+    const std::vector<Case> cases = {
+        {{"printf", "%s\\n", "a b"}, 0, "a b\n", ""},
+        {{"sh", "-c", "printf half; echo error >&2; exit 3"}, 3, "half", "error\n"},
+        {{"sh", "-c", "echo before; kill -TERM $$"}, 128 + SIGTERM, "before\n", ""},
+        {{"sh", "-c", "kill -KILL $$"}, 128 + SIGKILL, "", ""},
+        {{"/no/such", "x"}, 127, "", "/no/such: No such file or directory\n"},
+        {{noProgram}, 126, "", noProgram.string() + ": Permission denied\n"},
+    };
+    for (const Case& one : cases) {
+        std::ofstream(tape).close();
+        const kordTest::Outcome outcome = run(one.command);
+        EXPECT_EQ(outcome.status, one.status) << one.command[0];
+        EXPECT_EQ(outcome.output, one.output);
+        EXPECT_EQ(outcome.error, one.error);
+        const json expected = {{"program", one.command[0]},
+                               {"arguments", Texts(one.command.begin() + 1, one.command.end())},
+                               {"status", one.status},
+                               {"output", one.output}};
+        EXPECT_EQ(heard(), expected.dump() + '\n');
+    }
+}
+
+TEST_F(Witness, PassesOnAnyBytes)
+{
+    const kordTest::Outcome outcome = run({"printf", "\\000\\377\\n\\n"});
+    EXPECT_EQ(outcome.output, std::string("\0\xFF\n\n", 4));
+    EXPECT_EQ(json::parse(heard())["output"], std::string("\0\uFFFD\n\n", 6));
+}
+
+TEST_F(Witness, NeedsAProgram)
+{
+    const kordTest::Outcome outcome = run({});
+    EXPECT_EQ(outcome.status, 126);
+    EXPECT_EQ(outcome.error, witness.string() + ": Invalid argument\n");
+    EXPECT_EQ(heard(), "");
+}
+
+TEST_F(Witness, SaysThatATapeIsFull)
+{
+    setenv("KORD_CONSOLE_TAPE", "/dev/full", 1);
+    const kordTest::Outcome outcome = run({"true"});
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_EQ(outcome.error, "recorder: a call is missing from /dev/full: No space left on device\n");
+    unsetenv("KORD_CONSOLE_TAPE");
+    EXPECT_EQ(run({"true"}).error, "");
+}
+
+} // namespace
