@@ -397,6 +397,160 @@ TEST(Explain, AnEmptySelectionTellsWhatHadBeenMissing)
                 HasSubstr("Orvik.ManagedNode had answered without StorageFacilityImageID"));
 }
 
+/// Lines that show values of an answer: a value that is empty, or a number that stands for none, was missing.
+TEST(Explain, ALineThatShowsNoValueTellsThatItWasMissing)
+{
+    struct Case {
+        std::vector<std::pair<std::string, std::string>> asked;
+        std::string code;
+        std::string empty;
+        std::string whole;
+        std::string className;
+        std::vector<std::string> attributes;
+    };
+    const std::string facility = "storageFacilityMTMS=\"9999-A01*00XY1230\" ";
+    const std::string image = "storageFacilityImageMTMS=\"I\" && ActivePeerDomain=\"D\"";
+    using Lines = std::vector<std::pair<std::string, std::string>>;
+    const Lines enclosures = {
+        {"==>", " queryStorageEnclosure"},
+        {"0315", "storageFacilityImageMTMS=\"I\" && rackNumber=\"R\" && ActivePeerDomain=\"D\" "}};
+    const Lines arrays = {{"==>", " queryArrays"}, {"0681", "  " + image + " "}};
+    const Lines hosts = {{"==>", " queryScsiHostPort"}, {"0677", "  " + image + " "}};
+    const std::vector<Case> cases = {
+        {{{"0010", Log::node}},
+         "0016",
+         " StorageFacilityImageID=, HostName=",
+         " StorageFacilityImageID=I, HostName=H",
+         "Orvik.ManagedNode",
+         {"StorageFacilityImageID", "Hostname"}},
+        {{{"==>", " addCecEnclKord"}},
+         "0118",
+         " locationCode_cec= ",
+         " locationCode_cec=U1 ",
+         "Orvik.TarnCECDrawer",
+         {"locationCode"}},
+        {enclosures, "0319", " 0 ", " 1 3", "Orvik.TarnStorageEnclosure", {"interfaceIdentifier"}},
+        {enclosures,
+         "0320",
+         " RackLocation= , , , 0, ",
+         " RackLocation= , , 1, 0, ",
+         "Orvik.TarnStorageEnclosure",
+         {"enclosureNumber"}},
+        {enclosures,
+         "0321",
+         " enclosureMTMS_stor=  ",
+         " enclosureMTMS_stor= E ",
+         "Orvik.TarnStorageEnclosure",
+         {"enclosureMTMS"}},
+        {{{"==>", " addStorEnclKord"}, {"0322 ", facility}},
+         "0326",
+         " rack , , ",
+         " rack U, R, M",
+         "Orvik.TarnRack",
+         {"locationCode", "rackNumber", "rackEnclosureMTMS"}},
+        {{{"==>", " addStorEnclKord"}, {"0400", facility}},
+         "0404 ",
+         "rackIdentifier=0, , , ",
+         "rackIdentifier=7, U, R, M",
+         "Orvik.TarnRack",
+         {"rackIdentifier", "locationCode", "rackNumber", "rackEnclosureMTMS"}},
+        {{{"==>", " addQuayEnclKord"}},
+         "0504",
+         "quayLocationCode=",
+         "quayLocationCode=4",
+         "Orvik.TarnQUAY",
+         {"quayLocationCode"}},
+        {{{"==>", " enumerateVRMF"}, {"0607", "  locationCode=\"U\" && ActivePeerDomain=\"D\""}},
+         "0614",
+         " vrmf=",
+         " vrmf=5",
+         "Orvik.TarnServerPartition",
+         {"the level"}},
+        {arrays,
+         "0686",
+         "element_count=0, arraySites= ",
+         "element_count=1, arraySites= 1",
+         "Orvik.TarnArray",
+         {"arraySites"}},
+        {arrays,
+         "0687 ",
+         "count= 0, arraySiteConfiguration=",
+         "count= 1, arraySiteConfiguration=6+P",
+         "Orvik.TarnArray",
+         {"arraySiteConfiguration"}},
+        {hosts, "0676", "find , 2", "find a, 2", "Orvik.TarnScsiHostPort", {"userHostDescription"}},
+        {hosts, "0677", " add , 1", " add a, 1", "Orvik.TarnScsiHostPort", {"userHostDescription"}},
+    };
+    for (const Case& one : cases) {
+        const auto missing = [&](const std::string& text) {
+            Log log;
+            log.start().entry("queryPartition").line("0697", "num_contacts =1");
+            for (const auto& [code, asked] : one.asked)
+                log.line(code, asked);
+            log.line(one.code, text);
+            return runIn(log).problems;
+        };
+        EXPECT_THAT(missing(one.whole), IsEmpty()) << one.code;
+        const auto problems = missing(one.empty);
+        ASSERT_THAT(problems, SizeIs(1)) << one.code << one.empty;
+        EXPECT_EQ(problems[0].kind, "valueMissing");
+        EXPECT_EQ(problems[0].severity, Severity::noted);
+        EXPECT_EQ(problems[0].className, one.className);
+        EXPECT_EQ(problems[0].attributes, one.attributes) << one.code;
+    }
+}
+
+TEST(Explain, AFacilityWithoutNodeNameOrPartnerLacksThem)
+{
+    Log log;
+    log.start().line("0109", "wwnn=, server=0 ").line("0109", " partner ");
+    const TracedRun run = runIn(log);
+    ASSERT_THAT(run.problems, SizeIs(2));
+    EXPECT_EQ(run.problems[0].className, "Orvik.TarnStorageFacilitySystem");
+    EXPECT_THAT(run.problems[0].attributes, ElementsAre("storageFacilityWWNN"));
+    EXPECT_EQ(run.problems[1].className, "Orvik.TarnStorageFacility");
+    EXPECT_THAT(run.problems[1].attributes, ElementsAre("the partner's MTMS"));
+}
+
+/// The writers' lines show that an adapter came without its interfaces, and that no console had a place.
+TEST(Explain, EndsOfListsTellWhatHasNotCome)
+{
+    const auto adapters = [](const std::vector<std::string>& interfaces) {
+        Log log;
+        log.checks()
+            .entry("addIoEnclKord")
+            .entry("queryHA")
+            .line("0213", " storageFacilityImageMTMS=\"I\" && locationCode =? 'U%'   ");
+        log.line("0216", " array_cnt_ha=2");
+        for (const std::string& text : interfaces)
+            log.line("0217", " count= " + text);
+        log.line(">>", " closePartitionResources resourcelist");
+        std::vector<std::string> kinds;
+        for (const Problem& problem : runIn(log).problems)
+            kinds.push_back(problem.kind + ' ' + problem.className + ' ' + problem.attributes.front());
+        return kinds;
+    };
+    const std::string none = "valueMissing Orvik.TarnHA interfaceIdentifier";
+    EXPECT_THAT(adapters({"1, 3", "2, 4", "2, 4,1"}), IsEmpty());
+    EXPECT_THAT(adapters({"2, 3", "2, 3,1"}), ElementsAre(none));
+    EXPECT_THAT(adapters({}), ElementsAre(none));
+    const auto consoles = [](bool failed, const std::vector<std::string>& found) {
+        Log log;
+        log.checks().entry("addQuayEnclKord").entry("getQuayFullTM").entry("getQuaySE");
+        if (failed) log.line("0500", "  7, gone").event("addQuayEnclKord", "r");
+        for (const std::string& console : found)
+            log.line("0504", "quayLocationCode=" + console);
+        log.line(">>", " closeEnclosures resourcelist");
+        std::vector<std::string> kinds;
+        for (const Problem& problem : runIn(log).problems)
+            kinds.push_back(problem.kind);
+        return kinds;
+    };
+    EXPECT_THAT(consoles(false, {"4821-K7Q.10ABCDE"}), IsEmpty());
+    EXPECT_THAT(consoles(false, {}), ElementsAre("valueMissing"));
+    EXPECT_THAT(consoles(true, {}), ElementsAre("callFailed"));
+}
+
 // ---- what no line says outright ----
 
 TEST(Explain, AThirdSessionThatNeverOpened)

@@ -132,6 +132,40 @@ TEST(Scanner, KnowsTheHostsWithAndWithoutQuotationMarks)
     EXPECT_EQ(scan(mended).events, scan(raw).events);
 }
 
+TEST(Scanner, AStampIsTwoNumbers)
+{
+    const auto started = [](const std::string& stamp) {
+        std::string text = ofSystem("");
+        text.replace(text.find("1795268463.5"), 12, stamp);
+        try {
+            return scan(text).events.front();
+        } catch (const Malformed&) {
+            return std::string("none");
+        }
+    };
+    for (const char* stamp : {"0.0", "9.9", "1795268463.999999", "00.00"})
+        EXPECT_EQ(started(stamp), std::string("start ") + stamp);
+    for (const char* stamp : {"", ".", "1.", ".1", "1", "1.2.3", "-1.2", "1.x", "x.1", "1 .2", "1.:", "/.1"})
+        EXPECT_EQ(started(stamp), "none") << stamp;
+}
+
+TEST(Scanner, ACodeIsTwoFiguresOrCapitals)
+{
+    const auto found = [](const std::string& code) {
+        return scan(ofEnclosures(resource("of no known kind", "X", property(code, "Label", "v")))).events;
+    };
+    for (const char* code : {"AA", "ZZ", "00", "99", "A0", "9Z"})
+        EXPECT_THAT(found(code), testing::Contains(std::string(code) + "|Label|v"));
+    for (const char* code : {"@A", "[A", "/0", ":0", "aA", "Az", "A", "AAA"})
+        EXPECT_THAT(found(code), testing::Not(testing::Contains(std::string(code) + "|Label|v"))) << code;
+}
+
+TEST(Scanner, ALabelMayBeEmpty)
+{
+    EXPECT_THAT(scan(ofEnclosures(resource("of no known kind", "X", property("SN", "", "v")))).events,
+                testing::Contains("SN||v"));
+}
+
 TEST(Scanner, KnowsTheStylesheetLine)
 {
     std::string text = ofSystem("");
