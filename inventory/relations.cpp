@@ -138,7 +138,8 @@ CREATE UNLOGGED TABLE incoming (line jsonb NOT NULL);
 constexpr Dialect clickhouse = {
     .opening =
         R"(-- The relations of a fleet's inventory for ClickHouse, made from the table of parts: on every server of a cluster
--- that the servers' configuration calls fleet. Rows go to the shard of their system. load-clickhouse fills them.
+-- that the servers' configuration calls fleet. Rows go to the shard of their system. load-clickhouse fills them. Whoever
+-- asks needs a profile with distributed_product_mode = global.
 )",
     .tables = R"(CREATE TABLE snapshot_shard (
     snapshot Int64,
@@ -165,7 +166,7 @@ CREATE TABLE change_shard (
 ) ENGINE = MergeTree ORDER BY (kind, system, time);
 )",
     .latest =
-        R"(CREATE VIEW latest AS SELECT * FROM snapshot WHERE snapshot IN (
+        R"(CREATE VIEW latest AS SELECT * FROM snapshot WHERE snapshot GLOBAL IN (
     SELECT argMax(snapshot, concat(time, toString(complete))) FROM snapshot GROUP BY system);
 )",
     .columnar = true};
@@ -197,11 +198,34 @@ bool isList(Type type)
     return type == Type::texts || type == Type::numbers;
 }
 
+/// The kinds' columns, of one name the first: it says what a table that has them all holds there.
+std::vector<const Column*> columnsOfAllKinds()
+{
+    std::vector<const Column*> columns;
+    for (const KindRow* row : listedKinds()) {
+        for (const Column& column : row->columns) {
+            if (std::ranges::find(columns, column.name, &Column::name) == columns.end())
+                columns.push_back(&column);
+        }
+    }
+    return columns;
+}
+
+std::string columnarValue(const Column& column)
+{
+    const std::string name = quoted(column.name);
+    const std::vector<const Column*> all = columnsOfAllKinds();
+    const Column& first = **std::ranges::find(all, column.name, &Column::name);
+    const bool asText = first.type == Type::text && column.type == Type::number;
+    return asText ? "toInt64OrNull(assumeNotNull(" + name + "))" : name;
+}
+
 /// Where a part's row has the value.
 std::string valueOf(Engine engine, const Column& column)
 {
     const std::string name(column.name);
-    if (column.name == serial || engine == Engine::clickhouse) return quoted(name);
+    if (engine == Engine::clickhouse) return columnarValue(column);
+    if (column.name == serial) return quoted(name);
     if (engine == Engine::sqlite) return "data ->> '" + name + '\'';
     if (isList(column.type)) return "data -> '" + name + '\'';
     return column.type == Type::number ? "(data ->> '" + name + "')::bigint" : "data ->> '" + name + '\'';
@@ -227,31 +251,18 @@ std::string_view columnarType(Type type)
     return type == Type::texts ? "Array(String)" : "Nullable(String)";
 }
 
-/// A column for each of the kinds' columns of one name.
-std::string columnsOfAllKinds()
-{
-    std::vector<std::string_view> known;
-    std::string sql;
-    for (const KindRow* row : listedKinds()) {
-        for (const Column& column : row->columns) {
-            if (std::ranges::find(known, column.name) != known.end()) continue;
-            known.push_back(column.name);
-            sql += ",\n    " + quoted(column.name) + ' ' + std::string(columnarType(column.type));
-        }
-    }
-    return sql;
-}
-
 std::string columnarTables()
 {
     constexpr std::string_view common = "    system String,\n    facility Nullable(String),\n"
                                         "    collected String,\n    kind String,\n"
                                         "    id Nullable(String),\n    within Nullable(String)";
-    const std::string columns = std::string(common) + columnsOfAllKinds();
-    std::string sql = "CREATE TABLE part_shard (\n    snapshot Int64,\n" + columns +
-                      "\n) ENGINE = MergeTree ORDER BY (kind, system, snapshot);\n"
-                      "CREATE TABLE incoming (\n" +
-                      columns + "\n) ENGINE = MergeTree ORDER BY (system, collected);\n";
+    std::string columns(common);
+    for (const Column* column : columnsOfAllKinds())
+        columns += ",\n    " + quoted(column->name) + ' ' + std::string(columnarType(column->type));
+    std::string sql =
+        "CREATE TABLE part_shard (\n" + columns +
+        ",\n    snapshot Int64\n) ENGINE = MergeTree ORDER BY (kind, system, snapshot);\n"
+        "CREATE TABLE incoming AS part_shard ENGINE = MergeTree ORDER BY (system, collected);\n";
     for (const std::string name : {"snapshot", "part", "change"})
         sql.append("CREATE TABLE ")
             .append(name)

@@ -22,10 +22,12 @@ Database::Database(std::string file, Access access) : shownName(platform::shown(
 {
     // A name never stands for something else: neither a URI nor a database in memory.
     if (!file.starts_with('/')) file.insert(0, "./");
-    const int flags =
-        access == Access::read ? SQLITE_OPEN_READONLY : SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE;
+    // A reader too may have to undo what a killed writer left; where it must not write, it is opened for
+    // reading.
+    const int flags = SQLITE_OPEN_READWRITE | (access == Access::write ? SQLITE_OPEN_CREATE : 0);
     if (sqlite3_open_v2(file.c_str(), &handle, flags, nullptr) == SQLITE_OK) {
         sqlite3_busy_timeout(handle, patience);
+        if (access == Access::read) run("PRAGMA query_only = ON");
         return;
     }
     const std::string what = handle == nullptr ? "no memory" : sqlite3_errmsg(handle);

@@ -15,6 +15,7 @@ platform::Command xmlCommand();
 platform::Command diffCommand();
 platform::Command importCommand();
 platform::Command historyCommand();
+platform::Command metricsCommand();
 platform::Command explainCommand();
 platform::Command followCommand();
 platform::Command recordCommand();

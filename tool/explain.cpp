@@ -2,13 +2,12 @@
 
 #include "commands.h"
 #include "output.h"
+#include "traces.h"
 
 #include "document/explain.h"
-#include "document/input.h"
 #include "platform/failure.h"
 #include "platform/text.h"
 
-#include <array>
 #include <memory>
 #include <optional>
 #include <string>
@@ -28,22 +27,6 @@ struct Options {
     bool all = false;
     bool json = false;
 };
-
-/// Reads the log to its end, or as far as it takes to see that it is none.
-void readTrace(document::Explainer& explainer, const std::string& file)
-{
-    constexpr size_t enough = size_t{16} * 1024 * 1024;
-    document::Input input(file);
-    std::array<char, 65536> bytes; // NOLINT(cppcoreguidelines-pro-type-member-init): filled by the read
-    size_t total = 0;
-    for (size_t got = 0; (got = input.read(bytes)) > 0 && (total < enough || explainer.foundLines());) {
-        explainer.read({bytes.data(), got});
-        total += got;
-    }
-    explainer.end();
-    if (!explainer.foundLines())
-        throw platform::Failure(input.name() + ": no line of a collector's trace log");
-}
 
 /// Prints runs as they come, or the one that is asked for when all are known.
 class Report

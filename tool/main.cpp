@@ -12,6 +12,7 @@ int main(int argc, char* argv[])
          .manual = "kord(1)",
          .commands = {tool::showCommand(), tool::listCommand(), tool::kindsCommand(), tool::jsonCommand(),
                       tool::xmlCommand(), tool::diffCommand(), tool::importCommand(), tool::historyCommand(),
-                      tool::explainCommand(), tool::followCommand(), tool::recordCommand()}},
+                      tool::metricsCommand(), tool::explainCommand(), tool::followCommand(),
+                      tool::recordCommand()}},
         {argv, static_cast<size_t>(argc)});
 }

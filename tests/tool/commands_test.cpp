@@ -317,6 +317,26 @@ TEST_F(Commands, ExplainTellsOfTheNewestRunOfOneAndOfAll)
                 testing::IsEmpty());
 }
 
+TEST_F(Commands, MetricsTellOfARunAndItsDocument)
+{
+    const fs::path document = collect("run");
+    const fs::path log = kordTest::traceFile(folder.path() / "run", mtms);
+    const Outcome outcome = run({"metrics", log, document});
+    EXPECT_EQ(outcome.status, 0) << outcome.error;
+    EXPECT_THAT(outcome.output, testing::HasSubstr("\nkord_run_status{system=\"9999-B2C*7ABCD12\"} 3\n"));
+    EXPECT_THAT(outcome.output,
+                testing::HasSubstr("\nkord_document_complete{system=\"9999-B2C-7ABCD12\"} 1\n"));
+    EXPECT_THAT(
+        outcome.output,
+        testing::HasSubstr(
+            "\nkord_parts{system=\"9999-B2C-7ABCD12\",kind=\"drive\",firmware=\"T0B1\",state=\"0\"} 48\n"));
+    const Outcome partly = run({"metrics", log, "/no/such", document});
+    EXPECT_EQ(partly.status, 2);
+    EXPECT_EQ(partly.error, "kord: /no/such: No such file or directory\n");
+    EXPECT_EQ(partly.output, outcome.output);
+    EXPECT_EQ(run({"metrics", document, document}).status, 2);
+}
+
 TEST_F(Commands, ExplainSaysWhatItCannotRead)
 {
     const std::string log = write("log", "112126 13:41:03 SRCV: 155968_quay1 07-15-05  9999-B2C*7ABCD99\n");
