@@ -32,8 +32,9 @@ constexpr std::string_view hostsCode = "U2";
 /// The keys under which a kind's property holds many values, in their order.
 const std::vector<std::string_view>& keysOf(Kind kind, std::string_view code)
 {
-    static std::map<std::pair<Kind, std::string_view>, std::vector<std::string_view>> known;
-    const auto [entry, isNew] = known.try_emplace({kind, code});
+    // A document's code goes with the document.
+    static std::map<std::pair<Kind, std::string>, std::vector<std::string_view>> known;
+    const auto [entry, isNew] = known.try_emplace({kind, std::string(code)});
     if (!isNew) return entry->second;
     for (const Column* column : columnsOf(kind)) {
         if (column->source.from == From::item && column->source.code == code)

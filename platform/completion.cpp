@@ -111,11 +111,12 @@ std::string listedItems(const std::vector<std::string>& words, const std::string
     const size_t comma = typed.rfind(',');
     size_t start = comma == std::string::npos ? 0 : comma + 1;
     if (start < typed.size() && (typed[start] == '+' || typed[start] == '-')) ++start;
-    const std::string before = typed.substr(0, start);
+    const std::string before = ',' + typed.substr(0, start);
+    const std::string stays = name + typed.substr(0, start);
     std::vector<Offer> offers;
     for (const std::string& word : words) {
-        const bool there = (',' + before).find(',' + word + ',') != std::string::npos;
-        if (!there) offers.push_back({.word = name + before + word, .help = {}});
+        const bool there = before.find(',' + word + ',') != std::string::npos;
+        if (!there) offers.push_back({.word = stays + word, .help = {}});
     }
     return listed("parts", offers, name + typed);
 }

@@ -28,7 +28,7 @@ std::string hexadecimal(std::span<const unsigned char> bytes)
 /// Of the notes in a piece of memory; empty when the build number is not among them.
 std::string buildAmong(std::span<const unsigned char> notes)
 {
-    constexpr std::string_view owner{"GNU", 4};
+    constexpr char owner[] = "GNU"; // its NUL counts
     const auto padded = [](size_t size) { return (size + 3) / 4 * 4; };
     ElfW(Nhdr) note;
     while (notes.size() >= sizeof note) {
@@ -36,7 +36,8 @@ std::string buildAmong(std::span<const unsigned char> notes)
         notes = notes.subspan(sizeof note);
         const size_t length = padded(note.n_namesz) + padded(note.n_descsz);
         if (length > notes.size()) break;
-        const bool named = note.n_namesz == owner.size() && std::memcmp(notes.data(), owner.data(), 4) == 0;
+        const bool named =
+            note.n_namesz == sizeof owner && std::memcmp(notes.data(), owner, sizeof owner) == 0;
         if (named && note.n_type == NT_GNU_BUILD_ID)
             return hexadecimal(notes.subspan(padded(note.n_namesz), note.n_descsz));
         notes = notes.subspan(length);
@@ -57,6 +58,7 @@ int addBuild(dl_phdr_info* object, size_t, void* found)
     if (part == nullptr) return 0;
     for (const ElfW(Phdr) & header : std::span(object->dlpi_phdr, object->dlpi_phnum)) {
         if (header.p_type != PT_NOTE) continue;
+        // NOLINTNEXTLINE(performance-no-int-to-ptr): the loader tells addresses as numbers
         const auto* notes = reinterpret_cast<const unsigned char*>(object->dlpi_addr + header.p_vaddr);
         const std::string build = buildAmong({notes, header.p_memsz});
         if (!build.empty()) (*static_cast<json*>(found))[part] = build;

@@ -3,10 +3,12 @@
 #include "facility/compile.h"
 #include "facility/make.h"
 
+#include <fstream>
 #include <gtest/gtest.h>
 #include <memory>
 #include <nlohmann/json.hpp>
 #include <set>
+#include <sstream>
 
 namespace
 {
@@ -57,6 +59,15 @@ TEST(Make, SameArgumentsGiveSameBytes)
 {
     EXPECT_TRUE(made({}) == made({}));
     EXPECT_TRUE(made({.drives = 3, .seed = 5}) == made({.drives = 3, .seed = 5}));
+}
+
+/// The bundled facility is the one that is made without asking for anything else.
+TEST(Make, TheBundledFacilityIsMade)
+{
+    std::ifstream file(std::string(KORD_SOURCE_DIR) + "/console/facilities/facility.json");
+    std::ostringstream bundled;
+    bundled << file.rdbuf();
+    EXPECT_TRUE(made({}) == bundled.str());
 }
 
 TEST(Make, AnotherSeedVariesTheFacilityNotItsSize)

@@ -444,6 +444,79 @@ TEST(Report, ColoursTheWordAlone)
                 testing::HasSubstr("\n\x1b[31mremoved\x1b[0m   drive U.AB1-P1-D3 (enclosure 1"));
 }
 
+TEST(Report, HasAColourForEachWord)
+{
+    Drive moved = in("-P1-D8", driveB);
+    moved.level = "J2";
+    Drive changed = driveC;
+    changed.level = "J2";
+    const std::string text =
+        report(ofMachine(with({driveA, driveB, driveC, in("-P1-D4", {.slot = "", .serial = "D"})})),
+               ofMachine(with(
+                   {{.slot = "-P1-D1", .serial = "N"}, moved, changed, {.slot = "-P1-D9", .serial = "E"}})),
+               {.colored = true});
+    for (const char* word : {"\x1b[32madded\x1b[0m     drive", "\x1b[31mremoved\x1b[0m   drive",
+                             "\x1b[36mmoved\x1b[0m     drive", "\x1b[35mreplaced\x1b[0m  drive",
+                             "\x1b[33mchanged\x1b[0m   drive"})
+        EXPECT_THAT(text, testing::HasSubstr(word));
+}
+
+/// The numbers of the racks and, within one, of the enclosures; many are counted.
+TEST(Report, TellsWhereAGroupIs)
+{
+    const auto grouped = [](const std::vector<std::pair<std::string, std::string>>& places) {
+        std::string before;
+        std::string after;
+        for (const auto& [number, location] : places) {
+            const Enclosure place = {.id = "U." + number, .serial = number, .location = location};
+            Drive upgraded = driveA;
+            upgraded.serial = number;
+            before += with({upgraded}, place);
+            upgraded.level = "J2";
+            after += with({upgraded}, place);
+        }
+        const std::string text = report(ofMachine(before), ofMachine(after), {.grouped = true});
+        return text.substr(0, text.find('\n'));
+    };
+    EXPECT_EQ(grouped({{"1", "R-1"}, {"2", "R-2"}}),
+              "changed   2 drives (enclosures 1, 2): EC Level J1 -> J2");
+    EXPECT_EQ(grouped({{"1", "R-2"}, {"2", "R-2"}}), "changed   2 drives (enclosure 2): EC Level J1 -> J2");
+    std::vector<std::pair<std::string, std::string>> many;
+    for (int i = 1; i <= 12; ++i)
+        many.emplace_back(std::to_string(i), "R-" + std::to_string(i));
+    EXPECT_EQ(grouped(many),
+              "changed   12 drives (enclosures 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12): EC Level J1 -> J2");
+    many.emplace_back("13", "R-13");
+    EXPECT_EQ(grouped(many), "changed   13 drives (13 enclosures): EC Level J1 -> J2");
+    const auto racks = [](const std::string& part) {
+        const auto rackOf = [&](const std::string& id, const std::string& number) {
+            return resource("TARN Rack", id,
+                            property("R2", "Rack Number", number) +
+                                list("Global Resources",
+                                     resource("Fan Tray", id + "-A1", property("PN", "Part Number", part))));
+        };
+        return ofMachine(rackOf("R", "1") + rackOf("S", "2"));
+    };
+    EXPECT_THAT(report(racks("F1"), racks("F2"), {.grouped = true}),
+                testing::StartsWith("changed   2 fan trays (racks 1, 2): Part Number F1 -> F2\n"));
+}
+
+TEST(Report, CutsALongValue)
+{
+    const auto console = [](const std::string& name) {
+        return ofMachine(resource("Quay", "Q", property("AC", "Account Name", name)));
+    };
+    const std::string longest(100, 'x');
+    EXPECT_EQ(changes(console(longest), console(longest + "y")),
+              Lines{"changed   console Q: Account Name " + longest + " -> " + longest.substr(3) + "..."});
+}
+
+TEST(Report, NamesAPartWithoutAnIdentifier)
+{
+    EXPECT_EQ(changes(ofMachine(""), ofMachine(resource("of no known kind", "X", ""))),
+              Lines{"added     of no known kind X"});
+}
+
 TEST(Report, SummarizesByKind)
 {
     const auto summary = [](const std::string& before, const std::string& after) {
@@ -505,6 +578,63 @@ TEST(Report, IsJsonForPrograms)
         "from": "U.AB1-P1-D2", "to": "U.AB1-P1-D8", "old_enclosure": 1, "old_slot": 2,
         "parts": 0, "listed": 1, "values": []})"));
     EXPECT_EQ(jsonOf(before, before)["changes"], nlohmann::json::array());
+}
+
+/// The form is for people, too: a change a block, a value a line.
+TEST(Report, IsJsonToBeRead)
+{
+    using Writer = void (*)(const document::Changes&, const document::Write&);
+    const auto text = [](const std::string& before, const std::string& after, Writer writeChanges) {
+        const document::Document old = parse(before);
+        const document::Document now = parse(after);
+        std::string all;
+        writeChanges(document::diff(old, now), [&](std::string_view piece) { all += piece; });
+        return all;
+    };
+    const std::string complete =
+        "{\n  \"old\": \"test.xml\",\n  \"new\": \"test.xml\",\n  \"complete\": true,\n"
+        "  \"missing\": []";
+    const std::string before = ofMachine(with({driveA, driveB}));
+    const std::string after = ofMachine(with({{.slot = "-P1-D1", .serial = "A", .level = "J2"}}));
+    EXPECT_EQ(text(before, before, document::writeJson), complete + ",\n  \"changes\": []\n}\n");
+    EXPECT_EQ(
+        text(before, after, document::writeJson),
+        complete +
+            ",\n  \"changes\": [\n"
+            "    { \"change\": \"changed\", \"kind\": \"drive\", \"name\": \"OSK Physical Disk Drive\", "
+            "\"id\": \"U.AB1-P1-D1\", \"enclosure\": 1, \"slot\": 1, \"serial\": \"A\", \"parts\": 0, "
+            "\"listed\": 1, \"values\": [\n"
+            "        { \"code\": \"EC\", \"label\": \"EC Level\", \"column\": \"ec_level\", \"old\": \"J1\", "
+            "\"new\": \"J2\" }\n"
+            "      ] },\n"
+            "    { \"change\": \"removed\", \"kind\": \"drive\", \"name\": \"OSK Physical Disk Drive\", "
+            "\"id\": \"U.AB1-P1-D2\", \"enclosure\": 1, \"slot\": 2, \"serial\": \"B\", \"parts\": 0, "
+            "\"listed\": 1, \"values\": [] }\n"
+            "  ]\n}\n");
+    EXPECT_EQ(text(before, before, document::writeJsonSummary), complete + ",\n  \"summary\": {}\n}\n");
+    EXPECT_EQ(text(before,
+                   ofMachine(with({{.slot = "-P1-D1", .serial = "A", .level = "J2"}}) + with({}, second)),
+                   document::writeJsonSummary),
+              complete + ",\n  \"summary\": {\n    \"storageEnclosure\": { \"added\": 1 },\n"
+                         "    \"drive\": { \"removed\": 1, \"changed\": 1 }\n  }\n}\n");
+    EXPECT_THAT(text(ofEnclosures(""), ofMachine(""), document::writeJson),
+                testing::HasSubstr(
+                    "  \"complete\": false,\n  \"missing\": [\n    \"test.xml: the partitions\"\n  ],"));
+}
+
+TEST(Report, TellsAHostInJson)
+{
+    const auto json = jsonOf(partition("5", "web=2,"), partition("5", "web=3,"));
+    ASSERT_EQ(json["changes"].size(), 1U);
+    EXPECT_EQ(json["changes"][0],
+              nlohmann::json::parse(R"({"change": "changed", "kind": "host", "name": "web",
+        "id": "SYSTEM-1-1", "partition": "Tarn01", "parts": 0, "listed": 1,
+        "values": [{"code": "U2", "label": "Host Inventory", "item": "ports", "column": "ports", "old": "2",
+                    "new": "3"}]})"));
+    const auto renamed = jsonOf(partition("5", "web=2,"), partition("5", "www=2,"));
+    EXPECT_EQ(renamed["changes"][0]["values"],
+              nlohmann::json::parse(R"([{"code": "U2", "label": "Host Inventory",
+        "column": "description", "old": "web=2", "new": "www=2"}])"));
 }
 
 TEST(Report, IsASummaryInJson)

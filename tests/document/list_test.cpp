@@ -1,6 +1,7 @@
 // Documents as lists: rows, columns, conditions, order, counts and formats.
 
 #include "consoleRun.h"
+#include "document/condition.h"
 #include "document/kindList.h"
 #include "document/list.h"
 #include "partsCheck.h"
@@ -235,6 +236,53 @@ TEST(List, PartsOfNoKnownKindAreOthers)
 
 // --- Conditions, order, counts
 
+/// Digits count as numbers; where those are the same, the texts themselves are compared.
+TEST(List, TextsHaveANaturalOrder)
+{
+    const Texts ascending = {"",
+                             "0",
+                             "00",
+                             "01",
+                             "1",
+                             "2",
+                             "10",
+                             "010a",
+                             "10a",
+                             "100",
+                             "A1",
+                             "a",
+                             "a01",
+                             "a1",
+                             "a2",
+                             "a2b",
+                             "a2c",
+                             "a10",
+                             "a10b9",
+                             "a10b10",
+                             "b",
+                             "b9",
+                             "b10",
+                             "b99999999999999999999",
+                             "b100000000000000000000"};
+    for (size_t i = 0; i < ascending.size(); ++i) {
+        for (size_t j = 0; j < ascending.size(); ++j) {
+            const int order = document::compareNaturally(ascending[i], ascending[j]);
+            EXPECT_EQ(order < 0, i < j) << ascending[i] << " and " << ascending[j];
+            EXPECT_EQ(order > 0, i > j) << ascending[i] << " and " << ascending[j];
+        }
+    }
+}
+
+TEST(List, ConditionsMayHaveBlanks)
+{
+    const std::string text = drivesOf({"a b", "c"});
+    for (const char* condition : {"firmware=a b", " firmware = a b ", "\tfirmware\t=\ta b\t"}) {
+        ListOptions options = of("drives");
+        options.conditions = {condition};
+        EXPECT_EQ(column(options, "slot", text), Texts{"1"}) << condition;
+    }
+}
+
 TEST(List, ConditionsMustAllHold)
 {
     const std::string text = drivesOf({"5.2", "5.10", "5.10", "", "T0A4"});
@@ -343,6 +391,39 @@ TEST(List, ColumnsAreChosenOrAdded)
     options.added = {"within"};
     EXPECT_EQ(listed(options, {ofPartitions(resource("P", "P1", hosts("web, 1=2,")))}),
               "description  ports  partition  within\nweb, 1           2  P          P1\n");
+}
+
+/// A value of up to 80 columns makes its column as wide; a wider one moves what stands behind it in its own
+/// row.
+TEST(List, AVeryWideValueMovesItsOwnRowAlone)
+{
+    const auto table = [](size_t width) {
+        const std::string wide(width, 'x');
+        ListOptions options = of("hosts");
+        options.columns = {"description", "ports"};
+        return listed(options, {ofPartitions(resource("P", "P1", hosts(wide + "=2,a=3,")))});
+    };
+    const auto row = [](const std::string& description, size_t column, const std::string& ports) {
+        const size_t room = std::max(column, description.size()) + 2 + 5 - ports.size();
+        return description + std::string(room - description.size(), ' ') + ports + '\n';
+    };
+    for (const size_t width : {size_t{80}, size_t{81}, size_t{90}}) {
+        const size_t column = 80;
+        EXPECT_EQ(table(width), row("description", column, "ports") +
+                                    row(std::string(width, 'x'), column, "2") + row("a", column, "3"))
+            << width;
+    }
+}
+
+TEST(List, JsonHasARowALine)
+{
+    ListOptions options = of("drives", Format::json);
+    options.columns = {"id", "slot", "rack"};
+    const std::string one = R"({"id":"E-D1","slot":1})";
+    const std::string two = R"({"id":"E-D2","slot":2})";
+    EXPECT_EQ(listed(options, {drivesOf({"", ""})}), "[" + one + ",\n" + two + "]\n");
+    options.format = Format::lines;
+    EXPECT_EQ(listed(options, {drivesOf({"", ""})}), one + "\n" + two + "\n");
 }
 
 TEST(List, NothingObeysOrHidesInATable)
