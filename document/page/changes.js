@@ -46,8 +46,8 @@ function oldAndNew({ label, item, old, new: now, column }) {
 }
 
 function oldPlace(change) {
-  const place = ['rack', 'enclosure', 'slot'].flatMap((name) => (change[`old_${name}`] === undefined ? [] : [`${name} ${change[`old_${name}`]}`]));
-  const text = place.join(', ');
+  const told = ['rack', 'enclosure', 'slot'].filter((name) => change[`old_${name}`] !== undefined);
+  const text = told.map((name) => `${name} ${change[`old_${name}`]}`).join(', ');
   return text === '' || change.part < 0 || text === placeOf(change.part) ? change.from : text;
 }
 
@@ -65,19 +65,21 @@ function changeEntry(change) {
   const { part } = change;
   const table = tablesOf(change.kind)[0];
   const title = change.kind === 'host' ? change.name : part < 0 ? change.id || change.name : titleOf(part);
-  const named = part < 0 ? title : link(part, placeOf(part) ? `${table.singular} in ${placeOf(part)}` : `${table.singular} ${title}`);
+  const place = part < 0 ? '' : placeOf(part);
+  const named = part < 0 ? title : link(part, `${table.singular} ${place ? `in ${place}` : title}`);
   return element('div', { class: 'change' }, signed(change.change), ' ', named,
-    element('p', { class: 'id' }, placeOf(Math.max(part, 0)) && part >= 0 ? title : ''), ...changeFacts(change));
+    element('p', { class: 'id' }, place ? title : ''), ...changeFacts(change));
 }
 
 function changeSection() {
-  const counts = groupBy(allChanges, (change) => change.change);
-  const summary = allChanges.length === 0 ? 'Nothing differs.' : `${count(allChanges.length)} ${allChanges.length === 1 ? 'change' : 'changes'}: ${[...counts].map(([word, list]) => `${count(list.length)} ${word}`).join(', ')}.`;
+  const counts = [...groupBy(allChanges, (change) => change.change)].map(([word, list]) => `${count(list.length)} ${word}`);
+  const all = amount(allChanges.length, { singular: 'change', plural: 'changes' });
+  const summary = allChanges.length === 0 ? 'Nothing differs.' : `${all}: ${counts.join(', ')}.`;
   const { missing } = data.changes;
   const file = (name) => name.slice(name.lastIndexOf('/') + 1);
   return element('section', { id: 'changes' }, element('h2', {}, 'What happened'),
     element('p', {}, `From ${file(data.changes.old)} to ${file(data.changes.new)}. ${summary}`),
-    ...(missing.length > 0 ? [element('p', { class: 'notice' }, `Incomplete: ${missing.join('; ')}. What is missing for that reason is told as no change.`)] : []),
+    missing.length === 0 ? '' : note(`Incomplete: ${missing.join('; ')}. What is missing for that reason is told as no change.`, 'notice'),
     longList(allChanges, changeEntry, {}, 100));
 }
 

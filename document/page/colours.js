@@ -21,14 +21,16 @@ function columnColouring(column) {
   const drives = new Uint32Array(cells.values.length);
   for (let row = 0; row < driveTable.rows - driveTable.old; ++row) ++drives[cells.indexOf(row)];
   const common = [...drives.keys()].filter((i) => cells.values[i] !== null && drives[i] > 0)
-    .sort((a, b) => drives[b] - drives[a]).slice(0, mostColours).sort((a, b) => compareTexts(cells.values[a], cells.values[b]));
+    .sort((a, b) => drives[b] - drives[a]).slice(0, mostColours)
+    .sort((a, b) => compareTexts(cells.values[a], cells.values[b]));
   const groups = common.map((i, at) => ({
     text: valueText(column, cells.values[i]), mark: `c${at}`, term: termOf(column.name, cells.values[i]),
   }));
   const groupOf = new Uint8Array(cells.values.length).fill(groups.length);
   common.forEach((i, at) => { groupOf[i] = at; });
   groups.push({ text: common.length < mostColours ? 'not told' : 'other values', mark: 'rest' });
-  return { name: column.name, label: labelOf(column), groups, of: (drive) => groupOf[cells.indexOf(drive - driveTable.first)] };
+  const of = (drive) => groupOf[cells.indexOf(drive - driveTable.first)];
+  return { name: column.name, label: labelOf(column), groups, of };
 }
 
 /// An image goes by the name of its partition.
@@ -43,18 +45,19 @@ function changeColouring() {
   return { name: 'change', label: 'change', groups, of: (drive) => marks.indexOf(changeOf(drive)) };
 }
 
-let lastColouring = null;
+let lastColouring = { name: '', label: '', groups: [], of: () => 0 };
 
 function colouring() {
   const usualName = data.changes ? 'change' : colourings.has('firmware') ? 'firmware' : [...colourings.keys()][0];
   const name = colourings.has(state.by) ? state.by : usualName;
-  if (lastColouring?.name !== name) lastColouring = colourings.get(name)?.() ?? { name: '', label: '', groups: [], of: () => 0 };
+  if (colourings.has(name) && lastColouring.name !== name) lastColouring = colourings.get(name)();
   return lastColouring;
 }
 
 function colourChoice() {
-  const made = element('select', { id: 'colour' },
-    ...[...colourings.keys()].map((name) => element('option', { value: name }, name.replace(/_mb$/, '').replaceAll('_', ' '))));
+  const labelled = (name) => name.replace(/_mb$/, '').replaceAll('_', ' ');
+  const options = [...colourings.keys()].map((name) => element('option', { value: name }, labelled(name)));
+  const made = element('select', { id: 'colour' }, ...options);
   made.value = colouring().name;
   made.addEventListener('change', () => { go({ by: made.value }, true); byElementId('colour').focus(); });
   return element('label', { class: 'colour' }, 'Colour drives by ', made);

@@ -177,7 +177,8 @@ function childrenOf(part, ...words) {
 }
 
 function inside(part, ...words) {
-  return childrenOf(part).flatMap((child) => [...(words.includes(wordOf(child)) ? [child] : []), ...inside(child, ...words)]);
+  const found = (child) => (words.includes(wordOf(child)) ? [child] : []);
+  return childrenOf(part).flatMap((child) => [...found(child), ...inside(child, ...words)]);
 }
 
 /// The part and those around it, from the innermost.

@@ -20,14 +20,16 @@ function relations(part) {
     .map((one) => [tableOfPart(one).singular, link(one, numbered(one))]);
   const drives = wordOf(part) === 'drive' ? [] : drivesUnder(part);
   if (drives.length > 0) {
-    rows.push(['stands on', linkTo({ view: '', at: '', q: `under:"${keyOf(part).replaceAll('"', '')}"` }, `${amount(drives.length, driveTable)}: light them in the racks`)]);
+    const query = `under:"${keyOf(part).replaceAll('"', '')}"`;
+    rows.push(['stands on', linkTo({ view: '', at: '', q: query }, `${amount(drives.length, driveTable)}: light them in the racks`)]);
   }
   return rows.length === 0 ? [] : [element('h3', {}, 'Belongs to'), definitions(rows)];
 }
 
 function listedNote(part) {
   const times = timesListed(part);
-  return times > 1 ? [element('p', { class: 'none' }, `The document lists it ${count(times)} times: once for each partition that sees it.`)] : [];
+  const text = `The document lists it ${count(times)} times: once for each partition that sees it.`;
+  return times > 1 ? [note(text, 'none')] : [];
 }
 
 function showDetails(part) {

@@ -25,7 +25,8 @@ function drawCells({ all, rows, columns }) {
   all.forEach((drive, at) => {
     const x = (at % columns) * cellWidth + 1;
     const y = Math.floor(at / columns) * cellHeight + 2;
-    addTo(paths, drive < 0 ? 'empty' : markOf(drive, colours), `M${x} ${y}h${cellWidth - 2}v${cellHeight - 4}h${2 - cellWidth}z`);
+    const cell = `M${x} ${y}h${cellWidth - 2}v${cellHeight - 4}h${2 - cellWidth}z`;
+    addTo(paths, drive < 0 ? 'empty' : markOf(drive, colours), cell);
   });
   return stretched(columns * cellWidth, rows * cellHeight, paths);
 }
@@ -89,9 +90,9 @@ function showTip(part, event) {
   const tip = byElementId('tip');
   tip.hidden = part < 0;
   if (part < 0) return;
-  const facts = ['serial', 'capacity_mb', 'firmware'].map((name) => shownValue(part, name));
+  const told = ['serial', 'capacity_mb', 'firmware'].map((name) => shownValue(part, name));
   tip.replaceChildren(element('b', {}, tableOfPart(part).singular), ` ${placeOf(part) || titleOf(part)}`,
-    element('span', {}, [changeOf(part), ...facts].filter(Boolean).join(' · ')));
+    element('span', {}, facts(changeOf(part), ...told)));
   tip.style.left = `${Math.max(8, Math.min(event.clientX + 14, innerWidth - tip.offsetWidth - 8))}px`;
   const above = event.clientY + tip.offsetHeight + 24 > innerHeight;
   tip.style.top = `${above ? event.clientY - tip.offsetHeight - 12 : event.clientY + 18}px`;

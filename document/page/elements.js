@@ -27,6 +27,15 @@ function definitions(rows) {
     ([term, text, meaning = null]) => element('div', {}, element('dt', { title: meaning }, term), element('dd', {}, text))));
 }
 
+const note = (text, kind = 'note') => element('p', { class: kind }, text);
+const row = (tag, texts) => element('tr', {}, ...texts.map((text) => element(tag, tag === 'th' ? { scope: 'col' } : {}, text)));
+
+/// A table of texts.
+function textTable(headings, rows) {
+  const body = element('tbody', {}, ...rows.map((texts) => row('td', texts)));
+  return element('table', {}, element('thead', {}, row('th', headings)), body);
+}
+
 function section(title, ...content) {
   return element('section', {}, element('h2', {}, title), ...content);
 }

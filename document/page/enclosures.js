@@ -1,14 +1,18 @@
 // --- A rack, and an enclosure with its slots and cards
 
-function heading(part, title, ...facts) {
+const overviewLink = () => linkTo({ view: '', at: '', part: '' }, 'Overview');
+
+function heading(part, title, ...told) {
   const way = upwards(part).slice(1).filter((one) => isHome.has(wordOf(one))).reverse();
   const rack = rackOfEnclosure.get(part) ?? -1;
-  const links = [linkTo({ view: '', at: '', part: '' }, 'Overview'), ...(rack < 0 ? [] : [link(rack, rackTitle(rack))]), ...way.map((one) => link(one))];
+  const links = [overviewLink(), ...(rack < 0 ? [] : [link(rack, rackTitle(rack))]), ...way.map((one) => link(one))];
   return element('div', { class: 'heading' },
     element('nav', { 'aria-label': 'Where this is' }, ...links.flatMap((one) => [one, ' › '])),
     element('h2', { id: 'view', tabindex: '-1' }, title),
-    element('p', {}, facts.filter(Boolean).join(' · ')));
+    element('p', {}, facts(...told)));
 }
+
+const propertiesButton = (part) => button('Its properties', () => go({ part: keyOf(part) }), { class: 'link' });
 
 function neighbours(list, part, title) {
   const at = list.indexOf(part);
@@ -23,7 +27,8 @@ function shelf(enclosure) {
   const drives = drivesIn(enclosure);
   const place = element('span', { class: 'cells' });
   place.style.height = `${layout.rows === 1 ? 34 : layout.rows * 14}px`;
-  const made = link(enclosure, element('b', {}, element('span', { class: 'unseen' }, 'Enclosure '), String(value(enclosure, 'enclosure') ?? '?')),
+  const number = String(value(enclosure, 'enclosure') ?? '?');
+  const made = link(enclosure, element('b', {}, element('span', { class: 'unseen' }, 'Enclosure '), number),
     drawLater(place, () => drawCells(layout)), element('span', { class: 'facts' }, sharesText(drives)));
   fill(made, { class: `shelf ${changeOf(enclosure)}` }, []);
   place.addEventListener('click', (event) => {
@@ -38,43 +43,51 @@ function shelf(enclosure) {
   return element('li', {}, made);
 }
 
+const gapText = ([from, to]) => (from === to ? `No enclosure ${from}` : `No enclosures ${from} to ${to}`);
+
 function shelves(enclosures) {
   const made = [];
   enclosures.forEach((enclosure, at) => {
     const gap = gapBefore(enclosures, at);
-    if (gap) made.unshift(element('li', { class: 'gap' }, gap[0] === gap[1] ? `No enclosure ${gap[0]}` : `No enclosures ${gap[0]} to ${gap[1]}`));
+    if (gap) made.unshift(element('li', { class: 'gap' }, gapText(gap)));
     made.unshift(shelf(enclosure));
   });
   return element('ol', { id: 'shelves' }, ...made);
+}
+
+function kindHeading(list) {
+  const { singular, plural } = tableOfPart(list[0]);
+  return element('h3', {}, capital(list.length === 1 ? singular : plural), element('span', {}, count(list.length)));
 }
 
 /// The parts inside that are not drawn already, by kind.
 function otherParts(part, ...drawn) {
   const lists = groupBy(childrenOf(part).filter((child) => !drawn.includes(wordOf(child))), wordOf);
   return [...lists].map(([, list]) => element('div', { class: 'parts' },
-    element('h3', {}, capital(list.length === 1 ? tableOfPart(list[0]).singular : tableOfPart(list[0]).plural), element('span', {}, count(list.length))),
+    kindHeading(list),
     longList(list.sort((a, b) => compareTexts(idOf(a), idOf(b))), tile, { class: 'tiles' })));
 }
 
 function tile(part) {
-  const made = link(part, element('b', {}, titleOf(part)), element('span', {}, [changeOf(part), shownValue(part, 'serial')].filter(Boolean).join(' · ')));
+  const told = facts(changeOf(part), shownValue(part, 'serial'));
+  const made = link(part, element('b', {}, titleOf(part)), element('span', {}, told));
   fill(made, { class: `${changeOf(part)} ${isLit(part) ? '' : 'dim'}` }, []);
   return made;
 }
 
 function absentFrom(part) {
   const words = [...groupBy(data.absent.filter(([, around]) => around === part), ([word]) => word)];
-  return words.length === 0 ? [] : [element('p', { class: 'note' },
-    `The document has places without a part here: ${words.map(([word, places]) => amount(places.length, tablesOf(word)[0])).join(', ')}.`)];
+  const amounts = words.map(([word, places]) => amount(places.length, tablesOf(word)[0]));
+  return words.length === 0 ? [] : [note(`The document has places without a part here: ${amounts.join(', ')}.`)];
 }
 
 function drawRack(rack) {
   const enclosures = enclosuresOf(rack);
-  const facts = rack < 0 ? [] : [shownValue(rack, 'type_model'), shownValue(rack, 'serial')];
+  const own = rack < 0 ? [] : [shownValue(rack, 'type_model'), shownValue(rack, 'serial')];
   const drives = enclosures.flatMap(drivesIn);
-  return [heading(rack, rackTitle(rack), ...facts, `${count(enclosures.length)} enclosures`, sharesText(drives)),
+  return [heading(rack, rackTitle(rack), ...own, `${count(enclosures.length)} enclosures`, sharesText(drives)),
     neighbours(racks, rack, rackTitle), tools(drives), element('div', { class: 'cabinet' }, shelves(enclosures)),
-    element('p', { class: 'note' }, assumed), ...(rack < 0 ? [] : [...otherParts(rack), ...absentFrom(rack)])];
+    note(assumed), ...(rack < 0 ? [] : [...otherParts(rack), ...absentFrom(rack)])];
 }
 
 // --- An enclosure
@@ -84,8 +97,10 @@ function slotCell(drive, at, slots) {
   if (drive < 0) return element('li', { class: 'free' }, element('span', {}, number));
   const colours = colouring();
   const group = colours.groups[colours.of(drive)];
-  const made = link(drive, element('i', { class: group.mark }), element('span', {}, `${signOf(drive)} ${number}`.trim()));
-  fill(made, { class: isLit(drive) ? 'slot' : 'slot dim', tabindex: '-1', 'aria-label': `Slot ${`${signOf(drive)} ${number}`.trim()}, ${describe(drive)}, ${colours.label} ${group.text}` }, []);
+  const text = `${signOf(drive)} ${number}`.trim();
+  const made = link(drive, element('i', { class: group.mark }), element('span', {}, text));
+  const heard = `Slot ${text}, ${describe(drive)}, ${colours.label} ${group.text}`;
+  fill(made, { class: isLit(drive) ? 'slot' : 'slot dim', tabindex: '-1', 'aria-label': heard }, []);
   made.addEventListener('pointermove', (event) => showTip(drive, event));
   made.addEventListener('pointerleave', hideTip);
   return element('li', {}, made);
@@ -95,8 +110,9 @@ function drawSlots(enclosure) {
   const { all, slots } = layoutOf(enclosure);
   if (all.length === 0) return [];
   const most = 2000;
-  const list = element('ol', { id: 'slots', 'aria-label': 'Slots' }, ...all.slice(0, most).map((drive, at) => slotCell(drive, at, slots)));
-  return [roving(list, 'a'), ...(all.length > most ? [element('p', { class: 'note' }, `The first ${count(most)} of ${count(all.length)} are drawn.`)] : [])];
+  const cells = all.slice(0, most).map((drive, at) => slotCell(drive, at, slots));
+  const list = roving(element('ol', { id: 'slots', 'aria-label': 'Slots' }, ...cells), 'a');
+  return all.length > most ? [list, note(`The first ${count(most)} of ${count(all.length)} are drawn.`)] : [list];
 }
 
 function drawEnclosure(enclosure) {
@@ -104,8 +120,8 @@ function drawEnclosure(enclosure) {
   const rack = rackOfEnclosure.get(enclosure) ?? -1;
   const storage = wordOf(enclosure) === 'storageEnclosure';
   const title = storage ? capital(enclosureTitle(enclosure)) : capital(tableOfPart(enclosure).singular);
-  const chooser = button('Its properties', () => go({ part: keyOf(enclosure) }), { class: 'link' });
-  return [heading(enclosure, title, titleOf(enclosure), storage ? sharesText(drives) : insideText(enclosure)), chooser,
-    ...(storage ? [neighbours(enclosuresOf(rack), enclosure, (one) => `Enclosure ${value(one, 'enclosure') ?? titleOf(one)}`), tools(drives)] : []),
+  const named = (one) => `Enclosure ${value(one, 'enclosure') ?? titleOf(one)}`;
+  return [heading(enclosure, title, titleOf(enclosure), storage ? sharesText(drives) : insideText(enclosure)),
+    propertiesButton(enclosure), ...(storage ? [neighbours(enclosuresOf(rack), enclosure, named), tools(drives)] : []),
     ...drawSlots(enclosure), ...otherParts(enclosure, 'drive'), ...absentFrom(enclosure)];
 }

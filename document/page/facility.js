@@ -32,7 +32,8 @@ const byNumberAndId = (name) => (a, b) => (value(a, name) ?? Infinity) - (value(
 
 /// The enclosures of a rack, or of none (-1), in the order of their numbers.
 function enclosuresOf(rack) {
-  return [...rackOfEnclosure].filter(([, of]) => of === rack).map(([enclosure]) => enclosure).sort(byNumberAndId('enclosure'));
+  const inRack = [...rackOfEnclosure].filter(([, of]) => of === rack);
+  return inRack.map(([enclosure]) => enclosure).sort(byNumberAndId('enclosure'));
 }
 
 const racks = partsOf('rack').sort(byNumberAndId('rack'));
@@ -66,13 +67,16 @@ function layOut(enclosure) {
 }
 
 /// What a part of the logical configuration belongs to: the kind and the column with its number.
-const belongsTo = { drive: ['arraySite', 'array_site'], arraySite: ['array', 'array'], array: ['rank', 'rank'], rank: ['segmentPool', 'pool'] };
+const belongsTo = {
+  drive: ['arraySite', 'array_site'], arraySite: ['array', 'array'], array: ['rank', 'rank'], rank: ['segmentPool', 'pool'],
+};
 
 const { above, below } = (() => {
   const up = new Int32Array(partCount).fill(-1);
   const down = new Map();
   for (const [word, [upper, column]] of Object.entries(belongsTo)) {
-    const numbers = new Map(partsOf(upper).filter(isCurrent).map((part) => [`${value(part, 'image')} ${value(part, 'number')}`, part]));
+    const keyed = (part) => [`${value(part, 'image')} ${value(part, 'number')}`, part];
+    const numbers = new Map(partsOf(upper).filter(isCurrent).map(keyed));
     for (const table of tablesOf(word)) join(table, column, numbers, up, down);
   }
   return { above: (part) => up[part], below: (part) => down.get(part) ?? [] };
@@ -106,12 +110,15 @@ function drivesUnder(part) {
 
 const partitions = partsOf('partition').filter(isCurrent);
 const partitionOfImage = new Map(partitions.map((part) => [value(part, 'image'), part]));
-const partitionOf = (part) => upwards(part).find((one) => wordOf(one) === 'partition') ?? partitionOfImage.get(value(part, 'image'));
+const isPartition = (part) => wordOf(part) === 'partition';
+const partitionOf = (part) => upwards(part).find(isPartition) ?? partitionOfImage.get(value(part, 'image'));
 
 /// The capacity of drives; those whose capacity the document does not tell count for none.
 function capacityOf(drives) {
   return drives.reduce((total, drive) => total + Number(value(drive, 'capacity_mb') ?? 0), 0);
 }
+
+const isPool = (part) => wordOf(part) === 'segmentPool';
 
 /// The drives of each partition by pool; those that lead to no pool go by null.
 const drivesByPool = (() => {
@@ -120,7 +127,7 @@ const drivesByPool = (() => {
   for (const drive of partsIn(driveTable)) {
     if (isOld(drive)) continue;
     const site = above(drive);
-    if (!poolOf.has(site)) poolOf.set(site, site < 0 ? null : related(site).find((one) => wordOf(one) === 'segmentPool') ?? null);
+    if (!poolOf.has(site)) poolOf.set(site, site < 0 ? null : related(site).find(isPool) ?? null);
     const pools = byPartition.get(partitionOfImage.get(value(drive, 'image')));
     if (!pools) continue;
     const pool = poolOf.get(site);

@@ -6,7 +6,7 @@ let active = -1;
 function resultItem(part, at) {
   const place = placeOf(part) || (parentOf(part) > 0 ? titleOf(parentOf(part)) : '');
   const made = element('li', { role: 'option', id: `result-${at}`, 'aria-selected': 'false' },
-    element('b', {}, titleOf(part)), element('span', {}, [tableOfPart(part).singular, place, changeOf(part)].filter(Boolean).join(' · ')));
+    element('b', {}, titleOf(part)), element('span', {}, facts(tableOfPart(part).singular, place, changeOf(part))));
   made.addEventListener('click', () => goToResult(at));
   return made;
 }
@@ -23,7 +23,8 @@ function showResults() {
   const results = byElementId('results');
   active = -1;
   byElementId('query').removeAttribute('aria-activedescendant');
-  byElementId('found').textContent = hits === null ? '' : found.length === 0 ? 'Nothing found.' : `${count(found.length)} ${found.length === 1 ? 'part' : 'parts'} found.`;
+  const all = found.length === 0 ? 'Nothing' : amount(found.length, { singular: 'part', plural: 'parts' });
+  byElementId('found').textContent = hits === null ? '' : `${all} found.`;
   byElementId('hint').hidden = hits !== null;
   const listed = found.slice(0, mostListed);
   results.replaceChildren(...listed.map(resultItem), ...(found.length > 1 ? [tableItem(found, listed.length)] : []));

@@ -29,7 +29,7 @@ function render() {
     hideTip();
     byElementId('main').replaceChildren(...drawView());
     if (byElementId('query').value !== q) byElementId('query').value = q;
-    if (elsewhere && !held.isConnected) byElementId('view')?.focus({ preventScroll: true });
+    if (elsewhere && !held.isConnected) (byElementId('view') ?? byElementId('main')).focus({ preventScroll: true });
     if (elsewhere) scrollTo(0, 0);
   }
   if (listed !== q) {
@@ -62,7 +62,7 @@ function drawHead() {
   byElementId('system').replaceChildren(home);
   const when = collected === null ? data.timestamp : `${collected.slice(0, 19).replace('T', ' ')} UTC`;
   const facts = `Storage facility ${value(systemPart, 'facility') ?? ''}, collected ${when}`;
-  byElementId('facts').replaceChildren(facts, ' · ', button('Its properties', () => go({ part: keyOf(systemPart) }), { class: 'link' }));
+  byElementId('facts').replaceChildren(facts, ' · ', propertiesButton(systemPart));
 }
 
 addColourings();

@@ -7,8 +7,8 @@ function totals() {
     const [table] = tablesOf(word);
     return table.rows > table.old ? [amount(table.rows - table.old, table)] : [];
   });
-  return element('p', { id: 'totals' }, element('b', {}, amount(drives.length, driveTable)), drives.length > 0 ? `, ${capacity(capacityOf(drives))}` : '',
-    told.length > 0 ? `; ${told.join(', ')}` : '');
+  return element('p', { id: 'totals' }, element('b', {}, amount(drives.length, driveTable)),
+    drives.length > 0 ? `, ${capacity(capacityOf(drives))}` : '', told.length > 0 ? `; ${told.join(', ')}` : '');
 }
 
 /// Every kind, as the way to its table.
@@ -30,8 +30,8 @@ function mixedFirmware() {
       const level = value(drive, 'firmware');
       if (level !== null && isCurrent(drive)) levels.set(level, (levels.get(level) ?? 0) + 1);
     }
-    const text = [...levels].sort(([a], [b]) => compareTexts(a, b)).map(([level, drives]) => `${level} × ${count(drives)}`).join(', ');
-    return levels.size < 2 ? [] : [[enclosure, `${enclosureTitle(enclosure)}: ${text}`]];
+    const texts = [...levels].sort(([a], [b]) => compareTexts(a, b)).map(([level, drives]) => `${level} × ${count(drives)}`);
+    return levels.size < 2 ? [] : [[enclosure, `${enclosureTitle(enclosure)}: ${texts.join(', ')}`]];
   });
 }
 
@@ -41,7 +41,7 @@ function shortArrays() {
   const sizes = [...groupBy(sites, (site) => below(site).length)].sort(([, a], [, b]) => b.length - a.length);
   const most = sizes[0]?.[0] ?? 0;
   return sites.filter((site) => below(site).length < most).map((site) => [above(site) < 0 ? site : above(site),
-    `${tableOfPart(site).singular} ${value(site, 'number') ?? titleOf(site)}: ${amount(below(site).length, driveTable)}, ${count(most)} in most`]);
+    `${numbered(site)}: ${amount(below(site).length, driveTable)}, ${count(most)} in most`]);
 }
 
 function listedTwice() {
@@ -64,23 +64,25 @@ function oddities() {
   const named = (part) => [part, `${tableOfPart(part).singular} ${titleOf(part)}`];
   const absent = groupBy(data.absent, ([word]) => word);
   return [
-    ['Drives in no enclosure', drives.filter((drive) => parentOf(drive) < 0 || wordOf(parentOf(drive)) !== 'storageEnclosure').map(named)],
+    ['Drives in no enclosure', drives.filter((drive) => !rackOfEnclosure.has(parentOf(drive))).map(named)],
     ['Drives in a slot that is taken, or in none', [...rackOfEnclosure.keys()].filter(isCurrent)
       .flatMap((enclosure) => layoutOf(enclosure).all.slice(layoutOf(enclosure).slots)).filter(isCurrent).map(named)],
     ['Enclosures in no rack', enclosuresOf(-1).filter(isCurrent).map(named)],
     ['Mixed firmware within an enclosure', mixedFirmware()],
     ['Arrays short of a drive', shortArrays()],
     ['Listed twice, with values that differ', listedTwice()],
-    ['Places without a part', [...absent].map(([word, places]) => [places[0][1] < 0 ? systemPart : places[0][1], amount(places.length, tablesOf(word)[0])])],
+    ['Places without a part', [...absent].map(([word, places]) =>
+      [Math.max(systemPart, places[0][1]), amount(places.length, tablesOf(word)[0])])],
     ['Lines that the collector would not have written', data.findings.map((text) => [systemPart, text])],
   ].filter(([, found]) => found.length > 0);
 }
 
+const nothingOdd = 'Nothing odd: every drive has its slot, no enclosure mixes firmware, no array is short of a drive.';
 let knownOddities = null;
 
 function oddityList() {
   knownOddities ??= oddities();
-  if (knownOddities.length === 0) return element('p', { id: 'odd', class: 'none' }, 'Nothing odd: every drive has its slot, no enclosure mixes firmware, no array is short of a drive.');
+  if (knownOddities.length === 0) return element('p', { id: 'odd', class: 'none' }, nothingOdd);
   return element('div', { id: 'odd' }, ...knownOddities.map(([title, found]) => {
     const entry = element('details', {}, element('summary', {}, title, ' ', element('b', {}, count(found.length))));
     entry.addEventListener('toggle', () => {
@@ -92,7 +94,7 @@ function oddityList() {
 
 // --- Racks as small drawings
 
-const rackTitle = (rack) => (rack < 0 ? 'In no rack' : value(rack, 'rack') === null ? titleOf(rack) : `Rack ${value(rack, 'rack')}`);
+const rackTitle = (rack) => (rack < 0 ? 'In no rack' : shortTitle(rack));
 
 /// Where the numbers of a rack's enclosures leave some out: the first and the last of those, before an enclosure.
 function gapBefore(enclosures, at) {
@@ -105,7 +107,8 @@ function smallEnclosure(enclosure, tall) {
   const layout = layoutOf(enclosure);
   const drives = drivesIn(enclosure);
   const made = link(enclosure, layout.rows === 1 && tall >= 6 ? drawCells(layout) : drawShares(drives));
-  fill(made, { class: 'small', tabindex: '-1', 'aria-label': `${capital(enclosureTitle(enclosure))}: ${sharesText(drives)}` }, []);
+  const heard = `${capital(enclosureTitle(enclosure))}: ${sharesText(drives)}`;
+  fill(made, { class: 'small', tabindex: '-1', 'aria-label': heard }, []);
   made.style.height = `${tall}px`;
   made.addEventListener('pointermove', (event) => showTip(enclosure, event));
   made.addEventListener('pointerleave', hideTip);
@@ -122,12 +125,14 @@ function smallRack(rack, tall) {
     stack.prepend(smallEnclosure(enclosure, tall));
   });
   const heading = element('h3', {}, rack < 0 ? rackTitle(rack) : link(rack, rackTitle(rack)));
-  const found = state.q.trim() ? `${count(drives.filter(isLit).length)} found` : amount(drives.filter(isCurrent).length, driveTable);
+  const all = amount(drives.filter(isCurrent).length, driveTable);
+  const found = state.q.trim() ? `${count(drives.filter(isLit).length)} found` : all;
   return element('li', { class: 'rack' }, heading, element('p', {}, found), roving(stack, 'a'));
 }
 
 /// All racks are to be seen at once: the more there are, the smaller each is drawn.
 function rackOverview() {
+  if (racksAndNone.length === 0) return section('Racks', note('The document tells of no rack.', 'none'));
   const most = Math.max(1, ...racksAndNone.map((rack) => enclosuresOf(rack).length));
   const room = Math.max(300, (byElementId('main').clientWidth || innerWidth) - 16);
   const wide = Math.max(room < 500 ? 64 : 92, Math.min(300, room / Math.max(1, racksAndNone.length) - 14));
@@ -137,7 +142,7 @@ function rackOverview() {
   const list = element('ul', { id: 'racks' }, ...racksAndNone.map((rack) => smallRack(rack, tall)));
   list.style.setProperty('--wide', `${Math.floor(wide)}px`);
   list.style.setProperty('--gap', `${gap}px`);
-  return section('Racks', tools(partsIn(driveTable)), list, element('p', { class: 'note' }, assumed));
+  return section('Racks', tools(partsIn(driveTable)), list, note(assumed));
 }
 
 const assumed = 'Enclosures stand in the order of their numbers, the first at the bottom, and drives in the order of '
@@ -153,21 +158,24 @@ function otherEnclosures() {
 }
 
 function insideText(part) {
-  return [...groupBy(childrenOf(part).filter(isCurrent), wordOf)].map(([, list]) => amount(list.length, tableOfPart(list[0]))).join(', ');
+  const lists = [...groupBy(childrenOf(part).filter(isCurrent), wordOf)];
+  return lists.map(([, list]) => amount(list.length, tableOfPart(list[0]))).join(', ');
 }
 
 // --- Partitions
 
 /// The capacity of a partition's drives by the pool that they lead to.
 function poolShares(partition) {
-  const pools = [...drivesByPool.get(partition)].sort(([a], [b]) => (a === null) - (b === null) || compareTexts(value(a ?? 0, 'number'), value(b ?? 0, 'number')));
+  const numberOf = (pool) => (pool === null ? Infinity : value(pool, 'number') ?? Infinity);
+  const pools = [...drivesByPool.get(partition)].sort(([a], [b]) => inOrder(numberOf(a), numberOf(b)));
   const sizes = pools.map(([pool, drives]) => ({ pool, drives, megabytes: capacityOf(drives) }));
   const all = Math.max(1, sizes.reduce((sum, one) => sum + one.megabytes, 0));
   const paths = new Map();
   let x = 0;
   sizes.forEach(({ pool, megabytes }, at) => {
     const width = megabytes / all * 1000;
-    addTo(paths, pool === null ? 'rest' : `c${at % mostColours}`, `M${x} 0h${Math.max(0, width - 3)}v1h${-Math.max(0, width - 3)}z`);
+    const filled = Math.max(0, width - 3);
+    addTo(paths, pool === null ? 'rest' : `c${at % mostColours}`, `M${x} 0h${filled}v1h${-filled}z`);
     x += width;
   });
   return element('div', { class: 'pools' }, sizes.length === 0 ? '' : stretched(1000, 1, paths),
@@ -190,8 +198,9 @@ const beside = (...sections) => element('div', { class: 'beside' }, ...sections)
 
 function drawOverview() {
   const odd = section('What is odd', oddityList());
-  if (!data.changes) return [...missingNotice(), totals(), odd, beside(rackOverview(), ...partitionOverview()), ...otherEnclosures(), index()];
-  return [...missingNotice(), totals(), beside(rackOverview(), changeSection()), odd, ...partitionOverview(), ...otherEnclosures(), index()];
+  const first = data.changes ? [beside(rackOverview(), changeSection()), odd, ...partitionOverview()]
+    : [odd, beside(rackOverview(), ...partitionOverview())];
+  return [...missingNotice(), totals(), ...first, ...otherEnclosures(), index()];
 }
 
 function missingNotice() {

@@ -23,7 +23,8 @@ function termsOf(query) {
 
 function compare(one, text) {
   const number = Number(text);
-  return typeof one === 'number' && text !== '' && !Number.isNaN(number) ? one - number : compareTexts(String(one).toLowerCase(), text);
+  const numbers = typeof one === 'number' && text !== '' && !Number.isNaN(number);
+  return numbers ? one - number : compareTexts(String(one).toLowerCase(), text);
 }
 
 /// Whether a column's value is what a condition asks for. A number is one, not a text that holds one.
@@ -52,8 +53,8 @@ function mark(rows, cells, good) {
 }
 
 function rowsWithProperty(table, { code, text }) {
-  return Uint8Array.from({ length: table.rows }, (_, row) =>
-    (propertiesOf(table.first + row).some((one) => one.code.toLowerCase() === code && one.text.toLowerCase().includes(text)) ? 1 : 0));
+  const has = (one) => one.code.toLowerCase() === code && one.text.toLowerCase().includes(text);
+  return Uint8Array.from({ length: table.rows }, (_, row) => (propertiesOf(table.first + row).some(has) ? 1 : 0));
 }
 
 /// Shapes with a property that no column tells and that has the text.

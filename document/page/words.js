@@ -12,6 +12,9 @@ function amount(number, table) {
   return `${count(number)} ${number === 1 ? table.singular : table.plural}`;
 }
 
+/// What is told beside each other; what is not there is left out.
+const facts = (...texts) => texts.filter(Boolean).join(' · ');
+
 const capital = (text) => text.slice(0, 1).toUpperCase() + text.slice(1);
 
 /// 73400 megabytes as "73.4 GB".
@@ -26,9 +29,12 @@ function capacity(megabytes) {
   return `${count(amountLeft)} ${units[at]}`;
 }
 
+/// "v0" to "h3": their names are only numbers.
+const isCount = (column) => /^[a-z]\d$/.test(column.name);
+
 /// What a column is called: "part number"; what "v0" counts where a name is only a number.
 function labelOf(column) {
-  if (/^[a-z]\d$/.test(column.name)) return column.meaning;
+  if (isCount(column)) return column.meaning;
   return column.name.replace(/_mb$/, '').replaceAll('_', ' ');
 }
 
