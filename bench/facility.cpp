@@ -109,6 +109,21 @@ Memory Facility::measureMemory() const
     return memory;
 }
 
+Waits Facility::measureWaits() const
+{
+    const std::string account = folder_ + "waits.txt";
+    collect({"env", recorder(), std::string(waitsVariable) + '=' + account});
+    Waits waits{};
+    std::ifstream(account) >> waits.whole >> waits.commands >> waits.client >> waits.shells;
+    if (waits.whole <= 0) throw std::runtime_error("the recorder kept no account of waiting");
+    return waits;
+}
+
+std::string Facility::recorder() const
+{
+    return "LD_PRELOAD=" + programs_ + "../lib/libkord-bench-recorder.so";
+}
+
 /// Racks of 5 enclosures with 20 drives each, so that only the number of racks grows.
 void Facility::make() const
 {
@@ -120,8 +135,7 @@ void Facility::make() const
 
 void Facility::record() const
 {
-    collect({"env", "LD_PRELOAD=" + programs_ + "../lib/libkord-bench-recorder.so",
-             std::string(recordingVariable) + '=' + folder_ + "recording/calls"});
+    collect({"env", recorder(), std::string(recordingVariable) + '=' + folder_ + "recording/calls"});
     fs::copy_file(folder_ + "root/var/adm/stockmere/VPD/addTarnKord_" + mtms + ".xml",
                   folder_ + "recording/document.xml");
 }

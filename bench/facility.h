@@ -28,10 +28,19 @@ struct Memory {
     double resident; ///< anonymous resident memory of the process
 };
 
+/// Both the collector and the floor with the client's calls.
 struct Times {
-    double collector; ///< with its client calls
+    double collector;
     double floor;
     double client;
+};
+
+/// Nanoseconds by the wall's clock.
+struct Waits {
+    double whole;
+    double commands; ///< shells and what they run
+    double client;
+    double shells; ///< as many that do nothing
 };
 
 class Facility
@@ -48,11 +57,14 @@ public:
     [[nodiscard]] Calls countCalls() const;
     [[nodiscard]] Instructions countInstructions() const;
     [[nodiscard]] Memory measureMemory() const;
+    [[nodiscard]] Waits measureWaits() const;
 
 private:
     void make() const;
     void record() const;
     void cleanLog() const;
+    /// What has the recorder in a program that is started with it.
+    [[nodiscard]] std::string recorder() const;
     /// Runs a program on the console.
     Ended onConsole(const Command& program, int status = 0) const;
     /// Runs the collector, with something in front of its name.

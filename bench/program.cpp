@@ -15,7 +15,7 @@ namespace bench
 namespace
 {
 
-pid_t start(const Command& command, int output)
+pid_t start(const Command& command, int output, Errors errors)
 {
     std::vector<char*> arguments;
     for (const std::string& argument : command)
@@ -24,6 +24,8 @@ pid_t start(const Command& command, int output)
     posix_spawn_file_actions_t actions;
     posix_spawn_file_actions_init(&actions);
     posix_spawn_file_actions_adddup2(&actions, output, STDOUT_FILENO);
+    if (errors == Errors::thrownAway)
+        posix_spawn_file_actions_addopen(&actions, STDERR_FILENO, "/dev/null", O_WRONLY, 0);
     pid_t child = 0;
     const int failure = posix_spawnp(&child, arguments[0], &actions, nullptr, arguments.data(), environ);
     posix_spawn_file_actions_destroy(&actions);
@@ -61,13 +63,13 @@ std::string programFolder()
     return program.substr(0, program.rfind('/') + 1);
 }
 
-Ended run(const Command& command, int status)
+Ended run(const Command& command, int status, Errors errors)
 {
     int ends[2];
     if (pipe2(ends, O_CLOEXEC) != 0) throw std::runtime_error("no pipe");
-    const pid_t child = start(command, ends[1]);
+    const pid_t child = start(command, ends[1], errors);
     close(ends[1]);
-    Ended ended{.output = readToEnd(ends[0]), .time = 0, .peak = 0};
+    Ended ended{.output = readToEnd(ends[0]), .time = 0, .peak = 0, .faults = 0};
     close(ends[0]);
 
     siginfo_t info{};
@@ -76,6 +78,7 @@ Ended run(const Command& command, int status)
     rusage usage{};
     wait4(child, nullptr, 0, &usage);
     ended.peak = static_cast<double>(usage.ru_maxrss) * 1024;
+    ended.faults = static_cast<double>(usage.ru_minflt);
     if (info.si_code != CLD_EXITED || info.si_status != status)
         throw std::runtime_error(command[0] + " ended with " + std::to_string(info.si_status));
     return ended;

@@ -51,8 +51,9 @@ double now()
 /// What the run waited for.
 struct Waits {
     double start = now();
-    double shells = 0;
+    double commands = 0;
     double client = 0;
+    int count = 0; ///< commands
 };
 Waits waits;
 
@@ -113,14 +114,22 @@ bool isTraceLine(const char* path, int flags)
     unsetenv("LD_PRELOAD"); // the shells that the collector starts are none of the recorder's business
 }
 
+/// Whole time, commands, client, and what as many shells take that do nothing.
+void writeWaits(FILE* file)
+{
+    const double whole = now() - waits.start;
+    double shells = 0;
+    for (int i = 0; i < waits.count; ++i)
+        timed(shells, [] { return real<int(const char*)>("system")(":"); });
+    std::fprintf(file, "%.0f %.0f %.0f %.0f\n", whole, waits.commands, waits.client, shells);
+    std::fclose(file);
+}
+
 [[gnu::destructor]] void end()
 {
     if (recording != nullptr) std::fclose(recording);
     const char* path = std::getenv(waitsVariable);
-    FILE* file = path == nullptr ? nullptr : std::fopen(path, "we");
-    if (file == nullptr) return;
-    std::fprintf(file, "%.0f %.0f %.0f\n", now() - waits.start, waits.shells, waits.client);
-    std::fclose(file);
+    if (FILE* file = path == nullptr ? nullptr : std::fopen(path, "we")) writeWaits(file);
 }
 
 int32_t query(const char* name, ClientCall kind, ValeSessionHandle session, ValeQueryResponse** responses,
@@ -190,7 +199,8 @@ extern "C" int system(const char* command)
     record(output.empty() ? EntryKind::command : EntryKind::output, output + command);
     output.clear();
     if (recording != nullptr) std::fflush(recording);
-    return timed(waits.shells, [command] { return next(command); });
+    ++waits.count;
+    return timed(waits.commands, [command] { return next(command); });
 }
 
 int32_t vale_start_session(const char* const* contacts, uint32_t contactCount, uint32_t scope,

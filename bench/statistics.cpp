@@ -51,10 +51,10 @@ Series difference(const Series& from, const Series& what)
     return combine(from, what, std::minus<>());
 }
 
-std::vector<Series> interleave(const std::vector<Contender>& contenders)
+std::vector<Series> interleave(const std::vector<Contender>& contenders, size_t counted)
 {
     std::vector<Series> results(contenders.size());
-    for (size_t round = 0; round <= rounds; ++round) {
+    for (size_t round = 0; round <= counted; ++round) {
         for (size_t i = 0; i < contenders.size(); ++i) {
             const size_t turn = (round + i) % contenders.size();
             const double value = contenders[turn].measure();

@@ -29,7 +29,7 @@ struct Contender {
 };
 
 /// The contenders' values; each round begins with another contender, and a first round is not counted.
-std::vector<Series> interleave(const std::vector<Contender>& contenders);
+std::vector<Series> interleave(const std::vector<Contender>& contenders, size_t counted = rounds);
 
 /// Nanoseconds of this process's own user and system time.
 double ownTime();

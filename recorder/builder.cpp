@@ -106,11 +106,13 @@ void addLines(std::string& text, const ordered_json& list, const std::string& in
 
 } // namespace
 
-ordered_json buildFacility(const Origin& origin, const std::vector<Call>& calls)
+ordered_json buildFacility(const Origin& origin, std::vector<Call> calls)
 {
     Gatherer gatherer;
     for (const Call& call : calls)
         gatherer.take(call);
+    json rules = rulesFor(calls, RegularConsole(gatherer));
+    calls = {}; // they are as large as the facility, which is still to be made
     ordered_json facility = gatherer.facility();
     ordered_json& recording = facility["recording"];
     recording["command"] = origin.command;
@@ -118,7 +120,7 @@ ordered_json buildFacility(const Origin& origin, const std::vector<Call>& calls)
     recording["date"] = origin.date;
     recording["status"] = origin.status;
     recording["versions"] = origin.versions;
-    facility["faults"] = rulesFor(calls, RegularConsole(gatherer));
+    facility["faults"] = std::move(rules);
     return facility;
 }
 

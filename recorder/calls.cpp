@@ -29,7 +29,7 @@ std::vector<uint64_t> takeResources(json& response)
     return numbers;
 }
 
-Call readClientCall(const json& line)
+Call readClientCall(json& line)
 {
     Call call;
     call.matcher = {{"call", line["vale"]}, {"scope", line["scope"]}};
@@ -39,7 +39,7 @@ Call readClientCall(const json& line)
     call.outcome = json::object();
     if (line["result"] != 0) call.outcome["fails"] = {{"code", line["result"]}};
     if (line.contains("responses")) {
-        json& answer = call.outcome["answer"] = line["responses"];
+        json& answer = call.outcome["answer"] = std::move(line["responses"]);
         for (json& response : answer)
             call.resources.push_back(takeResources(response));
     }
@@ -90,11 +90,11 @@ void addProgram(std::vector<Call>& calls, const json& line, const std::vector<st
 
 } // namespace
 
-std::vector<Call> readCalls(const std::vector<json>& tape)
+std::vector<Call> readCalls(std::vector<json> tape)
 {
     std::vector<Call> calls;
     std::vector<std::string> started; // since the last program ended
-    for (const json& line : tape) {
+    for (json& line : tape) {
         if (line.contains("started")) {
             started.push_back(line["started"]);
         } else if (line.contains("program")) {
@@ -105,6 +105,7 @@ std::vector<Call> readCalls(const std::vector<json>& tape)
         } else {
             calls.push_back(readClientCall(line));
         }
+        line = nullptr;
     }
     return calls;
 }

@@ -23,7 +23,8 @@ struct Call { // NOLINT(bugprone-exception-escape): moving JSON does not throw
     std::vector<std::string> arguments; ///< programs
 };
 
-/// Reads a tape's lines.
-std::vector<Call> readCalls(const std::vector<nlohmann::json>& tape);
+/// Reads a tape's lines. A large facility's answers take hundreds of megabytes: a tape that is not needed any
+/// more hands its own on.
+std::vector<Call> readCalls(std::vector<nlohmann::json> tape);
 
 } // namespace recorder

@@ -104,10 +104,10 @@ Heard readTape(const fs::path& path)
     Heard heard;
     std::ifstream file(path);
     for (std::string text; std::getline(file, text);) {
-        const json line = json::parse(text, nullptr, false);
+        json line = json::parse(text, nullptr, false);
         if (line.is_discarded())
             throw platform::Failure(path.string() + ": the recording is cut: is the disk full?");
-        (line.contains("collector") ? heard.collectors : heard.tape).push_back(line);
+        (line.contains("collector") ? heard.collectors : heard.tape).push_back(std::move(line));
     }
     return heard;
 }
@@ -265,9 +265,9 @@ int record(const Options& options)
                              ? redactor.commandLine(origin.command)
                              : std::vector<std::string>{origin.command[0]}; // who knows what the rest tells
     }
-    const std::vector<Call> calls = readCalls(heard.tape);
+    std::vector<Call> calls = readCalls(options.verify ? heard.tape : std::move(heard.tape));
     origin.system = systemOf(origin.command, calls);
-    const std::string facility = toText(buildFacility(origin, calls));
+    const std::string facility = toText(buildFacility(origin, std::move(calls)));
     checkFacility(facility);
     program = repeatedBy(origin, program);
     if (options.verify) verify(workshop, installation, facility, heard.tape, program, signals);

@@ -65,10 +65,11 @@ json programOutcome(int status, const std::string& output)
 RegularConsole::RegularConsole(const Gatherer& gathered) : gatherer(gathered)
 {
     nlohmann::ordered_json facility = gatherer.facility();
-    compiled = facility::compile(facility.dump()).image;
-    image.base = compiled.data();
+    const std::string text = facility.dump();
     facility.erase("resources");
     frame = facility;
+    compiled = facility::compile(text).image;
+    image.base = compiled.data();
 }
 
 json RegularConsole::outcome(const Call& call) const

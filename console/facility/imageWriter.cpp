@@ -3,17 +3,46 @@
 #include "facility/imageWriter.h"
 
 #include <cstring>
+#include <functional>
 
 namespace console::facility
 {
 
-ImageWriter::ImageWriter() : buffer(sizeof(image::Header), '\0') {}
+namespace
+{
+
+constexpr size_t firstTexts = 1024;
+
+} // namespace
+
+ImageWriter::ImageWriter() : buffer(sizeof(image::Header), '\0'), texts(firstTexts) {}
+
+ImageWriter::Known& ImageWriter::find(std::string_view text, uint64_t hash)
+{
+    for (size_t place = hash;; ++place) {
+        Known& one = texts[place & (texts.size() - 1)];
+        const bool same = one.hash == hash && std::string_view(buffer).substr(one.place, one.size) == text;
+        if (one.place == 0 || same) return one;
+    }
+}
+
+void ImageWriter::grow()
+{
+    std::vector<Known> before(2 * texts.size());
+    before.swap(texts);
+    for (const Known& one : before) {
+        if (one.place != 0) find(std::string_view(buffer).substr(one.place, one.size), one.hash) = one;
+    }
+}
 
 image::Offset ImageWriter::text(std::string_view text)
 {
-    const auto known = texts.find(text);
-    if (known != texts.end()) return known->second;
-    return texts.emplace(text, bytes(text)).first->second;
+    const uint64_t hash = std::hash<std::string_view>{}(text);
+    if (Known& one = find(text, hash); one.place != 0) return one.place;
+    if (2 * ++known > texts.size()) grow();
+    const image::Offset place = bytes(text);
+    find(text, hash) = {.place = place, .hash = hash, .size = text.size()};
+    return place;
 }
 
 image::Offset ImageWriter::bytes(std::string_view bytes)

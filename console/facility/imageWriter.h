@@ -4,11 +4,10 @@
 
 #include "image/image.h"
 
-#include <functional>
 #include <span>
 #include <string>
 #include <string_view>
-#include <unordered_map>
+#include <vector>
 
 namespace console::facility
 {
@@ -33,14 +32,20 @@ public:
     std::string finish(const image::Header& header);
 
 private:
-    struct Hash {
-        using is_transparent = void;
-        size_t operator()(std::string_view text) const { return std::hash<std::string_view>{}(text); }
+    /// A text's place, with as much of its hash as keeps others from being looked at.
+    struct Known {
+        image::Offset place = 0; ///< 0: free
+        uint64_t hash = 0;
+        uint64_t size = 0;
     };
     image::Offset append(const void* data, size_t size);
+    /// Where in the table the text is, or would be.
+    Known& find(std::string_view text, uint64_t hash);
+    void grow();
 
     std::string buffer;
-    std::unordered_map<std::string, image::Offset, Hash, std::equal_to<>> texts;
+    std::vector<Known> texts; ///< by hash; a power of two, never more than half of it taken
+    size_t known = 0;
 };
 
 } // namespace console::facility
