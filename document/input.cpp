@@ -97,7 +97,9 @@ std::vector<std::string> documentsOf(const std::string& file)
         for (const auto& entry : fs::directory_iterator(file)) {
             const std::string name = entry.path().filename();
             const bool document = name.ends_with(".xml") || name.ends_with(".xml.gz");
-            if (name.starts_with("addTarnKord_") && document) found.push_back(entry.path());
+            // Who can write to the folder can put a pipe there, which would be waited for.
+            const bool isOther = entry.exists(ignored) && !entry.is_regular_file(ignored);
+            if (name.starts_with("addTarnKord_") && document && !isOther) found.push_back(entry.path());
         }
     } catch (const fs::filesystem_error& failure) {
         fail(platform::shown(file), failure.code().value());

@@ -186,7 +186,7 @@ std::string collectedAt(std::string_view timestamp)
     const auto seconds = numberOf(timestamp.substr(0, timestamp.find('.')));
     const auto microseconds = numberOf(behindLast(timestamp, "."));
     std::tm time{};
-    const std::time_t whole = seconds.value_or(0);
+    const auto whole = static_cast<std::time_t>(seconds.value_or(0));
     if (!seconds || !microseconds || *microseconds > 999'999 || gmtime_r(&whole, &time) == nullptr) return {};
     std::array<char, 64> text{};
     const size_t length = std::strftime(text.data(), text.size(), "%Y-%m-%dT%H:%M:%S", &time);

@@ -27,6 +27,27 @@ fs::path pathOf(const FileDescriptor& file)
     return path;
 }
 
+bool isOwn(const fs::path& path)
+{
+    struct stat there {
+    };
+    return stat(path.c_str(), &there) == 0 && there.st_uid == geteuid();
+}
+
+/// What is there, for writing. Nobody else's pipe is waited for until it is read, which may be never.
+FileDescriptor openThere(const fs::path& path)
+{
+    constexpr int flags = O_WRONLY | O_NOCTTY | O_CLOEXEC;
+    FileDescriptor file(open(path.c_str(), flags | O_NONBLOCK));
+    if (file.isOpen()) {
+        fcntl(file.get(), F_SETFL, flags);
+    } else if (errno == ENXIO) {
+        if (!isOwn(path)) throw Failure(path.string() + ": nobody reads this pipe of somebody else's");
+        file = FileDescriptor(open(path.c_str(), flags));
+    }
+    return file;
+}
+
 fs::path folderOf(const fs::path& path)
 {
     return path.has_parent_path() ? path.parent_path() : fs::path(".");
@@ -37,7 +58,7 @@ fs::path folderOf(const fs::path& path)
 /// Opening what is there asks the kernel whether this user may write it, also through a link of somebody
 /// else.
 WholeFile::WholeFile(fs::path path, std::optional<mode_t> mode)
-    : named(std::move(path)), place(named), file(open(named.c_str(), O_WRONLY | O_NOCTTY | O_CLOEXEC))
+    : named(std::move(path)), place(named), file(openThere(named))
 {
     if (!file.isOpen() && errno != ENOENT) throw failedOn(named.string());
     if (file.isOpen()) {

@@ -29,6 +29,7 @@ inline const std::string managedSystem = "9999-B2C*7ABCD12";
 struct Options {
     bool full = false;    ///< every run; otherwise a share of them that takes seconds
     bool verbose = false; ///< say more of each failing run
+    unsigned every = 1;   ///< of the runs, every so-manyth
     unsigned jobs = 0;    ///< runs at a time; 0: as many as there are cores
     std::string only;     ///< the name of the one run wanted; empty: all
 };

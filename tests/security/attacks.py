@@ -489,9 +489,14 @@ def tool_attacks():
             ("kord show of deep nesting", ["show", "deep.xml"], range(3),
              "awk 'BEGIN { for (i = 0; i < 200000; ++i) printf \"<a>\" }' >deep.xml"),
             ("kord show of a name that is an option", ["show", "--", "--version"], trouble, ""),
+            ("kord list of a folder with a FIFO among its documents", ["list", "drives", "documents"], [0],
+             "mkdir -p documents/addTarnKord_b.xml; mkfifo documents/addTarnKord_a.xml; cp console/var/adm/stockmere/VPD/*.xml documents"),
             ("kord follow of a log that is a folder", ["follow", "{folder}"], trouble, ""),
     ):
         yield name, lambda arguments=arguments, statuses=statuses, before=before: tool(arguments, statuses, before)
+    if os.geteuid() == 0:  # who alone can give a FIFO away
+        yield "kord show onto a FIFO of another user that nobody reads", lambda: tool(
+            ["show", "--html", "fifo", "{document}"], trouble, f"mkfifo fifo; chown {NOBODY} fifo")
 
 
 # ---- the launcher ----

@@ -23,8 +23,8 @@ struct Outcome {
     std::string error;
 };
 
-/// Runs the program with an empty standard input and the umask 022. A program that outlives its limit is
-/// killed with all that it started.
+/// Runs the program with an empty standard input and the umask 022. A program that outlives its limit,
+/// times KORD_PATIENCE where that is set, is killed with all that it started.
 Outcome runProcess(const Command& command);
 
 /// Whether runs on the console get a mount namespace of their own here.
