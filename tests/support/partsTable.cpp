@@ -118,7 +118,7 @@ std::string withoutUnit(const std::string& text)
 
 std::string timeOf(const std::string& timestamp)
 {
-    const std::time_t seconds = std::stoll(timestamp);
+    const std::time_t seconds = std::stol(timestamp);
     std::tm time{};
     gmtime_r(&seconds, &time);
     char text[64];
