@@ -374,7 +374,7 @@ void spoil(json& resource, const ClassForm& form, Random& random)
     for (const AttributeForm& attribute : form.attributes) {
         if (random() % 12 != 0) continue;
         const std::vector<HostileValue> values = valuesOf(typeName(attribute.type), random);
-        resource[attribute.name] = values[random() % values.size()].value;
+        resource[attribute.name] = values[numberBelow(random, values.size())].value;
     }
 }
 

@@ -16,7 +16,7 @@ std::string plain(Random& random, size_t length)
 {
     constexpr std::string_view letters = "QWXYZqwxyz2345678";
     std::string text(length, ' ');
-    std::ranges::generate(text, [&] { return letters[random() % letters.size()]; });
+    std::ranges::generate(text, [&] { return letters[numberBelow(random, letters.size())]; });
     return text;
 }
 
@@ -42,7 +42,7 @@ std::string command()
 
 std::string anyBytes(Random& random)
 {
-    std::string text(random() % 300, ' ');
+    std::string text(numberBelow(random, 300), ' ');
     std::ranges::generate(text, [&] { return static_cast<char>(1 + random() % 127); });
     return text;
 }

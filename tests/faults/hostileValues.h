@@ -16,6 +16,12 @@ namespace sweep
 
 using Random = std::mt19937_64;
 
+/// A number below `end`, on machines of 32 bits, too.
+inline size_t numberBelow(Random& random, size_t end)
+{
+    return static_cast<size_t>(random() % end);
+}
+
 /// The file that hostile texts try to make in the folder where the collector runs.
 inline constexpr const char* canary = "canary";
 
