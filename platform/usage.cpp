@@ -91,16 +91,22 @@ std::string entry(const std::string& name, std::string_view help, size_t column)
     return before + wrapped(text.substr(before.size()), split(help, ' '), column);
 }
 
-/// What holds where the option is not given.
+/// What holds where the option is not given. A number that could not be given is none.
 std::string defaultOf(const Option& option)
 {
     struct Text {
-        std::string operator()(const uint32_t* number) const { return std::to_string(*number); }
-        std::string operator()(const uint64_t* number) const { return std::to_string(*number); }
+        uint64_t least;
+
+        [[nodiscard]] std::string of(uint64_t number) const
+        {
+            return number < least ? "" : std::to_string(number);
+        }
+        std::string operator()(const uint32_t* number) const { return of(*number); }
+        std::string operator()(const uint64_t* number) const { return of(*number); }
         std::string operator()(const std::string* text) const { return *text; }
         std::string operator()(const void*) const { return ""; }
     };
-    const std::string text = std::visit(Text{}, option.into);
+    const std::string text = std::visit(Text{option.least}, option.into);
     return text.empty() ? "" : " (else " + text + ")";
 }
 

@@ -126,7 +126,7 @@ std::string systemOf(const std::vector<std::string>& command, const std::vector<
 {
     if (facility::isCollection(command)) return command[2];
     for (const Call& call : calls) {
-        const std::string system = systemAskedFor(call.arguments);
+        std::string system = systemAskedFor(call.arguments);
         if (!system.empty()) return system;
     }
     return {};

@@ -195,7 +195,7 @@ std::string Redactor::selection(const std::string& text)
 /// A stand-in that must not read as what the collector looks for.
 std::string Redactor::unlike(std::string_view telling, const std::string& text)
 {
-    const std::string other = standIns.of(text);
+    std::string other = standIns.of(text);
     if (other == telling) misleading = true;
     return other;
 }
@@ -206,7 +206,7 @@ std::string Redactor::unlike(std::string_view telling, const std::string& text)
 std::string Redactor::vitalData(const std::string& line)
 {
     std::string keyword;
-    const std::string result = inPieces(line, " \t", [&](const std::string& word) {
+    std::string result = inPieces(line, " \t", [&](const std::string& word) {
         const auto start = static_cast<size_t>(std::ranges::find_if(word, isPlain) - word.begin());
         const std::string bare = word.substr(start);
         const bool marks = bare.starts_with(typeModelKeyword) || bare.starts_with(serialKeyword);

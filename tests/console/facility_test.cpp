@@ -417,6 +417,75 @@ INSTANTIATE_TEST_SUITE_P(Frame, MalformedFacility, testing::ValuesIn(malformedFr
 INSTANTIATE_TEST_SUITE_P(Resources, MalformedFacility, testing::ValuesIn(malformedResources), nameOf);
 INSTANTIATE_TEST_SUITE_P(Rules, MalformedFacility, testing::ValuesIn(malformedRules), nameOf);
 
+/// Every sentence to the letter.
+TEST(Facility, SaysWhatIsWrongAndWhere)
+{
+    const std::string rule = "/faults/0: ";
+    const std::string noMeaning = "has no meaning in a rule for this call\n";
+    const auto field = [](const std::string& name) { return "/faults/0/" + name + ": "; };
+    const std::string value = field("answer/0/attributes/0/1");
+    const std::vector<std::pair<std::string, std::string>> cases = {
+        {R"({"call": "end_session", "program": "qmstat", "status": 1})",
+         field("call") + "must be program in a rule that names a program\n"},
+        {R"({"program": "qmstat", "scope": 1, "status": 1})",
+         field("scope") + "has no meaning in a rule for programs\n"},
+        {R"({"call": "start_session", "class": "Orvik.TarnRack", "delay": 1})", field("class") + noMeaning},
+        {R"({"call": "start_session", "selection": "", "delay": 1})", field("selection") + noMeaning},
+        {R"({"call": "end_session", "selectionContains": "", "delay": 1})",
+         field("selectionContains") + noMeaning},
+        {R"({"call": "invoke_action", "selection": "", "delay": 1})", field("selection") + noMeaning},
+        {R"({"class": "Orvik.TarnShelf", "delay": 1})", field("class") + "must be a class that exists\n"},
+        {R"({})", rule + "has no effect\n"},
+        {R"({"fails": {"code": 1}, "answer": []})", rule + "has more than one effect: fails, answer\n"},
+        {R"({"error": {"number": 1}, "answer": []})", rule + "has more than one effect: error, answer\n"},
+        {R"({"fails": {"code": 1}, "output": ""})",
+         rule + "has more than one effect: fails, status and output\n"},
+        {R"({"program": "qmstat", "fails": {"code": 1}})", field("fails") + "is no effect on a program\n"},
+        {R"({"program": "qmstat", "error": {"number": 1}})", field("error") + "is no effect on a program\n"},
+        {R"({"program": "qmstat", "answer": []})",
+         field("answer") + "must hold a program's status and output\n"},
+        {R"({"program": "qmstat", "answer": [{}]})",
+         field("answer") + "must hold a program's status and output\n"},
+        {R"({"program": "qmstat", "answer": [{"output": "", "error": {"number": 1}}]})",
+         field("answer") + "must hold a program's status and output\n"},
+        {R"({"status": 1})", field("status") + "is an effect on programs\n"},
+        {R"({"call": "query_p_select", "output": ""})", field("output") + "is an effect on programs\n"},
+        {R"({"call": "end_session", "error": {"number": 1}})",
+         field("error") + "is no effect on a call without responses\n"},
+        {R"({"call": "start_session", "answer": []})",
+         field("answer") + "is no effect on a call without responses\n"},
+        {R"({"answer": {}})", field("answer") + "must be a list of responses\n"},
+        {R"({"answer": [{"status": 1}]})", field("answer/0/status") + "is an effect on programs\n"},
+        {R"({"call": "query_p_select", "answer": [{"handles": 4}]})",
+         field("answer/0/handles") + "does not answer query_p_select\n"},
+        {R"({"call": "query_d_select", "answer": [{"elements": []}]})",
+         field("answer/0/elements") + "does not answer query_d_select\n"},
+        {R"({"call": "enumerate_resources", "answer": [{"attributes": []}]})",
+         field("answer/0/attributes") + "does not answer enumerate_resources\n"},
+        {R"({"call": "invoke_action", "answer": [{"handles": 1}]})",
+         field("answer/0/handles") + "does not answer invoke_action\n"},
+        {R"({"answer": [{"handles": 1, "elements": []}]})",
+         field("answer/0") + "answers several kinds of calls\n"},
+        {R"({"answer": [{"attributes": [["Hostname", 1]]}]})", value + "must be a text or null\n"},
+        {R"({"answer": [{"attributes": [["Status", "1"]]}]})",
+         value + "must be an integer from -2147483648 to 2147483647 or null\n"},
+        {R"({"answer": [{"attributes": [["rackIdentifier", "1"]]}]})",
+         value + "must be an integer from 0 to 4294967295 or null\n"},
+        {R"({"answer": [{"attributes": [["arraySites", "1"]]}]})",
+         value + "must be a list of integers or null\n"},
+        {R"({"answer": [{"attributes": [["arraySiteConfiguration", [1]]]}]})",
+         value + "must be a list of texts or null\n"},
+        {R"({"answer": [{"attributes": [["any", [1, "a"]]]}]})",
+         value + "must be a list of one kind or null\n"},
+        {R"({"delay": 1, "delay": 1})", field("delay") + "stands here more than once\n"},
+        {R"({"delay": 1, "calls": 1})", field("calls") + "is not known here\n"},
+        {R"({"fails": {"code": 1, "message": "\u0000"}})", field("fails/message") + "holds a NUL\n"},
+        {R"({"fails": {}})", field("fails") + "lacks \"code\"\n"},
+    };
+    for (const auto& [text, expected] : cases)
+        EXPECT_EQ(lines(compile("{\"faults\": [" + text + "]}").faults), expected) << text;
+}
+
 const char* const goodFacilities[] = {
     "{}",
     R"({"console": {}, "systems": {}, "resources": {}, "faults": []})",

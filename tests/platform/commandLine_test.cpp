@@ -436,6 +436,10 @@ TEST(CommandLine, WrapsHelp)
                              .options = {{.names = "--n", .into = &number, .help = "So many", .value = "N"}}};
     EXPECT_THAT(runOne(command, {"size", "-h"}).output,
                 testing::HasSubstr("\n      --n N               So many (else 5)\n"));
+    Command bounded = command;
+    bounded.options[0].least = 6; // what could not be given stands for nothing
+    EXPECT_THAT(runOne(bounded, {"size", "-h"}).output,
+                testing::HasSubstr("\n      --n N               So many\n"));
 }
 
 /// What is offered behind these words; the last one is being typed.

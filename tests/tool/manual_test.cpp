@@ -4,6 +4,8 @@
 #include "process.h"
 
 #include <algorithm>
+#include <cstdlib>
+#include <fstream>
 #include <gtest/gtest.h>
 #include <regex>
 #include <set>
@@ -114,6 +116,22 @@ TEST_P(Manual, describesEveryOption)
              found(helpOf({command}), "\n  [^-\n]*(?:-[a-z], )? *--([a-z][a-z-]*)"))
             EXPECT_TRUE(described.contains(option) || common.contains(option)) << command << " --" << option;
     }
+}
+
+/// What every command says of itself. KORD_UPDATE=1 renews the file, for somebody to read it over.
+TEST_P(Manual, hasTheHelpThatWasReadOver)
+{
+    const std::filesystem::path file = source / "tests/tool/help" / (name + ".txt");
+    std::string help = helpOf({});
+    for (const std::string& command : commandsOfHelp())
+        help.append("\n$ ")
+            .append(name)
+            .append(1, ' ')
+            .append(command)
+            .append(" --help\n")
+            .append(helpOf({command}));
+    if (std::getenv("KORD_UPDATE") != nullptr) std::ofstream(file) << help;
+    EXPECT_EQ(kordTest::readFile(file), help);
 }
 
 INSTANTIATE_TEST_SUITE_P(Commands, Manual, testing::Values("kord", "kord-console"),
