@@ -787,7 +787,7 @@ std::string placeOf(const KindRow& row)
 std::string sourceOf(const Column& column)
 {
     const Source& source = column.source;
-    const std::string code = '`' + std::string(source.code) + '`';
+    std::string code = '`' + std::string(source.code) + '`';
     const std::string mark = '`' + std::string(source.mark) + '`';
     switch (source.from) {
     case From::system:

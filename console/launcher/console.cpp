@@ -112,7 +112,7 @@ void makeRootFolders(const fs::path& root)
 fs::path makeRoot(const fs::path& given)
 {
     // A link is seen only without a / after it.
-    const fs::path root = fs::absolute(given.has_filename() ? given : given.parent_path());
+    fs::path root = fs::absolute(given.has_filename() ? given : given.parent_path());
     refuseStrangersOnTheWay(root);
     makeRootFolders(root);
     refuseStrangers(root);

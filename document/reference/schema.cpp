@@ -20,7 +20,7 @@ using Json = nlohmann::ordered_json;
 
 Json schemaOf(Type type)
 {
-    const Json text = {{"type", "string"}, {"minLength", 1}};
+    Json text = {{"type", "string"}, {"minLength", 1}};
     switch (type) {
     case Type::text:
         return text;

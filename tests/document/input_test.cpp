@@ -29,7 +29,7 @@ protected:
 
     fs::path writePacked(const std::string& name, const std::string& bytes)
     {
-        const fs::path path = folder.path() / name;
+        fs::path path = folder.path() / name;
         gzFile file = gzopen(path.c_str(), "wb");
         gzwrite(file, bytes.data(), static_cast<unsigned>(bytes.size()));
         gzclose(file);

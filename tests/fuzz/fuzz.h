@@ -45,7 +45,7 @@ public:
     std::string line()
     {
         const size_t end = rest.find('\n');
-        const std::string text = terminated(rest.substr(0, end));
+        std::string text = terminated(rest.substr(0, end));
         rest.remove_prefix(end == std::string_view::npos ? rest.size() : end + 1);
         return text;
     }

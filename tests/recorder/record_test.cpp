@@ -340,6 +340,24 @@ TEST_F(Recording, OfAnErrorTellsTheErrorAlone)
     }
 }
 
+/// A level is that of the one well answer about a server partition; of none and of several it is not known.
+TEST_F(Recording, OfAnUnusualAnswerKnowsNoLevel)
+{
+    const json well = {{"elements", {0, "5.1.0.309"}}};
+    json inError = well;
+    inError["error"] = {{"number", 7}, {"message", "late\n"}};
+    for (const json& answer : {json::array({well, well}), json::array({inError}), json::array()}) {
+        fs::remove_all(folder / "recorded");
+        fs::remove_all(folder / "replay");
+        const json rule = {{"call", "invoke_action"}, {"answer", answer}};
+        const Left recorded = record(facilityWith("small.json", json::array({rule})));
+        const json partitions = recording()["resources"]["Orvik.TarnServerPartition"];
+        ASSERT_FALSE(partitions.empty()) << answer;
+        EXPECT_FALSE(partitions[0].contains("runningImageLevel")) << answer;
+        expectSame(recorded, replay());
+    }
+}
+
 TEST_F(Recording, OfSeveralFaultsAtOnce)
 {
     user = "brisk";

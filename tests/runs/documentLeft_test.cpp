@@ -40,12 +40,12 @@ Outcome runAfterYesterday(const std::string& fault, std::string& document)
     facility["faults"] = json::array();
     if (!fault.empty()) facility["faults"].push_back(json::parse(fault));
     std::ofstream(folder.path() / "facility.json") << facility;
-    const Outcome outcome = kordTest::runOnConsole({.console = fs::path(KORD_BUILD_DIR) / "bin/kord-console",
-                                                    .facility = folder.path() / "facility.json",
-                                                    .root = root,
-                                                    .folder = folder.path(),
-                                                    .user = std::nullopt,
-                                                    .program = {"addTarnKord", "-t", mtms}});
+    Outcome outcome = kordTest::runOnConsole({.console = fs::path(KORD_BUILD_DIR) / "bin/kord-console",
+                                              .facility = folder.path() / "facility.json",
+                                              .root = root,
+                                              .folder = folder.path(),
+                                              .user = std::nullopt,
+                                              .program = {"addTarnKord", "-t", mtms}});
     document = kordTest::withFixedTimestamp(kordTest::readFile(place).value_or("(none)"));
     return outcome;
 }

@@ -135,7 +135,7 @@ private:
 
     static json taken(json& object, const char* key)
     {
-        const json value = object.value(key, json());
+        json value = object.value(key, json());
         object.erase(key);
         return value;
     }
@@ -217,7 +217,7 @@ private:
     json valueOf(const std::string& name, const json& values)
     {
         if (!within.insert(name).second) throw std::runtime_error("\"" + name + "\" stands within itself");
-        const json value = filled(named(name, values), values);
+        json value = filled(named(name, values), values);
         within.erase(name);
         return value;
     }
@@ -245,7 +245,7 @@ private:
         for (size_t open = 0; (open = text.find('{', at)) != std::string::npos;) {
             const size_t close = text.find('}', open);
             if (close == std::string::npos) break;
-            const json value = braced(text.substr(open + 1, close - open - 1), values);
+            json value = braced(text.substr(open + 1, close - open - 1), values);
             if (open == 0 && close + 1 == text.size()) return value;
             result += text.substr(at, open - at) + textOf(value);
             at = close + 1;
