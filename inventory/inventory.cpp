@@ -20,14 +20,13 @@ constexpr int64_t application = 0x6B6F7264;
 /// Of the relations: it goes up with every change of theirs or of the table of parts.
 constexpr int64_t version = 1;
 
-/// A part's rows by system, which is what the indexes of `part` begin with, and then what became of it.
+/// A part's rows by snapshot, which is what the indexes of `part` begin with, and then what became of it.
 constexpr std::string_view historyOf = R"(
 SELECT part.collected AS collected, part.system AS system, part.kind, part.id, part.data ->> 'rack',
     part.data ->> 'enclosure', part.data ->> 'slot', part.serial, part.data ->> 'firmware',
     (SELECT iif(change = 'replaced', 'replaces ' || old_serial, change) FROM change
      WHERE snapshot = part.snapshot AND kind = part.kind AND id IS part.id AND serial IS part.serial)
-FROM (SELECT DISTINCT system FROM snapshot) AS one
-CROSS JOIN part ON part.system = one.system AND (part.serial = ?1 OR part.id = ?1)
+FROM snapshot AS one CROSS JOIN part ON part.snapshot = one.snapshot AND (part.serial = ?1 OR part.id = ?1)
 UNION ALL
 SELECT time, system, kind, id, data ->> 'rack', data ->> 'enclosure', data ->> 'slot', serial, NULL, change
 FROM change WHERE change = 'removed' AND (serial = ?1 OR id = ?1)

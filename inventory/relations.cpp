@@ -29,6 +29,9 @@ struct Dialect {
     bool columnar = false;
 };
 
+/// The indexes of `part` begin with the snapshot, so that a document's rows go to their ends: with the serial
+/// number first they would go to as many places as there are parts, more of them with every document. Who
+/// looks for a serial number through all documents looks into each.
 constexpr Dialect sqlite = {.opening = "",
                             .tables = R"(CREATE TABLE snapshot (
     snapshot INTEGER PRIMARY KEY,
@@ -57,8 +60,8 @@ CREATE TABLE part (
     data TEXT NOT NULL
 ) STRICT;
 CREATE INDEX part_of_kind ON part (snapshot, kind);
-CREATE INDEX part_by_serial ON part (system, serial) WHERE serial IS NOT NULL;
-CREATE INDEX part_by_id ON part (system, id);
+CREATE INDEX part_by_serial ON part (snapshot, serial);
+CREATE INDEX part_by_id ON part (snapshot, id);
 CREATE TABLE change (
     snapshot INTEGER NOT NULL REFERENCES snapshot,
     before INTEGER NOT NULL REFERENCES snapshot,

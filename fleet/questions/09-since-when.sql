@@ -1,6 +1,6 @@
 -- And since when have they had it?
 SELECT system, serial, min(collected) AS since FROM drive
-WHERE system IN (SELECT system FROM latest) AND serial IN (
+WHERE serial IN (
     SELECT serial FROM drive
     WHERE snapshot IN (SELECT snapshot FROM latest) AND firmware = 'T0C9')
     AND firmware = 'T0C9'
