@@ -57,7 +57,7 @@ Input::Input(const std::string& file)
     gzbuffer(source->file, packed);
 }
 
-Input::Input(std::string name, std::string_view bytes)
+Input::Input(const std::string& name, std::string_view bytes)
     : shownName(platform::shown(name)), source(std::make_unique<Source>())
 {
     source->bytes = bytes;

@@ -27,7 +27,7 @@ public:
     /// Malformed.
     explicit Input(const std::string& file);
     /// Bytes that are in memory already.
-    Input(std::string name, std::string_view bytes);
+    Input(const std::string& name, std::string_view bytes);
     ~Input();
     Input(Input&&) noexcept;
     Input& operator=(Input&&) = delete;
