@@ -86,10 +86,10 @@ private:
     struct Open {
         bool list = false;
         bool hadList = false;
-        Kind kind = Kind::other;      ///< of a part
-        std::string name{};           ///< of a list
-        std::bitset<36 * 36> codes{}; ///< of the properties that a part has
-        size_t row = 0;               ///< of the next property, in the table of parts
+        Kind kind = Kind::other;              ///< of a part
+        std::string name{};                   ///< of a list
+        std::bitset<size_t{36} * 36> codes{}; ///< of the properties that a part has
+        size_t row = 0;                       ///< of the next property, in the table of parts
     };
 
     /// A stretch of bytes, by its distance from the first byte that is not taken yet.
