@@ -122,14 +122,15 @@ Validator::~Validator() = default;
 
 void Validator::check(json& value, const std::string& pointer, Faults& faults) const
 {
+    // Of several alternatives all are tried where what is wrong is asked for, though one of them holds.
+    valijson::Validator validator(valijson::Validator::kStrongTypes);
+    if (validator.validate(*schema, Adapter(value), nullptr)) return;
     Faults found;
     bool again = true;
     while (again) { // of several unknown members only the first is reported at a time
         again = false;
         valijson::ValidationResults results;
-        if (valijson::Validator(valijson::Validator::kStrongTypes)
-                .validate(*schema, Adapter(value), &results))
-            break;
+        if (validator.validate(*schema, Adapter(value), &results)) break;
         for (const auto& error : results) {
             Path path = pathOf(error);
             if (error.description.starts_with(unknownMember)) {
