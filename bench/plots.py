@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Draws the benchmarks' results as SVG: plots.py RESULTS FOLDER. RESULTS is what scripts/bench prints, in Markdown.
+"""Draws the benchmarks' results as SVG: plots.py PAGE FOLDER. PAGE holds what scripts/bench prints, in Markdown.
 
 The colours stand out from white and from black; there is no background.
 """
@@ -67,9 +67,9 @@ class Picture:
         self.parts.append(f'<polyline class="line" stroke="{colour}" points="{path}"/>')
         self.parts += [f'<circle cx="{x:.1f}" cy="{y:.1f}" r="3.5" fill="{colour}"/>' for x, y in points]
 
-    def write(self, path):
+    def drawing(self):
         head = f'<svg xmlns="http://www.w3.org/2000/svg" width="{WIDTH}" height="{self.height}" viewBox="0 0 {WIDTH} {self.height}">'
-        path.write_text("\n".join([head, STYLE, *self.parts, "</svg>", ""]))
+        return "\n".join([head, STYLE, *self.parts, "</svg>", ""])
 
 
 def curves(title, sizes, series, unit):
@@ -162,11 +162,15 @@ def pictures(found):
             yield "tools.svg", bars("The tools at 100,000 drives, and the same bytes read and written, by powers of ten", rows, "ms")
 
 
+def drawings(markdown):
+    return {name: picture.drawing() for name, picture in pictures(tables(markdown))}
+
+
 def main():
-    results, folder = map(Path, sys.argv[1:])
+    page, folder = map(Path, sys.argv[1:])
     folder.mkdir(exist_ok=True)
-    for name, picture in pictures(tables(results.read_text())):
-        picture.write(folder / name)
+    for name, drawing in drawings(page.read_text()).items():
+        (folder / name).write_text(drawing)
 
 
 if __name__ == "__main__":

@@ -3,7 +3,7 @@
     pictures.py PROGRAMS SOURCES            makes all in docs/pictures
     pictures.py PROGRAMS SOURCES --check    status 1 when one is not what would be made now
 
-Terminals and the architecture are drawings, which are made anew and compared. What a browser draws differs between
+Terminals, the architecture and the benchmarks' results are drawings, which are made anew and compared. What a browser draws differs between
 machines: of such a picture the manifest holds what it was made from, and that is compared.
 """
 
@@ -18,6 +18,9 @@ import sys
 import tempfile
 
 PROGRAMS, SOURCES = (pathlib.Path(argument).resolve() for argument in sys.argv[1:3])
+sys.path.insert(0, str(SOURCES / "bench"))
+import plots  # the results of the benchmarks
+
 PICTURES = SOURCES / "docs/pictures"
 MANIFEST = PICTURES / "manifest.json"
 MOST_BYTES = 200_000
@@ -197,9 +200,14 @@ def hash_of(path):
 
 # ---- All of them
 
+def drawings(folder):
+    results = plots.drawings((SOURCES / "docs/performance.md").read_text())
+    return {**dict(terminals(folder)), "architecture.svg": architecture(), **results}
+
+
 def make(folder):
     PICTURES.mkdir(exist_ok=True)
-    for name, drawing in [*terminals(folder), ("architecture.svg", architecture())]:
+    for name, drawing in drawings(folder).items():
         (PICTURES / name).write_text(drawing)
     known = json.loads(MANIFEST.read_text()) if MANIFEST.exists() else {}
     manifest = {}
@@ -214,8 +222,8 @@ def make(folder):
 
 def check(folder):
     wrong = []
-    drawings = dict([*terminals(folder), ("architecture.svg", architecture())])
-    for name, drawing in drawings.items():
+    drawn = drawings(folder)
+    for name, drawing in drawn.items():
         if not (PICTURES / name).exists() or (PICTURES / name).read_text() != drawing:
             wrong.append(f"{name} is not what would be drawn now")
     manifest = json.loads(MANIFEST.read_text())
@@ -228,7 +236,7 @@ def check(folder):
     there = {path.name for path in PICTURES.iterdir()} - {MANIFEST.name}
     pages = [SOURCES / "README.md", *(SOURCES / "docs").glob("*.md")]
     used = {name for page in pages for name in re.findall(r"pictures/([\w.-]+)", page.read_text())}
-    for name in sorted(there ^ (set(drawings) | set(PAGES))):
+    for name in sorted(there ^ (set(drawn) | set(PAGES))):
         wrong.append(f"{name} is there, but nothing makes it, or the other way round")
     for name in sorted(there ^ used):
         wrong.append(f"{name} is in no page, or not there")
