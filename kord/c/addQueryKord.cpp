@@ -166,7 +166,7 @@ void clearField(const Attribute& row, void* item)
     if (field.integer != nullptr)
         *field.integer = 0;
     else if (field.view != nullptr)
-        *field.view = {};
+        *field.view = ""; // not without an address: it is copied from
     else
         field.text[0] = '\0';
 }

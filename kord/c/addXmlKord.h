@@ -88,15 +88,15 @@ int32_t writeDDM(const kordRec* pKordRec, const char* locationCode, const char* 
 
 /// The same values where their texts' lengths are known: there are more drives than all else together.
 struct DriveValues {
-    std::string_view locationCode;
-    std::string_view image;
-    std::string_view ecLevel;
-    std::string_view firmwareLevel;
-    std::string_view partNumber;
-    std::string_view serialNumber;
-    std::string_view name;
-    std::string_view manufacturer;
-    std::string_view interfaceType;
+    std::string_view locationCode = "";
+    std::string_view image = "";
+    std::string_view ecLevel = "";
+    std::string_view firmwareLevel = "";
+    std::string_view partNumber = "";
+    std::string_view serialNumber = "";
+    std::string_view name = "";
+    std::string_view manufacturer = "";
+    std::string_view interfaceType = "";
     int32_t capacity;
     int32_t rpm;
     int32_t interfaceRate;
