@@ -13,6 +13,7 @@ namespace
 {
 
 constexpr int64_t mostPartitions = 8;
+constexpr const char* domainSession = "domain";
 
 /// What a program that was asked leaves in the trace, beside its own line.
 struct ProgramLine {
@@ -205,13 +206,11 @@ void RunReader::readNoConsole(const TraceLine& line, const Match& match)
 
 // ---- sessions ----
 
-void RunReader::readSessionStart(const TraceLine& line, const Match&)
+void RunReader::readSessionStart(const TraceLine& line, const Match& match)
 {
-    const bool domain = line.code == "0005";
-    lastSession = domain ? "domain" : line.text.starts_with("start local") ? "local" : "shared resource";
-    if (!domain) return;
-    domainStart = line.number;
-    domainStamp = line.stamp;
+    lastSession = match.line->session;
+    if (lastSession != domainSession) return;
+    domainStart = problemAt(line, "sessionNotOpened", Severity::noted);
     nodeSelections = 0;
     firstSerial.clear();
 }
@@ -239,11 +238,9 @@ void RunReader::readSessionFailed(const TraceLine& line, const Match& match)
     awaitsEvent = true;
 }
 
-void RunReader::readSessionEnd(const TraceLine& line, const Match&)
+void RunReader::readSessionEnd(const TraceLine&, const Match& match)
 {
-    lastSession = line.text.starts_with("LC")   ? "local"
-                  : line.text.starts_with("DM") ? "domain"
-                                                : "shared resource";
+    lastSession = match.line->session;
     endedSessions.insert(lastSession);
 }
 
@@ -257,27 +254,21 @@ void RunReader::readSessionEndFailed(const TraceLine& line, const Match& match)
 /// are ended.
 void RunReader::findSessionNotOpened(const TraceLine&)
 {
-    const bool open = endedSessions.contains("domain") || !endedSessions.contains("shared resource");
-    if (domainStart == 0 || domainFailed || open) return;
-    Problem problem;
-    problem.line = domainStart;
-    problem.stamp = domainStamp;
-    problem.code = "0005";
-    problem.text = "start DM session ";
-    problem.kind = "sessionNotOpened";
-    problem.phase = "domain session";
+    const bool open = endedSessions.contains(domainSession) || !endedSessions.contains("shared resource");
+    if (!domainStart || domainFailed || open) return;
+    Problem& problem = *domainStart;
     problem.call = "session";
-    problem.session = "domain";
+    problem.session = domainSession;
     for (const TableLine& line : tables().lines) {
-        if (line.role != "sessionStartFailed" || line.code != "0006") continue;
+        if (line.role != "sessionStartFailed" || line.session != domainSession) continue;
         problem.usualCause = line.cause;
         problem.advice = line.advice;
     }
     const auto later =
-        std::ranges::find_if(run.problems, [&](const Problem& other) { return other.line > domainStart; });
+        std::ranges::find_if(run.problems, [&](const Problem& other) { return other.line > problem.line; });
     for (auto other = later; other != run.problems.end(); ++other) {
-        if (other->session == "domain")
-            other->cause = "the domain session had not opened, see line " + std::to_string(domainStart);
+        if (other->session == domainSession)
+            other->cause = "the domain session had not opened, see line " + std::to_string(problem.line);
     }
     run.problems.insert(later, std::move(problem));
 }

@@ -243,7 +243,7 @@ const TableQuery* RunReader::nodeQuery(std::string_view selection) const
 {
     const bool partnersTurn = partitionQueries > 1;
     const char* name = nullptr;
-    if (domainStart != 0 || run.startLost) {
+    if (domainStart || run.startLost) {
         const std::string serial = valueIn(selection, "HWSerialNum");
         name = firstSerial.empty() || serial == firstSerial ? "queryValeStatus" : "queryValePartnerStatus";
     } else if (partnersTurn) {
@@ -320,7 +320,7 @@ void RunReader::beginCall(const TraceLine& line, const Match& match)
     current = {.query = match.query, .selection = std::string(match.values[0]), .workedOut = false};
     if (match.query->className == nodeClass) {
         ++nodeSelections;
-        if (firstSerial.empty() && (domainStart != 0 || run.startLost))
+        if (firstSerial.empty() && (domainStart || run.startLost))
             firstSerial = valueIn(*current.selection, "HWSerialNum");
     }
     lastCalls[match.query->function] = current;

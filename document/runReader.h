@@ -119,8 +119,7 @@ private:
     std::string firstSerial;    ///< of the node selections behind the collection
     ProgramTrouble trouble;
     std::string lastSession;
-    size_t domainStart = 0; ///< the line; 0: none
-    std::string domainStamp;
+    std::optional<Problem> domainStart; ///< what is told of its line if the domain session did not open
     bool domainFailed = false;
     std::set<std::string> endedSessions;
     bool awaitsEvent = false; ///< the last problem is one of those that file an event

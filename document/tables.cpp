@@ -43,7 +43,8 @@ TableLine lineOf(const json& row, const std::string& function)
                    .cause = textIn(row, "cause"),
                    .advice = textIn(row, "advice"),
                    .ends = {},
-                   .function = function};
+                   .function = function,
+                   .session = textIn(row, "session")};
     for (const json& end : row.value("ends", json::array()))
         line.ends.push_back(endOf(end));
     return line;

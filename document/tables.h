@@ -53,6 +53,7 @@ struct TableLine {
     std::string advice;
     std::vector<FailureEnd> ends;
     std::string function; ///< who writes it
+    std::string session;  ///< that is opened or ended there; empty: none
 };
 
 struct TableQuery {

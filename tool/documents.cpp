@@ -18,12 +18,17 @@ void tell(const std::string& name, const std::vector<document::Finding>& finding
         platform::complain("kord", name + ": the document is incomplete: " + what);
 }
 
+void tell(const document::Document& document)
+{
+    tell(document.name, document.findings, document.findingCount, document.missing);
+}
+
 namespace
 {
 
 document::Document told(document::Document document)
 {
-    tell(document.name, document.findings, document.findingCount, document.missing);
+    tell(document);
     return document;
 }
 

@@ -15,6 +15,8 @@ namespace tool
 void tell(const std::string& name, const std::vector<document::Finding>& findings, uint64_t findingCount,
           const document::Missing& missing);
 
+void tell(const document::Document& document);
+
 /// A document, with what there is to tell of it.
 document::Document readDocument(const std::string& file);
 

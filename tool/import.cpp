@@ -85,7 +85,7 @@ private:
         document::Input input(file, incoming.bytes);
         const document::Document document = document::read(input);
         progress.clear();
-        tell(document.name, document.findings, document.findingCount, document.missing);
+        tell(document);
         ++(importer.add(incoming, document) ? imported : known);
     }
 

@@ -55,6 +55,19 @@ bool isNamed(const Attribute& row, const char* name)
     return strcmp(row.matched != nullptr ? row.matched : row.name, name) == 0;
 }
 
+/// Takes the value of before from a row's field, unless the row keeps it.
+void clearField(const Attribute& row, void* item)
+{
+    if (row.kept || row.field.of == nullptr) return;
+    const Field field = row.field.of(item);
+    if (field.integer != nullptr)
+        *field.integer = 0;
+    else if (field.view != nullptr)
+        *field.view = ""; // not without an address: it is copied from
+    else
+        field.text[0] = '\0';
+}
+
 /// The table's row for an attribute's name; attributes mostly arrive as requested, so its position is tried
 /// first.
 const Attribute* rowOf(const Query& query, const char* name, size_t position)
@@ -157,18 +170,6 @@ int32_t countResources(kordRec* pKordRec, const Counter& counter, int32_t* count
     });
     if (result != failed) *count = static_cast<int32_t>(total);
     return result;
-}
-
-void clearField(const Attribute& row, void* item)
-{
-    if (row.kept || row.field.of == nullptr) return;
-    const Field field = row.field.of(item);
-    if (field.integer != nullptr)
-        *field.integer = 0;
-    else if (field.view != nullptr)
-        *field.view = ""; // not without an address: it is copied from
-    else
-        field.text[0] = '\0';
 }
 
 void readAttribute(const kordRec* pKordRec, const Query& query, const ValeAttribute& attribute,

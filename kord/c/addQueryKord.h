@@ -352,9 +352,6 @@ int32_t countResources(kordRec* pKordRec, const Counter& counter, int32_t* count
 void readAttribute(const kordRec* pKordRec, const Query& query, const ValeAttribute& attribute,
                    size_t position, void* item);
 
-/// Takes the value of before from a row's field, unless the row keeps it.
-void clearField(const Attribute& row, void* item);
-
 /// Reads the resources of one answer, one after another, each into a cleared item. Nearly all of them have
 /// the same attributes, as requested: where a resource's names lie where those of the one before lay, they
 /// are not compared again, and every field is overwritten rather than cleared.

@@ -176,6 +176,7 @@ void writeLine(Writer& json, const Line& line)
     json.text("code", line.text.code);
     json.text("format", line.text.format);
     writeWords(json, line.words);
+    if (line.session != nullptr) json.text("session", line.session);
     if (line.ends.empty()) return;
     json.list("ends", line.ends, [&](const ToldEnd& end) { writeEnd(json, end); });
 }

@@ -77,12 +77,11 @@ QueryLines linesOf(const char* module, const ToldQuery& told)
 
 void addSessions(std::vector<Line>& lines)
 {
-    const Session* told = nullptr;
-    const auto add = [&](const char* function, const char* role, TraceText text) {
-        tellSession(lines.emplace_back(Line{"addSessionKord", function, role, text, {}}), *told);
-    };
     for (const Session& session : allSessions) {
-        told = &session;
+        const auto add = [&](const char* function, const char* role, TraceText text) {
+            tellSession(lines.emplace_back(Line{"addSessionKord", function, role, text, {}, session.name}),
+                        session);
+        };
         add("addTarnKord", "sessionStart", session.start);
         add("addTarnKord", "sessionStartFailed", session.startFailed);
         add("cleanUpKord", "sessionEnd", session.end);

@@ -37,6 +37,7 @@ struct Line {
     const char* role;
     TraceText text;
     Words words;
+    const char* session = nullptr;  ///< that is opened or ended there
     std::vector<ToldEnd> ends = {}; ///< of a failure: any error's last
 };
 

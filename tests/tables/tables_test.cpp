@@ -129,7 +129,7 @@ TEST(Tables, nameWhatTheyTell)
         {"queries.lines", "role code format meaning cause advice ends"},
         {"queries.lines.ends", "number result flag report instead print"},
         {"queries.lines.ends.report", "name type referenceCode withMessage"},
-        {"lines", "module function role code format meaning cause advice"},
+        {"lines", "module function role code format meaning cause advice session"},
         {"events", "type referenceCode text meaning cause advice"},
         {"sessions", "name scope"},
         {"checks", "when checks"},
@@ -177,6 +177,24 @@ TEST(Tables, explainEveryLineAndAdviseOnEveryFailure)
                     line["role"].get<std::string>().ends_with("Failed") || line["cause"] != "");
     for (const Json& event : tables()["events"])
         expectWords(event, event["referenceCode"], true);
+}
+
+/// Who reads a trace tells by these which session a line is about.
+TEST(Tables, nameTheSessionOfEveryLineAboutOne)
+{
+    std::map<std::string, std::string> sessions;
+    for (const Json& line : tables()["lines"]) {
+        const std::string role = line["role"];
+        EXPECT_EQ(line.contains("session"), role.starts_with("session")) << role << line["format"];
+        if (role == "sessionStart" || role == "sessionEnd") sessions[line["format"]] = line["session"];
+    }
+    EXPECT_EQ(sessions,
+              (std::map<std::string, std::string>{{"start local session ", "local"},
+                                                  {"start DM session ", "domain"},
+                                                  {"start share resource session ", "shared resource"},
+                                                  {"LC vale_end_session", "local"},
+                                                  {"DM vale_end_session", "domain"},
+                                                  {"SR vale_end_session", "shared resource"}}));
 }
 
 /// Advice that stands for every failure alike is none.
