@@ -13,6 +13,7 @@
 #include <cstdio>
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include <unistd.h>
@@ -28,26 +29,29 @@ struct Options {
     std::vector<std::string> files;
 };
 
-/// How far the work has come, on a terminal that shows messages.
-class Progress
+/// How far the work has come, on a terminal that shows messages: a line that goes before anything else is
+/// told.
+class ProgressLine
 {
 public:
-    void show(size_t number, const std::string& file)
+    ProgressLine(size_t number, const std::string& file)
     {
-        if (!terminal) return;
         const std::string line = std::to_string(number) + ": " + platform::shown(file);
-        write("\r" + platform::cutTo(line, Output::columns() - 1) + "\x1b[K");
+        if (stands) write("\r" + platform::cutTo(line, Output::columns() - 1) + "\x1b[K");
     }
-    /// Makes room for a message, or for the end.
+    ~ProgressLine() { clear(); }
+    ProgressLine(const ProgressLine&) = delete;
+    ProgressLine& operator=(const ProgressLine&) = delete;
+
     void clear()
     {
-        if (terminal) write("\r\x1b[K");
+        if (std::exchange(stands, false)) write("\r\x1b[K");
     }
 
 private:
     static void write(const std::string& text) { std::fputs(text.c_str(), stderr); }
 
-    const bool terminal = isatty(STDERR_FILENO) != 0;
+    bool stands = isatty(STDERR_FILENO) != 0;
 };
 
 class Import
@@ -60,9 +64,7 @@ public:
 
     int run(const std::vector<std::string>& files)
     {
-        const int status = eachFile(files, [&](const std::string& file) { take(file); });
-        progress.clear();
-        return status;
+        return eachFile(files, [&](const std::string& file) { take(file); });
     }
 
     [[nodiscard]] std::string result() const
@@ -76,7 +78,7 @@ public:
 private:
     void take(const std::string& file)
     {
-        progress.show(imported + known + 1, file);
+        ProgressLine progress(imported + known + 1, file);
         const inventory::Incoming incoming = inventory::incomingOf(file);
         if (importer.holds(incoming)) {
             ++known;
@@ -91,7 +93,6 @@ private:
 
     inventory::Inventory inventory;
     inventory::Importer importer;
-    Progress progress;
     size_t imported = 0;
     size_t known = 0;
 };
