@@ -23,7 +23,8 @@ NEGATED = {"true": "false", "false": "true"}
 # A call without which the program does the same.
 HINTS = {"reserve", "shrink_to_fit", "static_cast"}
 # The order of their arguments is the same to them; texts are compared for being equal.
-SYMMETRIC = {"min", "max", "strcmp", "strncmp", "memcmp"}
+SYMMETRIC = {"min", "max", "strcmp", "strncmp", "memcmp", "equal"}
+PARAMETER = re.compile(r"(const )?[\w:]+(<.*>)?[&*]* [&*]*\w+( = .*)?")
 # What is judged by the compiler alone.
 CHECKED_BY_COMPILER = {"static_assert", "template", "requires", "concept", "alignas"}
 
@@ -148,8 +149,11 @@ class Source:
         token = self.tokens[i]
         return self.text[token.start - 1].isspace() and self.text[token.end].isspace()
 
+    def joins_text(self, i):
+        return "string" in (self.tokens[i - 1].kind, self.tokens[i + 1].kind)
+
     def items(self, i):
-        """The spans of what stands between the commas of the bracket at i."""
+        """The spans of what stands between the commas of the bracket at i, if it is a list."""
         items, begin, depth = [], i + 1, i + 1
         end = self.partner.get(i, i)
         while depth < end:
@@ -158,6 +162,8 @@ class Source:
             elif self.at(depth) == ",":
                 items.append((begin, depth))
                 begin = depth + 1
+            elif self.at(depth) == ";" or (self.at(depth) == "." and depth == begin):
+                return []  # statements, or members by name, which have their order
             depth += 1
         if begin < end:
             items.append((begin, end))
@@ -220,7 +226,7 @@ class Source:
         for i, token in enumerate(self.tokens):
             if token.text in JOINTS and token.kind == "sign" and self.spaced(i):
                 yield token.start, token.end, JOINTS[token.text]
-            elif token.text in SUMS and token.kind == "sign" and self.spaced(i):
+            elif token.text in SUMS and token.kind == "sign" and self.spaced(i) and not self.joins_text(i):
                 yield token.start, token.end, SUMS[token.text]
 
     def arguments(self, random):
@@ -228,9 +234,11 @@ class Source:
         for i, token in enumerate(self.tokens):
             if token.text not in ("(", "{") or token.kind != "sign" or i not in self.partner:
                 continue
-            if self.at(i - 1) in SYMMETRIC:
+            if self.at(i - 1) in SYMMETRIC or "enum" in [self.at(before) for before in range(i - 5, i)]:
                 continue
             items = self.items(i)
+            if any(PARAMETER.fullmatch(self.text[slice(*item)]) for item in items):
+                continue
             pairs = [(a, b) for a, b in zip(items, items[1:])
                      if self.text[slice(*a)] != self.text[slice(*b)]]
             if pairs:
