@@ -14,8 +14,9 @@ void tell(const std::string& name, const std::vector<document::Finding>& finding
         platform::complain("kord", name + ':' + std::to_string(finding.line) + ": " + finding.what);
     const uint64_t more = findingCount - findings.size();
     if (more > 0) platform::complain("kord", name + ": " + std::to_string(more) + " more of these");
+    const std::string incomplete = name + ": the document is incomplete: ";
     for (const std::string& what : wordsOf(missing))
-        platform::complain("kord", name + ": the document is incomplete: " + what);
+        platform::complain("kord", incomplete + what);
 }
 
 void tell(const document::Document& document)

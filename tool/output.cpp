@@ -4,6 +4,7 @@
 
 #include <cerrno>
 #include <cstdlib>
+#include <memory>
 
 #include <sys/ioctl.h>
 #include <unistd.h>
@@ -14,9 +15,9 @@ namespace tool
 namespace
 {
 
-std::unique_ptr<platform::WholeFile> fileAt(const std::string& path)
+bool isStandardOutput(const std::string& path)
 {
-    return path.empty() || path == "-" ? nullptr : std::make_unique<platform::WholeFile>(path);
+    return path.empty() || path == "-";
 }
 
 bool wantsColor(const std::string& when, bool terminal)
@@ -39,9 +40,10 @@ void writeStandardOutput(std::string_view text)
 } // namespace
 
 Output::Output(const Options& options)
-    : file(fileAt(options.path)), terminal(file == nullptr && isatty(STDOUT_FILENO) != 0),
+    : terminal(isStandardOutput(options.path) && isatty(STDOUT_FILENO) != 0),
       colored(wantsColor(options.color, terminal))
 {
+    if (!isStandardOutput(options.path)) file.emplace(options.path);
 }
 
 void Output::write(std::string_view text)
@@ -53,17 +55,17 @@ void Output::write(std::string_view text)
 
 void Output::flush()
 {
-    if (file == nullptr)
-        writeStandardOutput(buffer);
-    else
+    if (file)
         file->write(buffer);
+    else
+        writeStandardOutput(buffer);
     buffer.clear();
 }
 
 void Output::finish()
 {
     flush();
-    if (file != nullptr) file->putInPlace();
+    if (file) file->putInPlace();
 }
 
 size_t Output::columns()

@@ -7,7 +7,7 @@
 
 #include <cstddef>
 #include <functional>
-#include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -37,7 +37,7 @@ public:
     [[nodiscard]] static size_t columns();
 
 private:
-    std::unique_ptr<platform::WholeFile> file; ///< none: standard output
+    std::optional<platform::WholeFile> file; ///< none: standard output
     bool terminal;
     bool colored;
     std::string buffer;
