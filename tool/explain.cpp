@@ -46,7 +46,7 @@ public:
     int end(size_t runs)
     {
         if (wanted) print(*wanted, runs);
-        if (options.json) output.write(printed == 0 ? "{\n\"runs\": [\n]\n}\n" : "\n]\n}\n");
+        if (options.json) output.write("\n]\n}\n");
         return well ? 0 : somethingWrong;
     }
 

@@ -337,6 +337,19 @@ TEST_F(Commands, MetricsTellOfARunAndItsDocument)
     EXPECT_EQ(run({"metrics", document, document}).status, 2);
 }
 
+TEST_F(Commands, MetricsTellOfTheNewestRun)
+{
+    const std::string log = write("log", "112126 13:41:03 SRCV: 155968_quay1 07-15-05  9999-B2C*7ABCD12\n"
+                                         "112126 13:41:04 0010:  exit 3 ------------------\n"
+                                         "112126 13:42:03 SRCV: 155969_quay1 07-15-05  9999-B2C*7ABCD12\n"
+                                         "112126 13:42:04 0010:  exit -1 ------------------\n");
+    const Outcome outcome = run({"metrics", log, expected / "small.xml"});
+    EXPECT_EQ(outcome.status, 0) << outcome.error;
+    EXPECT_THAT(outcome.output, testing::HasSubstr("\nkord_run_status{system=\"9999-B2C*7ABCD12\"} -1\n"));
+    EXPECT_THAT(outcome.output,
+                testing::Not(testing::HasSubstr("kord_run_status{system=\"9999-B2C*7ABCD12\"} 3")));
+}
+
 TEST_F(Commands, ExplainSaysWhatItCannotRead)
 {
     const std::string log = write("log", "112126 13:41:03 SRCV: 155968_quay1 07-15-05  9999-B2C*7ABCD99\n");

@@ -10,6 +10,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
+#include <sstream>
 
 namespace
 {
@@ -72,6 +73,55 @@ TEST_F(ListCommand, AddsColumns)
               "U1234.5X6.AB100001-P1-B1  1  1  BF94001  U1234.5X6.AB100001  baffle\n");
 }
 
+TEST_F(ListCommand, ColumnsMayHaveCommasToSpare)
+{
+    EXPECT_EQ(printed({"list", "racks", small, "-c", ",id,,rack,", "--no-header"}),
+              "U1234.5R0.RK000001  1\n");
+    EXPECT_EQ(printed({"list", "racks", small, "-c", "id", "+rack,", "+,serial", "--no-header"}),
+              printed({"list", "racks", small, "-c", "id,rack,serial", "--no-header"}));
+}
+
+/// What is typed, and what a shell is offered then.
+TEST_F(ListCommand, CompletionOffersKindsColumnsAndFiles)
+{
+    const auto offered = [](Texts words) {
+        words.insert(words.begin(), {"complete", "--"});
+        return kordTest::splitLines(printed(words));
+    };
+    // The words of a column of what "kord kinds" prints.
+    const auto listed = [](const std::string& kind, int column) {
+        Texts words;
+        for (const std::string& line : kordTest::splitLines(printed({"kinds", kind}))) {
+            std::istringstream cells(line);
+            std::string word;
+            for (int i = 0; i <= column; ++i)
+                cells >> word;
+            words.push_back(word);
+        }
+        return words;
+    };
+    const auto columnsOf = [&](const std::string& kind) {
+        Texts names = listed(kind, 0);
+        names.front() = "parts"; // in the heading's place
+        return names;
+    };
+    Texts kinds = listed("", 1);
+    kinds.front() = "words";
+    kinds.emplace_back("all");
+    for (const Texts& words : {Texts{"list", ""}, {"kinds", ""}, {"diff", "--kind", ""}})
+        EXPECT_EQ(offered(words), kinds) << words.front();
+    for (const std::string option : {"-c", "--sort", "--count"}) {
+        EXPECT_EQ(offered({"list", "racks", option, ""}), columnsOf("racks")) << option;
+        EXPECT_EQ(offered({"list", "x", "racks", option, ""}), columnsOf("racks")) << option;
+        EXPECT_EQ(offered({"list", "x", option, ""}), columnsOf("all")) << option;
+        EXPECT_EQ(offered({"list", "racks", option, "id,ser"}), (Texts{"parts", "id,serial"})) << option;
+    }
+    EXPECT_EQ(offered({"list", "racks", "--format", ""}), (Texts{"words", "table", "csv", "json", "jsonl"}));
+    EXPECT_EQ(offered({"history", "fleet.db", ""}), Texts{"words"});
+    for (const Texts& words : {Texts{"show", ""}, {"history", ""}, {"list", "racks", ""}, {"diff", "a", ""}})
+        EXPECT_EQ(offered(words), Texts{"files"}) << words.front();
+}
+
 TEST_F(ListCommand, ReadsFilesFoldersAndPackedFiles)
 {
     fs::copy_file(small, folder.path() / "addTarnKord_b.xml");
@@ -94,6 +144,25 @@ TEST_F(ListCommand, OneFileInTroubleDoesNotStopTheOthers)
     EXPECT_THAT(kordTest::splitLines(outcome.error),
                 testing::ElementsAre(testing::StartsWith("kord: " + bad + ":1: "),
                                      "kord: /no/such: No such file or directory"));
+}
+
+TEST_F(ListCommand, TellsTwentyFaultsOfADocumentAndHowManyMoreThereAre)
+{
+    const auto told = [&](char last) {
+        std::string unknown;
+        for (char code = 'A'; code <= last; ++code)
+            unknown += std::string("<Property name=\"Z") + code + "\" displayName=\"Z\">\nZ" + code +
+                       "\n<Value type=\"string\">v</Value>\n</Property>\n";
+        std::string text = kordTest::readFile(small).value();
+        text.insert(text.find("<Property", text.find("<Resource displayName=\"TARN Rack\"")), unknown);
+        return kordTest::splitLines(run({"list", "racks", write("odd.xml", text), "--count"}).error);
+    };
+    const std::string file = "kord: " + (folder.path() / "odd.xml").string();
+    EXPECT_EQ(told('A'), Texts{file + ":290: the property \"ZA\" is none that such a part has there"});
+    EXPECT_EQ(told('T').size(), 20U);
+    EXPECT_EQ(told('U').back(), file + ": 1 more of these");
+    EXPECT_EQ(told('V').size(), 21U);
+    EXPECT_EQ(told('V').back(), file + ": 2 more of these");
 }
 
 TEST_F(ListCommand, SaysWhatAnIncompleteDocumentLacks)
