@@ -229,26 +229,30 @@ TEST(Make, AdaptersLieInTheirDrawer)
     }
 }
 
+/// Sites have eight drives each, the last one what is left.
 TEST(Make, LogicalConfigurationHangsTogether)
 {
-    const json file = json::parse(made({.images = 1, .racks = 1, .enclosures = 3, .drives = 16}));
-    EXPECT_EQ(count(file, "TarnArraySite"), 6U); // of eight drives each
-    size_t sites = 0;
-    for (const json& array : file["resources"]["Orvik.TarnArray"]) {
-        sites += array["arraySites"].size();
-        for (const json& site : array["arraySites"])
-            EXPECT_EQ(count(file, "TarnArraySite", {{"arraySite", site}, {"array", array["rank"]}}), 1U);
-        ASSERT_EQ(count(file, "TarnRank", {{"rank", array["rank"]}}), 1U);
-        const json rank = matching(file, "TarnRank", {{"rank", array["rank"]}})[0];
-        EXPECT_EQ(count(file, "TarnSegmentPool", {{"segmentPool", rank["segmentPool"]}}), 1U);
-        EXPECT_EQ(array["arraySiteConfiguration"].size(), array["arraySites"].size());
-    }
-    EXPECT_EQ(sites, 6U);
-    for (const json& pool : file["resources"]["Orvik.TarnSegmentPool"]) {
-        int segments = 0;
-        for (const json& rank : matching(file, "TarnRank", {{"segmentPool", pool["segmentPool"]}}))
-            segments += rank["numberSegments"].get<int>();
-        EXPECT_EQ(pool["numberSegments"], segments);
+    for (uint32_t drives = 1; drives <= 72; drives += drives % 8 == 0 ? 1 : 7) {
+        const json file = json::parse(made({.images = 1, .racks = 1, .enclosures = 1, .drives = drives}));
+        const size_t sites = (drives + 7) / 8;
+        EXPECT_EQ(count(file, "TarnArraySite"), sites);
+        size_t used = 0;
+        for (const json& array : file["resources"]["Orvik.TarnArray"]) {
+            used += array["arraySites"].size();
+            for (const json& site : array["arraySites"])
+                EXPECT_EQ(count(file, "TarnArraySite", {{"arraySite", site}, {"array", array["rank"]}}), 1U);
+            ASSERT_EQ(count(file, "TarnRank", {{"rank", array["rank"]}}), 1U);
+            const json rank = matching(file, "TarnRank", {{"rank", array["rank"]}})[0];
+            EXPECT_EQ(count(file, "TarnSegmentPool", {{"segmentPool", rank["segmentPool"]}}), 1U);
+            EXPECT_EQ(array["arraySiteConfiguration"].size(), array["arraySites"].size());
+        }
+        EXPECT_EQ(used, sites);
+        for (const json& pool : file["resources"]["Orvik.TarnSegmentPool"]) {
+            int segments = 0;
+            for (const json& rank : matching(file, "TarnRank", {{"segmentPool", pool["segmentPool"]}}))
+                segments += rank["numberSegments"].get<int>();
+            EXPECT_EQ(pool["numberSegments"], segments) << drives;
+        }
     }
 }
 
