@@ -179,7 +179,7 @@ int32_t queryScsiHostPort(kordRec* pKordRec, const char* storageFacilityImageMTM
 int32_t findDescrRecord(const kordRec* pKordRec, userHostDescr** pFirst, const char* description)
 {
     for (userHostDescr* record = *pFirst; record != nullptr; record = record->nextp) {
-        if (strcmp(record->description, description) != 0) continue;
+        if (strncmp(record->description, description, sizeof record->description - 1) != 0) continue;
         countPort(pKordRec, record);
         return 1;
     }

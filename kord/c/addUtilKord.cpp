@@ -165,16 +165,16 @@ constexpr ToldLine lines[] = {
          {.meaning = "a console command printed nothing: the name of its output as a number, and its size",
           .cause =
               "the command has nothing to say, as a search that finds nothing, or its output could not be "
-              "written",
+              "written, or went to another file that was put at the name tmp.SERIAL meanwhile",
           .advice = "see which command by the next line with another code, run it by hand, and see that "
                     "/var/brisk/log takes files"}},
     {.function = "parseOutput",
      .line = noOutputLine,
      .explanation =
-         {.meaning = "a command's output could not be opened: -1",
-          .cause = "something removed or replaced the file tmp.SERIAL in /var/brisk/log during the run, such "
-                   "as a second run for the same system",
-          .advice = "see that only one run for a system is started at a time"}},
+         {.meaning = "a file with a command's output could not be opened by its name: -1",
+          .cause = "the file is a link or may not be read; a run reads the file that it made itself and does "
+                   "not write this line",
+          .advice = "see what lies at the name tmp.SERIAL in /var/brisk/log"}},
     {.function = "parseOutput",
      .line = unreadOutputLine,
      .explanation = {.meaning = "a command's output could not be read",
@@ -194,7 +194,7 @@ constexpr ToldLine lines[] = {
      .line = uselessOutputLine,
      .explanation = {.meaning = "a command ended well, but its output is of no use",
                      .cause = "what the line before it tells",
-                     .advice = "see the line 0062, 0063 or 0064 before it"}},
+                     .advice = "see the line 0062 or 0064 before it"}},
     {.function = "getLoginUserName", .line = userLine, .explanation = {.meaning = "who runs the collector"}},
     {.function = "getLoginUserName",
      .line = noUserLine,

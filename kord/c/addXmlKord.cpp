@@ -80,7 +80,8 @@ struct RackNumber {
 RackNumber rackNumberOf(const char* rackText)
 {
     RackNumber number;
-    copyText(number.text, *rackText != '\0' ? rackText + 1 : "");
+    const char* text = textOrEmpty(rackText);
+    copyText(number.text, *text != '\0' ? text + 1 : "");
     return number;
 }
 

@@ -127,6 +127,8 @@ TEST(Writers, ofHardware)
          part("Fan Sense Card", facility + ecLevel + partNumber + serialNumber + rackNumber)},
         {nullptr, [](kordRec* r) { return writeFanTray(r, "location", "part", "R2"); },
          part("Fan Tray", facility + partNumber + rackNumber)},
+        {nullptr, [](kordRec* r) { return writeFanTray(r, "location", "part", nullptr); },
+         part("Fan Tray", facility + partNumber + normal("R2", "Rack Number", ""))},
     };
     expectEach(writers);
 }

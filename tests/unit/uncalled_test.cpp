@@ -202,6 +202,19 @@ TEST(Descriptions, areFoldedNewestFirst)
     EXPECT_EQ(first, nullptr);
 }
 
+/// A record holds 255 characters, and two descriptions that agree in these are one.
+TEST(DescrRecords, areFoundByWhatTheyHold)
+{
+    const kordRec record = unit::freshRecord();
+    userHostDescr* first = nullptr;
+    const std::string held(255, 'h');
+    EXPECT_EQ(addDescrRecord(&record, &first, (held + "one").c_str()), 0);
+    EXPECT_EQ(findDescrRecord(&record, &first, (held + "another").c_str()), 1);
+    EXPECT_EQ(findDescrRecord(&record, &first, held.c_str()), 1);
+    EXPECT_EQ(findDescrRecord(&record, &first, held.substr(1).c_str()), 0);
+    freeDescrRecord(&record, &first);
+}
+
 TEST(ConsoleSerial, followsTheFirstDot)
 {
     const struct {
