@@ -22,7 +22,7 @@ namespace
 constexpr int differences = 1;
 constexpr size_t manyForATerminal = 20;
 
-struct Options {
+struct DiffOptions {
     std::string before;
     std::string after;
     std::string kind = "all";
@@ -40,7 +40,7 @@ document::KindSet kindSetOf(const std::string& word)
     return word == "all" ? kinds.set() : kinds; // with what has no word of its own
 }
 
-int diff(const Options& options, Output& output)
+int diff(const DiffOptions& options, Output& output)
 {
     const document::KindSet kinds = kindSetOf(options.kind);
     const document::Document before = readDocument(options.before);
@@ -70,7 +70,7 @@ int diff(const Options& options, Output& output)
 
 platform::Command diffCommand()
 {
-    const auto options = std::make_shared<Options>();
+    const auto options = std::make_shared<DiffOptions>();
     return writing(
         {.name = "diff",
          .help = "Show what differs between two inventory documents",

@@ -21,7 +21,7 @@ namespace
 
 constexpr int somethingWrong = 1;
 
-struct Options {
+struct ExplainOptions {
     std::string trace;
     uint32_t run = 0; ///< 0: the newest
     bool all = false;
@@ -32,7 +32,7 @@ struct Options {
 class Report
 {
 public:
-    Report(const Options& inOptions, Output& inOutput) : options(inOptions), output(inOutput) {}
+    Report(const ExplainOptions& inOptions, Output& inOutput) : options(inOptions), output(inOutput) {}
 
     void take(const document::TracedRun& run)
     {
@@ -63,14 +63,14 @@ private:
             output.write((first ? "" : "\n") + document::explanation(run, among));
     }
 
-    const Options& options;
+    const ExplainOptions& options;
     Output& output;
     std::optional<document::TracedRun> wanted;
     size_t printed = 0;
     bool well = true;
 };
 
-int explain(const Options& options, Output& output)
+int explain(const ExplainOptions& options, Output& output)
 {
     if (options.all && options.run != 0) throw platform::Failure("--run and --all exclude each other");
     Report report(options, output);
@@ -87,7 +87,7 @@ int explain(const Options& options, Output& output)
 
 platform::Command explainCommand()
 {
-    const auto options = std::make_shared<Options>();
+    const auto options = std::make_shared<ExplainOptions>();
     return writing({.name = "explain",
                     .help = "Tell what happened in a run, from its trace log",
                     .arguments = {{.name = "TRACE",

@@ -25,16 +25,16 @@ using Clock = std::chrono::steady_clock;
 constexpr int unsuccessful = 1;
 constexpr int collected = 3; // the collector's own status
 
-struct Options {
+struct FollowOptions {
     std::string log;
     uint32_t quietAfter = 60; ///< seconds without a new line that are told
 };
 
 /// A line that is written over as long as it is a terminal's, else one line after the other.
-class ProgressLine
+class RunLine
 {
 public:
-    explicit ProgressLine(Output& inOutput) : terminal(inOutput.isTerminal()), output(inOutput) {}
+    explicit RunLine(Output& inOutput) : terminal(inOutput.isTerminal()), output(inOutput) {}
 
     void show(const std::string& line)
     {
@@ -77,7 +77,7 @@ public:
         }
     }
 
-    ProgressLine output;
+    RunLine output;
 
 private:
     std::chrono::seconds patience;
@@ -86,7 +86,7 @@ private:
     bool toldSilence = false;
 };
 
-int follow(const Options& options, Output& output)
+int follow(const FollowOptions& options, Output& output)
 {
     using namespace std::chrono_literals;
     document::Log log(options.log);
@@ -114,7 +114,7 @@ int follow(const Options& options, Output& output)
 
 platform::Command followCommand()
 {
-    const auto options = std::make_shared<Options>();
+    const auto options = std::make_shared<FollowOptions>();
     return {.name = "follow",
             .help = "Show the progress of a collection from its trace log",
             .arguments = {{.name = "TRACE",

@@ -17,13 +17,13 @@ namespace
 
 constexpr int unknown = 1;
 
-struct Options {
+struct HistoryOptions {
     std::string database;
     std::string part;
     TableOptions table;
 };
 
-int history(const Options& options, Output& output)
+int history(const HistoryOptions& options, Output& output)
 {
     inventory::Inventory inventory(options.database, inventory::Database::Access::read);
     const size_t rows = inventory.history(options.part, options.table.format(), !options.table.noHeader,
@@ -35,7 +35,7 @@ int history(const Options& options, Output& output)
 
 platform::Command historyCommand()
 {
-    const auto options = std::make_shared<Options>();
+    const auto options = std::make_shared<HistoryOptions>();
     return writing({.name = "history",
                     .help = "Tell where a part has been, document by document",
                     .arguments = {{.name = "DATABASE",

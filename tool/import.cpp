@@ -24,24 +24,24 @@ namespace tool
 namespace
 {
 
-struct Options {
+struct ImportOptions {
     std::string database;
     std::vector<std::string> files;
 };
 
 /// How far the work has come, on a terminal that shows messages: a line that goes before anything else is
 /// told.
-class ProgressLine
+class FileLine
 {
 public:
-    ProgressLine(size_t number, const std::string& file)
+    FileLine(size_t number, const std::string& file)
     {
         const std::string line = std::to_string(number) + ": " + platform::shown(file);
         if (stands) write("\r" + platform::cutTo(line, Output::columns() - 1) + "\x1b[K");
     }
-    ~ProgressLine() { clear(); }
-    ProgressLine(const ProgressLine&) = delete;
-    ProgressLine& operator=(const ProgressLine&) = delete;
+    ~FileLine() { clear(); }
+    FileLine(const FileLine&) = delete;
+    FileLine& operator=(const FileLine&) = delete;
 
     void clear()
     {
@@ -78,7 +78,7 @@ public:
 private:
     void take(const std::string& file)
     {
-        ProgressLine progress(imported + known + 1, file);
+        FileLine progress(imported + known + 1, file);
         const inventory::Incoming incoming = inventory::incomingOf(file);
         if (importer.holds(incoming)) {
             ++known;
@@ -97,7 +97,7 @@ private:
     size_t known = 0;
 };
 
-int import(const Options& options, Output& output)
+int import(const ImportOptions& options, Output& output)
 {
     std::signal(SIGXFSZ, SIG_IGN); // a database that must not grow is a full disk, and told like one
     Import work(options.database);
@@ -116,7 +116,7 @@ int import(const Options& options, Output& output)
 
 platform::Command importCommand()
 {
-    const auto options = std::make_shared<Options>();
+    const auto options = std::make_shared<ImportOptions>();
     return {.name = "import",
             .help = "Put documents into an inventory database, which is made where there is none",
             .arguments = {{.name = "DATABASE", .into = &options->database, .help = "The SQLite database"},

@@ -21,7 +21,7 @@ namespace tool
 namespace
 {
 
-struct Options {
+struct ListOptions {
     std::string kind;
     std::vector<std::string> files;
     std::string columns;
@@ -54,7 +54,7 @@ void takeAdded(std::vector<std::string>& words, std::vector<std::string>& added)
     });
 }
 
-int list(const Options& options, Output& output)
+int list(const ListOptions& options, Output& output)
 {
     std::vector<std::string> arguments = {options.kind};
     arguments.insert(arguments.end(), options.files.begin(), options.files.end());
@@ -92,7 +92,7 @@ std::vector<std::string> columnsFor(const std::vector<std::string>& arguments)
 
 platform::Command listCommand()
 {
-    const auto options = std::make_shared<Options>();
+    const auto options = std::make_shared<ListOptions>();
     const platform::Offers columns = {.words = columnsFor, .several = true};
     return writing(
         {.name = "list",

@@ -18,12 +18,12 @@ namespace tool
 namespace
 {
 
-struct Options {
+struct MetricsOptions {
     std::string trace;
     std::vector<std::string> files;
 };
 
-int metrics(const Options& options, Output& output)
+int metrics(const MetricsOptions& options, Output& output)
 {
     document::Metrics metrics;
     std::optional<document::TracedRun> newest;
@@ -42,7 +42,7 @@ int metrics(const Options& options, Output& output)
 
 platform::Command metricsCommand()
 {
-    const auto options = std::make_shared<Options>();
+    const auto options = std::make_shared<MetricsOptions>();
     return writing({.name = "metrics",
                     .help = "Tell how the newest collection went and what it found, as OpenMetrics",
                     .arguments = {{.name = "TRACE", .into = &options->trace, .help = "The trace log"},

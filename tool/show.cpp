@@ -20,7 +20,7 @@ namespace tool
 namespace
 {
 
-struct Options {
+struct ShowOptions {
     std::string file;
     std::string page;
 };
@@ -32,7 +32,7 @@ document::Lines drawableLines()
                                                              : document::Lines::ascii;
 }
 
-int show(const Options& options, Output& output)
+int show(const ShowOptions& options, Output& output)
 {
     const document::Document document = readDocument(options.file);
     if (!options.page.empty())
@@ -46,7 +46,7 @@ int show(const Options& options, Output& output)
 
 platform::Command showCommand()
 {
-    const auto options = std::make_shared<Options>();
+    const auto options = std::make_shared<ShowOptions>();
     return writing({.name = "show",
                     .help = "Show one inventory document as a tree",
                     .arguments = {{.name = "FILE", .into = &options->file, .help = "The document"}},
