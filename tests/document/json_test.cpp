@@ -1,8 +1,11 @@
 // A document as JSON.
 
 #include "document/json.h"
+#include "jsonSchema.h"
+#include "tempFolder.h"
 #include "writing.h"
 
+#include <fstream>
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 
@@ -97,6 +100,25 @@ TEST(Json, TellsTheEmptyElementOfAnAbsentPart)
 {
     const json document = jsonOf(ofEnclosures(resource("Quay", "", "")));
     EXPECT_EQ(document["system"]["parts"].size(), 1U);
+}
+
+/// The validator's own formats are not what times are held against: these are.
+TEST(JsonSchema, KnowsATimeWithItsOffset)
+{
+    const TempFolder folder;
+    const std::filesystem::path schema = folder.path() / "times.schema.json";
+    std::ofstream(schema) << R"({"properties": {"at": {"type": "string", "format": "date-time"}}})";
+    const auto isTime = [&](const std::string& text) {
+        return schemaFaults(schema, json({{"at", text}}).dump()).empty();
+    };
+    for (const char* time :
+         {"2026-11-21T13:41:03.000005Z", "2024-02-29T00:00:00Z", "2026-12-31T23:59:60+02:00"})
+        EXPECT_TRUE(isTime(time)) << time;
+    for (const char* none :
+         {"", "2026-11-21", "2026-11-21T13:41:03", "2026-11-31T13:41:03Z", "2026-02-30T13:41:03Z",
+          "2026-13-01T13:41:03Z", "2026-11-21T24:00:00Z", "2026-11-21 13:41:03Z", "2026-11-21T13:41:03.Z",
+          "x2026-11-21T13:41:03Z", "2026-11-21T13:41:03Zx"})
+        EXPECT_FALSE(isTime(none)) << none;
 }
 
 } // namespace
