@@ -6,8 +6,9 @@
 #include "platform/failure.h"
 
 #include <algorithm>
+#include <array>
 #include <nlohmann/json.hpp>
-#include <random>
+#include <sys/random.h>
 
 namespace recorder
 {
@@ -81,11 +82,31 @@ unsigned moveOf(char from, char to, const Alphabet& alphabet)
     return (place + alphabet.size - placeOf(from, alphabet)) % alphabet.size;
 }
 
+/// Numbers by chance from the kernel, a block at a time: it gives as many in one piece. The processor, which
+/// the library's device asks for each of them, takes longer for them than all the rest of a redaction.
+class Chance
+{
+public:
+    unsigned operator()()
+    {
+        if (next == block.size()) {
+            if (getrandom(block.data(), sizeof block, 0) != ssize_t{sizeof block})
+                throw platform::failedOn("random numbers");
+            next = 0;
+        }
+        return block[next++];
+    }
+
+private:
+    std::array<unsigned, 64> block{};
+    size_t next = block.size();
+};
+
 } // namespace
 
 std::string StandIns::of(std::string_view text, bool hexadecimal)
 {
-    static std::random_device source;
+    static Chance source;
     if (const std::string* standIn = known(text)) return *standIn;
     std::string result(text);
     for (size_t i = 0; i < text.size(); ++i) {
