@@ -202,7 +202,8 @@ Compilation compile(std::string_view file)
         return compilation;
     }
     schema.checkFrame(frame, compilation.faults);
-    const json rules = compilation.faults.empty() ? frame.value("faults", json::array()) : json::array();
+    json rules = json::array();
+    if (frame.is_object() && frame.contains("faults")) rules = std::move(frame["faults"]);
     checkRules(rules, schema, compilation.faults);
     if (!compilation.faults.empty()) return compilation;
 

@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <array>
 #include <limits>
+#include <map>
 
 namespace console::facility
 {
@@ -223,6 +224,21 @@ void Examination::attribute(const json& attribute, const std::string& place)
     }
 }
 
+/// The rules with faults, by their pointers, and the field that each fault is in.
+std::multimap<std::string, std::string> faultyFields(const Faults& faults)
+{
+    std::multimap<std::string, std::string> fields;
+    constexpr std::string_view rules = "/faults/";
+    for (const Fault& fault : faults) {
+        if (!fault.pointer.starts_with(rules)) continue;
+        const size_t rule = std::min(fault.pointer.find('/', rules.size()), fault.pointer.size());
+        const size_t field = std::min(rule + 1, fault.pointer.size());
+        fields.emplace(fault.pointer.substr(0, rule),
+                       fault.pointer.substr(field, fault.pointer.find('/', field) - field));
+    }
+    return fields;
+}
+
 /// Faultless rules on their way into the image.
 struct RuleWriter {
     const Schema& schema;
@@ -316,16 +332,21 @@ image::Rule RuleWriter::rule(const json& source)
 
 } // namespace
 
-void checkRules(const json& rules, const Schema& schema, Faults& faults)
+void checkRules(json& rules, const Schema& schema, Faults& faults)
 {
+    if (!rules.is_array()) return;
+    const std::multimap<std::string, std::string> faulty = faultyFields(faults);
     for (size_t i = 0; i < rules.size(); ++i) {
-        Examination examination{.rule = rules[i],
-                                .form = callForm(rules[i]),
-                                .schema = schema,
-                                .pointer = join("/faults", i),
-                                .faults = faults};
+        json& rule = rules[i];
+        if (!rule.is_object()) continue;
+        const std::string pointer = join("/faults", i);
+        const auto [first, last] = faulty.equal_range(pointer);
+        for (auto field = first; field != last; ++field)
+            rule.erase(field->second);
+        Examination examination{
+            .rule = rule, .form = callForm(rule), .schema = schema, .pointer = pointer, .faults = faults};
         examination.matching();
-        examination.effects();
+        if (first == last) examination.effects();
     }
 }
 

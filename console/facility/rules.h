@@ -8,8 +8,9 @@
 namespace console::facility
 {
 
-/// Checks the rules, whose fields the schema has allowed one by one.
-void checkRules(const nlohmann::json& rules, const Schema& schema, Faults& faults);
+/// Checks the rules. Fields that faults were found in already are taken out of them: what such a field would
+/// have done is not judged, nor what its rule does.
+void checkRules(nlohmann::json& rules, const Schema& schema, Faults& faults);
 
 /// Writes faultless rules and notes them in the header.
 void writeRules(const nlohmann::json& rules, const Schema& schema, ImageWriter& writer,

@@ -147,9 +147,12 @@ platform::FileDescriptor create(const fs::path& path)
 
 } // namespace
 
-void refuseCovered(const fs::path& root)
+void refuseUnfit(const fs::path& root)
 {
     const fs::path place = fs::weakly_canonical(root);
+    if (place.string().find(':') != std::string::npos)
+        throw platform::Failure(place.string() +
+                                " holds a colon, which PATH takes for its end: take another root");
     for (const char* folder : consoleFolders) {
         const fs::path covered = fs::path("/") / folder;
         if (std::ranges::mismatch(covered, place).in1 == covered.end()) {
@@ -171,9 +174,13 @@ fs::path layOut(const fs::path& given, const platform::Installation& installatio
     return fs::canonical(root);
 }
 
-void startAfresh(const fs::path& root, uint64_t rules)
+void startJournal(const fs::path& root)
 {
     create(root / image::journalFile);
+}
+
+void startState(const fs::path& root, uint64_t rules)
+{
     const fs::path state = root / image::stateFile;
     const platform::FileDescriptor file = create(state);
     const auto size = static_cast<off_t>(sizeof(image::RunState) + rules * sizeof(image::RuleState));

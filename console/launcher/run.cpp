@@ -84,28 +84,28 @@ void tellOutcome(const Recording& recording, const fs::path& root, int status)
 int run(const RunOptions& options)
 {
     const bool isWithinRun = std::getenv(image::rootVariable) != nullptr;
-    refuseCovered(options.root);
+    refuseUnfit(options.root);
     const platform::Installation installation = platform::findInstallation();
     const fs::path root = layOut(options.root, installation);
-    const FacilityImage image = provideImage(options.facility, root, installation);
-    const Recording recording = image.recording();
-    const std::vector<std::string> program = programOf(options, recording);
-    startAfresh(root, image.ruleCount());
-    setEnvironment(root, installation, options.user);
-
     const std::string refusal = enterNamespace();
     if (!refusal.empty() && geteuid() != 0) throw noWay(refusal);
     // It would wait for the very run that waits for it.
     if (!refusal.empty() && isWithinRun)
         throw platform::Failure("without namespaces there is no run within a run");
     std::optional<MachineLock> lock;
-    std::optional<Links> links;
-    if (refusal.empty()) {
-        mountConsole(root);
-    } else {
-        lock.emplace();
-    }
+    if (!refusal.empty()) lock.emplace();
+
+    // Another run's journal and image are left alone until that has ended; a run that is refused from here on
+    // leaves no journal but its own.
+    startJournal(root);
+    const FacilityImage image = provideImage(options.facility, root, installation);
+    const Recording recording = image.recording();
+    const std::vector<std::string> program = programOf(options, recording);
+    startState(root, image.ruleCount());
+    setEnvironment(root, installation, options.user);
+    if (!lock) mountConsole(root);
     const platform::HeldSignals signals = platform::holdSignals();
+    std::optional<Links> links;
     if (lock) links.emplace(root);
     const int status = platform::runProgram(installation.find(program), signals);
     if (options.program.empty()) tellOutcome(recording, root, status);

@@ -234,6 +234,12 @@ const Malformed malformedRules[] = {
     {"noEffect", R"({"faults": [{"call": "end_session"}]})", {"/faults/0"}, "no effect"},
     {"noEffectAtAll", R"({"faults": [{"delay": 1}, {}]})", {"/faults/1"}, "no effect"},
     {"twoEffects", R"({"faults": [{"fails": {"code": 1}, "answer": []}]})", {"/faults/0"}, "fails, answer"},
+    {"besideOtherFaults",
+     R"({"console": {"user": 1}, "faults": [{"class": "Orvik.TarnShelf", "delay": -1}, {}, "fails"]})",
+     {"/console/user", "/faults/0/delay", "/faults/2", "/faults/0/class", "/faults/1"}},
+    {"fieldsOfAFaultyRule",
+     R"({"faults": [{"call": "query", "fails": {"code": ""}, "answer": []}, {"class": "a\u0000b", "delay": 1}]})",
+     {"/faults/0/call", "/faults/0/fails/code", "/faults/1/class"}},
     {"effectAndProgramEffect",
      R"({"faults": [{"program": "qmstat", "fails": {"code": 1}, "status": 1}]})",
      {"/faults/0"},
@@ -405,7 +411,7 @@ const Malformed malformedRules[] = {
      "NUL"},
     {"severalRules",
      R"({"faults": [{"delay": 1}, {"call": "end_session"}, {"nth": 1, "fails": {}}, {"program": "ls", "status": 0}]})",
-     {"/faults/2/fails", "/faults/3/program"}},
+     {"/faults/2/fails", "/faults/3/program", "/faults/1"}},
 };
 
 std::string nameOf(const testing::TestParamInfo<Malformed>& info)

@@ -343,6 +343,26 @@ TEST_F(Launcher, RefusesARootThatCannotBeMade)
     EXPECT_FALSE(fs::exists(root));
 }
 
+TEST_F(Launcher, RefusesARootThatPathCannotName)
+{
+    root = temporary.path() / "a:b";
+    expectRefusal(run({"whoami"}), "a:b holds a colon");
+    EXPECT_FALSE(fs::exists(root));
+    fs::create_directory(root);
+    fs::create_directory_symlink(root, temporary.path() / "link");
+    root = temporary.path() / "link";
+    expectRefusal(run({"whoami"}), "a:b holds a colon");
+}
+
+TEST_F(Launcher, ARefusedRunLeavesNoJournalOfTheRunBefore)
+{
+    ASSERT_EQ(run({"whoami"}).status, 0);
+    ASSERT_EQ(kordTest::readJournal(root).size(), 1U);
+    useFacility(R"({"console": {"user": 1}})");
+    ASSERT_EQ(run({"whoami"}).status, 125);
+    EXPECT_EQ(textOf(root / "journal.jsonl"), "");
+}
+
 TEST_F(Launcher, FollowsItsUsersOwnLinks)
 {
     const fs::path own = temporary.path() / "own";
@@ -437,6 +457,18 @@ TEST_F(LauncherWithoutNamespaces, RunsOneAtATime)
     EXPECT_EQ(outcome.output, "0\n0\n") << outcome.error;
 }
 
+TEST_F(LauncherWithoutNamespaces, ARunThatWaitsLeavesTheJournalOfTheOneBefore)
+{
+    const std::string held =
+        R"(/bin/sh -c 'whoami; : > ready; sleep 0.5; cp "$KORD_CONSOLE_ROOT/journal.jsonl" kept')";
+    const Outcome outcome =
+        inOwnNamespace(runText() + held + " & p=$!; until [ -f ready ]; do sleep 0.02; done; " + runText() +
+                       "true; echo $?; wait $p; echo $?");
+    EXPECT_EQ(outcome.output, "root\n0\n0\n") << outcome.error;
+    EXPECT_NE(textOf(temporary.path() / "kept").find("whoami"), std::string::npos);
+    EXPECT_EQ(textOf(root / "journal.jsonl"), "");
+}
+
 TEST_F(LauncherWithoutNamespaces, RefusesARunWithinARun)
 {
     write(temporary.path() / "inner",
@@ -462,7 +494,7 @@ TEST_F(Launcher, CheckPrintsALineForEveryFault)
     useFacility(R"({"console": {"user": 1}, "systems": {"a": "b"}, "faults": [{}]})");
     const Outcome outcome = runProcess({.arguments = {console, "check", facility}, .folder = {}});
     EXPECT_EQ(outcome.status, 1);
-    EXPECT_EQ(outcome.output, "/console/user: must be a text or null\n");
+    EXPECT_EQ(outcome.output, "/console/user: must be a text or null\n/faults/0: has no effect\n");
     useFacility(R"({"faults": [{}, {"delay": 1}, {"fails": {"code": 1}, "answer": []}]})");
     const Outcome rules = runProcess({.arguments = {console, "check", facility}, .folder = {}});
     EXPECT_EQ(rules.output, "/faults/0: has no effect\n/faults/2: has more than one effect: fails, answer\n");
