@@ -377,8 +377,11 @@ TEST(Scanner, AWrongIdentifierLineIsTold)
         scan(ofEnclosures("<Resource displayName=\"A\" uniqueId=\"B\">\nC\n</Resource>\n"));
     EXPECT_THAT(scanned.events, testing::Contains("resource A|B"));
     EXPECT_EQ(scanned.findings, Texts{"11: the line behind this tag is not its identifier"});
-    const Scanned missing = scan(ofEnclosures("<Resource displayName=\"A\" uniqueId=\"B\">\n</Resource>\n"));
-    EXPECT_THAT(missing.events, testing::Contains("resource A|B"));
+    const Scanned missing = scan(ofEnclosures("<Resource displayName=\"A\" uniqueId=\"B\">\n" +
+                                              property("SN", "L", "S") + "</Resource>\n"));
+    EXPECT_EQ(inside(missing.events),
+              (Texts{"list Enclosures", "resource A|B", "SN|L|S", "/resource", "/list"}));
+    EXPECT_EQ(missing.findings, scanned.findings);
     EXPECT_TRUE(missing.complete);
 }
 

@@ -37,6 +37,32 @@ TEST(Tree, AlignsWhatStandsTogether)
         "`-- Quay  Q\n");
 }
 
+/// Where it is the part's own name or identifier, or the same around it, a value is told once.
+TEST(Tree, LeavesOutWhatIsToldAlready)
+{
+    const auto line = [](const std::string& properties) {
+        const std::string inner = resource("Gadget", "G", properties);
+        const std::string text =
+            tree(parse(ofEnclosures(resource("Around", "A",
+                                             property("S4", "Image", "I") + property("R2", "Rack", "1") +
+                                                 property("SN", "Serial", "S") + list("Parts", inner)))),
+                 Lines::ascii);
+        const size_t at = text.find("Gadget");
+        return text.substr(at, text.find('\n', at) - at);
+    };
+    EXPECT_EQ(line(property("S4", "Image", "I") + property("R2", "Rack", "1") +
+                   property("S3", "Storage Facility MTMS", "FACILITY") + property("DS", "VPD", "Gadget") +
+                   property("YL", "Location", "G") + property("CI", "Partition", "A")),
+              "Gadget  G");
+    EXPECT_EQ(line(property("CI", "Partition", "SYSTEM-1")), "Gadget  G");
+    EXPECT_EQ(line(property("S4", "Image", "J") + property("R2", "Rack", "2") + property("S3", "MTMS", "F") +
+                   property("DS", "VPD", "G") + property("YL", "Location", "Gadget") +
+                   property("CI", "Partition", "G") + property("SN", "Serial", "S") +
+                   property("DI", "Other", "A")),
+              "Gadget  G  S4 J  R2 2  S3 F  DS G  YL Gadget  CI G  SN S  DI A");
+    EXPECT_EQ(line(property("S4", "Another label", "I")), "Gadget  G  S4 I");
+}
+
 TEST(Tree, DrawsLinesWhereTheTerminalHasThem)
 {
     EXPECT_THAT(tree(parse(twoDrives), Lines::unicode), testing::HasSubstr("│       └── OSK"));
