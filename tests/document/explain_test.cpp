@@ -350,6 +350,25 @@ TEST(Explain, TheChecksOfAllNodesAskWithTheSameWords)
     EXPECT_EQ(problemIn(partner).function, "queryValePartnerStatus");
 }
 
+/// After the collection the nodes of the one system are asked, then those of the other.
+TEST(Explain, TheLastChecksTellTheSystemsApartByTheirNodes)
+{
+    const std::string second = " HWModel=\"9999-B2C\" && HWSerialNum=\"7ABCD12\" && LParID=\"2\"";
+    const auto failing = [&](size_t node) {
+        Log log;
+        log.checks();
+        const std::vector<std::string> nodes = {Log::node, second, Log::partnersNode};
+        for (size_t i = 0; i <= node; ++i) {
+            log.line("0010", nodes[i]);
+            log.line("0016", i < node ? "SF1, status=1" : "SF1, status=2");
+        }
+        return problemIn(log).function;
+    };
+    EXPECT_EQ(failing(0), "queryValeStatus");
+    EXPECT_EQ(failing(1), "queryValeStatus");
+    EXPECT_EQ(failing(2), "queryValePartnerStatus");
+}
+
 TEST(Explain, APartitionThatIsNotOnline)
 {
     Log log;
