@@ -37,12 +37,13 @@ struct Element {
         constexpr size_t around = sizeof property.start.bytes + endProperty.size();
         if (property.value.size() > sizeof bytes - around) return addLong(property);
         if (property.value.size() + around > sizeof bytes - used) flush();
-        memcpy(bytes + used, property.start.bytes, sizeof property.start.bytes);
-        used += property.start.size;
-        memmove(bytes + used, property.value.data(), property.value.size());
-        used += property.value.size();
-        memcpy(bytes + used, endProperty.data(), endProperty.size());
-        used += endProperty.size();
+        char* at = bytes + used;
+        memcpy(at, property.start.bytes, sizeof property.start.bytes);
+        at += property.start.size;
+        memmove(at, property.value.data(), property.value.size());
+        at += property.value.size();
+        memcpy(at, endProperty.data(), endProperty.size());
+        used = static_cast<size_t>(at + endProperty.size() - bytes);
     }
     void addLong(const Property& property)
     {

@@ -14,7 +14,7 @@
 /// Text that the compiler puts together. All its bytes are copied at once, whatever its size: a copy of a
 /// size that the compiler knows is a few instructions.
 struct Constant {
-    char bytes[128] = {};
+    char bytes[112] = {};
     size_t size = 0;
 
     consteval Constant(std::initializer_list<std::string_view> pieces)

@@ -125,7 +125,7 @@ Verdict judgeAnswer(kordRec* pKordRec, const Query& query, const Request& reques
 
 Answer<ValeQueryResponse> callQuery(kordRec* pKordRec, const Query& query, const Request& request)
 {
-    std::array<const char*, mostAttributes> names{};
+    std::array<const char*, mostAttributes> names;
     const size_t count = std::min(query.attributes.size(), names.size());
     std::ranges::transform(query.attributes.first(count), names.begin(), &Attribute::name);
 

@@ -389,12 +389,13 @@ void appendInterface(std::span<char> list, int32_t interface);
 void readInterfaceList(const kordRec* pKordRec, const ValeAttribute& attribute, Field field);
 
 /// Has the processor fetch a resource's texts while the one before it is written: a large facility's are in
-/// none of its caches. Of a number it fetches what lies at that address, if anything, and nothing comes of
-/// it.
+/// none of its caches. A number is no address: looking for its page would cost more than the fetch.
 inline void fetchAhead(const ValeQueryResponse& resource)
 {
-    for (uint32_t i = 0; i < sizeOf(resource); ++i)
-        __builtin_prefetch(resource.attributes[i].value.text);
+    for (uint32_t i = 0; i < sizeOf(resource); ++i) {
+        const ValeAttribute& attribute = resource.attributes[i];
+        if (attribute.type == VALE_TEXT) __builtin_prefetch(attribute.value.text);
+    }
 }
 
 /// Queries the class and hands every resource, read into one item, to `use`. -1 from it ends the walk.

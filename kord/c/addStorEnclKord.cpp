@@ -294,8 +294,9 @@ int32_t queryDDM(kordRec* pKordRec, const char* enclosureMTMS, const char* rackN
                  const char* enclosureNumber, const char* StorageFacilityImageMTMS,
                  const char* StorageFacilityImageID)
 {
-    char image[30];
-    convertStringFromMMToDash(image, StorageFacilityImageMTMS);
+    char imageMTMS[30];
+    convertStringFromMMToDash(imageMTMS, StorageFacilityImageMTMS);
+    const std::string_view image = imageMTMS;
     const Request request = requestOf(driveQuery.selection, StorageFacilityImageMTMS, rackNumber,
                                       enclosureMTMS, enclosureNumber, StorageFacilityImageID);
     return forEachItem<DriveValues>(pKordRec, driveQuery, request, [&](DriveValues& drive) {

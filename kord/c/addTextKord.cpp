@@ -48,13 +48,15 @@ void formatText(std::span<char> field, const char* format, ...)
     va_end(arguments);
 }
 
-void formatArguments(std::span<char> field, const char* format, va_list arguments)
+std::string_view formatArguments(std::span<char> field, const char* format, va_list arguments)
 {
-    if (field.empty()) return;
+    if (field.empty()) return {};
     // Nearly every format is made of these few; from the first other conversion on the library prints.
     TextRoom room(field);
-    for (const char* next; *(next = strchrnul(format, '%')) != '\0'; format = next + 2) {
+    for (const char* next;; format = next + 2) {
+        next = strchrnul(format, '%');
         if (next != format) room.add({format, next});
+        if (*next == '\0') break;
         switch (next[1]) {
         case 's':
             room.add(textOrEmpty(va_arg(arguments, const char*)));
@@ -67,11 +69,11 @@ void formatArguments(std::span<char> field, const char* format, va_list argument
             break;
         default:
             vsnprintf(room.at, static_cast<size_t>(room.last - room.at) + 1, next, arguments);
-            return;
+            return field.data();
         }
     }
-    room.add(format);
     *room.at = '\0';
+    return {field.data(), room.at};
 }
 
 void appendText(std::span<char> field, const char* format, ...)

@@ -28,13 +28,19 @@ struct TextRoom {
 
     explicit TextRoom(std::span<char> field) : at(field.data()), last(field.data() + field.size() - 1) {}
 
-    /// In place and without a bound on its size: a piece that the compiler knows is an instruction or two.
+    /// In place, and without a bound on its size where it fits: a piece that the compiler knows is an
+    /// instruction or two.
     [[gnu::always_inline]] void add(std::string_view piece)
     {
-        const auto left = static_cast<size_t>(last - at);
-        if (piece.size() > left) piece = piece.substr(0, left);
+        if (piece.size() > static_cast<size_t>(last - at)) return addCut(piece);
         memmove(at, piece.data(), piece.size());
         at += piece.size();
+    }
+
+    [[gnu::cold]] void addCut(std::string_view piece)
+    {
+        piece.copy(at, static_cast<size_t>(last - at));
+        at = last;
     }
 
     template <typename Number>
@@ -68,9 +74,9 @@ std::string_view joinText(std::span<char> field, Pieces... pieces)
 /// Formatted printing into the field. The arguments may lie outside the field only.
 [[gnu::format(printf, 2, 3)]] void formatText(std::span<char> field, const char* format, ...);
 
-/// The same with a caller's own arguments.
-[[gnu::format(printf, 2, 0)]] void formatArguments(std::span<char> field, const char* format,
-                                                   va_list arguments);
+/// The same with a caller's own arguments. Gives what the field holds.
+[[gnu::format(printf, 2, 0)]] std::string_view formatArguments(std::span<char> field, const char* format,
+                                                               va_list arguments);
 
 /// Formatted printing behind what the field holds.
 [[gnu::format(printf, 2, 3)]] void appendText(std::span<char> field, const char* format, ...);

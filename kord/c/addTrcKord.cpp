@@ -84,9 +84,11 @@ struct LineBuffer {
 /// The time of a line. Most lines fall into the same second as the one before, and share its text.
 struct Stamp {
     time_t second = -2; ///< no time yet: a clock that fails gives -1
+    size_t length = 0;
     char text[32] = "";
 };
 
+/// What a line starts with.
 std::string_view stampNow()
 {
     static Stamp last;
@@ -94,10 +96,10 @@ std::string_view stampNow()
     if (now != last.second) {
         tm local{};
         localtime_r(&now, &local);
-        strftime(last.text, sizeof last.text, "%m%d%y %H:%M:%S", &local);
+        last.length = strftime(last.text, sizeof last.text, "%m%d%y %H:%M:%S ", &local);
         last.second = now;
     }
-    return last.text;
+    return {last.text, last.length};
 }
 
 /// Nearly every line is as short as this.
@@ -106,7 +108,6 @@ void writeShortLine(int fd, std::string_view code, std::string_view message)
     char line[2 * lineLength];
     TextRoom room(line);
     room.add(stampNow());
-    room.add(" ");
     room.add(code);
     room.add(": ");
     room.add(message);
@@ -127,7 +128,6 @@ void writeWrappedLine(int fd, std::string_view code, std::string_view message)
     };
 
     line.add(stampNow());
-    line.add(" ");
     line.add(code);
     line.add(": ");
     addPart(firstRoom);
@@ -216,13 +216,12 @@ void removeLog(const Path& logFile)
     close(log);
 }
 
-} // namespace
-
-int32_t addTrcKord(const char* fileName, const char* code, const char* message)
+/// One line, in the log that has it for the moment: the file is opened anew for every line.
+void appendLine(const char* fileName, std::string_view code, std::string_view message)
 {
-    const Path& logFile = logPath(textOrEmpty(fileName));
+    const Path& logFile = logPath(fileName);
     const int log = openLog(logFile.text);
-    if (log < 0) return 0;
+    if (log < 0) return;
 
     // Only what is needed is asked for: a file whose times were looked at pays for exact ones at its next
     // write.
@@ -231,7 +230,7 @@ int32_t addTrcKord(const char* fileName, const char* code, const char* message)
     const bool isOurs =
         statx(log, "", AT_EMPTY_PATH, wanted, &status) == 0 && isLog(status.stx_mode, status.stx_nlink);
     if (isOurs) {
-        writeLine(log, textOrEmpty(code), textOrEmpty(message));
+        writeLine(log, code, message);
         if ((status.stx_mode & 07777) != logMode) fchmod(log, logMode);
     }
     close(log);
@@ -241,6 +240,13 @@ int32_t addTrcKord(const char* fileName, const char* code, const char* message)
         removeLog(logFile);
     else if (size > cutAbove)
         cutLog(logFile);
+}
+
+} // namespace
+
+int32_t addTrcKord(const char* fileName, const char* code, const char* message)
+{
+    appendLine(textOrEmpty(fileName), textOrEmpty(code), textOrEmpty(message));
     return 0;
 }
 
@@ -249,7 +255,7 @@ void trace(const kordRec* pKordRec, const char* code, const char* format, ...)
     char text[traceTextSize];
     va_list arguments;
     va_start(arguments, format);
-    formatArguments(text, format, arguments);
+    const std::string_view message = formatArguments(text, format, arguments);
     va_end(arguments);
-    addTrcKord(pKordRec->trcfile, code, text);
+    appendLine(pKordRec->trcfile, textOrEmpty(code), message);
 }
