@@ -2,11 +2,12 @@
 
 #include "addTrcKord.h"
 
-#include <cstdarg>
 #include <cstring>
 
 namespace
 {
+
+using namespace std::string_view_literals;
 
 constexpr std::string_view endList = "</ResourceList>\n";
 constexpr std::string_view endResource = "</Resource>\n";
@@ -51,6 +52,17 @@ struct Element {
         add(property.value);
         add(endProperty);
     }
+    /// In place: a piece that the compiler knows is an instruction or two.
+    template <typename... Pieces>
+    [[gnu::always_inline]] void addAll(Pieces... pieces)
+    {
+        const size_t size = (pieces.size() + ...);
+        if (size > sizeof bytes - used) flush();
+        if (size > sizeof bytes) return (add(pieces), ...);
+        char* at = bytes + used;
+        ((memmove(at, pieces.data(), pieces.size()), at += pieces.size()), ...);
+        used += size;
+    }
     void flush();
     void write(std::string_view text) const;
 };
@@ -75,13 +87,7 @@ const char* nameOf(const Frame& frame, const char* uniqueId)
 
 void addResource(Element& element, std::string_view displayName, std::string_view id, Properties properties)
 {
-    element.add("<Resource displayName=\"");
-    element.add(displayName);
-    element.add("\" uniqueId=\"");
-    element.add(id);
-    element.add("\">\n");
-    element.add(id);
-    element.add("\n");
+    element.addAll("<Resource displayName=\""sv, displayName, "\" uniqueId=\""sv, id, "\">\n"sv, id, "\n"sv);
     for (const Property& property : properties)
         element.add(property);
 }
@@ -159,28 +165,4 @@ void put(const kordRec* pKordRec, std::initializer_list<std::string_view> pieces
     Element element(pKordRec);
     for (const std::string_view piece : pieces)
         element.add(piece);
-}
-
-Composed compose(const char* format, ...)
-{
-    Composed composed;
-    va_list arguments;
-    va_start(arguments, format);
-    formatArguments(composed.text, format, arguments);
-    va_end(arguments);
-    return composed;
-}
-
-Composed partitionOf(const char* owner, const char* lparId)
-{
-    Composed composed;
-    joinText(composed.text, owner, "-", lparId);
-    return composed;
-}
-
-Composed partOf(const char* image, const char* kind, int32_t number)
-{
-    Composed composed;
-    joinText(composed.text, image, "/", kind, number);
-    return composed;
 }

@@ -104,13 +104,29 @@ void put(const kordRec* pKordRec, std::initializer_list<std::string_view> pieces
 
 struct Composed {
     char text[100];
+    size_t length;
+
+    // NOLINTNEXTLINE(google-explicit-constructor): it is a text wherever one is written
+    operator std::string_view() const { return {text, length}; }
 };
 
-[[gnu::format(printf, 1, 2)]] Composed compose(const char* format, ...);
+template <typename... Pieces>
+[[gnu::always_inline]] inline Composed compose(Pieces... pieces)
+{
+    Composed composed;
+    composed.length = joinText(composed.text, pieces...).size();
+    return composed;
+}
 
 /// A partition within an enclosure or a system.
-Composed partitionOf(const char* owner, const char* lparId);
+inline Composed partitionOf(const char* owner, const char* lparId)
+{
+    return compose(owner, "-", lparId);
+}
 
 /// A numbered part of an image's storage configuration: "S" array site, "A" array, "R" rank, "P" segment
 /// pool.
-Composed partOf(const char* image, const char* kind, int32_t number);
+inline Composed partOf(const char* image, const char* kind, int32_t number)
+{
+    return compose(image, "/", kind, number);
+}

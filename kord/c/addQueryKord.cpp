@@ -81,10 +81,9 @@ const Attribute* rowOf(const Query& query, const char* name, size_t position)
 /// The attribute's value into the item, by the row that is its own.
 void readRow(const kordRec* pKordRec, const Attribute& row, const ValeAttribute& attribute, void* item)
 {
-    if (row.field.of == nullptr) return;
     if (row.read != nullptr)
         row.read(pKordRec, attribute, row.field.of(item));
-    else
+    else if (row.field.copy != nullptr)
         row.field.copy(item, attribute);
 }
 
@@ -203,10 +202,10 @@ void ItemReader::read(const ValeQueryResponse& resource, void* item)
         return;
     }
     model = attributes;
-    for (size_t i = 0; i < attributes.size(); ++i) {
-        const Attribute& row = query.attributes[i];
-        if (row.read != nullptr) clearField(row, item); // it may leave the field as it is
-        readRow(pKordRec, row, attributes[i], item);
+    const Attribute* row = query.attributes.data();
+    for (const ValeAttribute& attribute : attributes) {
+        if (row->read != nullptr) clearField(*row, item); // it may leave the field as it is
+        readRow(pKordRec, *row++, attribute, item);
     }
 }
 

@@ -62,10 +62,10 @@ std::string_view formatArguments(std::span<char> field, const char* format, va_l
             room.add(textOrEmpty(va_arg(arguments, const char*)));
             break;
         case 'd':
-            room.addNumber(va_arg(arguments, int));
+            room.add(va_arg(arguments, int));
             break;
         case 'u':
-            room.addNumber(va_arg(arguments, unsigned));
+            room.add(va_arg(arguments, unsigned));
             break;
         default:
             vsnprintf(room.at, static_cast<size_t>(room.last - room.at) + 1, next, arguments);

@@ -5,8 +5,11 @@
 
 #include <algorithm>
 #include <charconv>
+#include <concepts>
 #include <cstdarg>
 #include <cstring>
+#include <iterator>
+#include <limits>
 #include <span>
 #include <string_view>
 
@@ -37,33 +40,34 @@ struct TextRoom {
         at += piece.size();
     }
 
-    [[gnu::cold]] void addCut(std::string_view piece)
+    [[gnu::cold, gnu::noinline]] void addCut(std::string_view piece)
     {
-        piece.copy(at, static_cast<size_t>(last - at));
-        at = last;
-    }
-
-    template <typename Number>
-    void addNumber(Number number)
-    {
-        char decimal[12];
-        const bool fits = last - at >= static_cast<ptrdiff_t>(sizeof decimal);
-        char* start = fits ? at : decimal;
-        char* end = std::to_chars(start, start + sizeof decimal, number).ptr;
-        if (fits)
-            at = end;
-        else
-            add({start, static_cast<size_t>(end - start)});
+        at += piece.copy(at, static_cast<size_t>(last - at));
     }
 
     [[gnu::always_inline]] void add(const char* text) { add(std::string_view(textOrEmpty(text))); }
-    void add(int32_t number) { addNumber(number); }
+
+    template <std::integral Number>
+    void add(Number number)
+    {
+        constexpr ptrdiff_t longest = std::numeric_limits<Number>::digits10 + 2;
+        if (last - at < longest) return addCut(number);
+        at = std::to_chars(at, at + longest, number).ptr;
+    }
+
+    template <std::integral Number>
+    [[gnu::cold, gnu::noinline]] void addCut(Number number)
+    {
+        char decimal[std::numeric_limits<Number>::digits10 + 2];
+        addCut({decimal, std::to_chars(decimal, std::end(decimal), number).ptr});
+    }
 };
 
-/// Texts and numbers one after another into the field: a format without the reading of it, for what every
-/// drive has. Gives what the field holds.
+/// Texts and numbers one after another into the field: a format without the reading of it, for what the
+/// document has. Gives what the field holds. In place, so that the compiler knows the pieces that are written
+/// there.
 template <typename... Pieces>
-std::string_view joinText(std::span<char> field, Pieces... pieces)
+[[gnu::always_inline]] inline std::string_view joinText(std::span<char> field, Pieces... pieces)
 {
     TextRoom room(field);
     (room.add(pieces), ...);

@@ -243,7 +243,7 @@ int32_t openInventory(const kordRec* pKordRec)
     timeval now{};
     gettimeofday(&now, nullptr);
     // Consumers read the microseconds as a plain number, without leading zeros.
-    const Composed stamp = compose("%lld.%ld", static_cast<long long>(now.tv_sec), now.tv_usec);
+    const Composed stamp = compose(now.tv_sec, ".", now.tv_usec);
 
     put(pKordRec, {"<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"});
     if (pKordRec->testFlag == 1) put(pKordRec, {"<?xml-stylesheet type=\"text/xsl\" href=\"v03.xsl\"?>\n"});
@@ -456,7 +456,7 @@ int32_t openRackEncl(const kordRec* pKordRec, const char* locationCode, const ch
     return openResource(pKordRec, rack, locationCode,
                         {
                             facility(pKordRec),
-                            normal(rackUniqueId, compose("%u", rackIndentifier).text),
+                            normal(rackUniqueId, compose(rackIndentifier)),
                             normal(rackNumberLabel, rackNumberOf(rackNumber).text),
                             normal(typeModelLabel, Typemodel),
                             normal(plantAndSerial, Serial),
@@ -603,7 +603,7 @@ int32_t writeHostDescription(const kordRec* pKordRec, const userHostDescr* pFirs
     // Consumers receive this one name without quotation marks.
     put(pKordRec, {"<Property name=U2 displayName=\"Host Inventory\">\nU2\n<Value type=\"string\">"});
     for (const userHostDescr* entry = pFirst; entry != nullptr; entry = entry->nextp) {
-        put(pKordRec, {entry->description, "=", compose("%d", entry->count).text, ","});
+        put(pKordRec, {entry->description, "=", compose(entry->count), ","});
     }
     put(pKordRec, {"</Value>\n</Property>\n"});
     return 0;
@@ -618,8 +618,7 @@ void openStorConfigResourceList(const kordRec* pKordRec)
 
 int32_t openStorConfigResource(const kordRec* pKordRec, const char* kordpStorageFacilityImageMTMS)
 {
-    return openResource(pKordRec, storageConfiguration,
-                        compose("%s%s", kordpStorageFacilityImageMTMS, "_L1").text);
+    return openResource(pKordRec, storageConfiguration, compose(kordpStorageFacilityImageMTMS, "_L1").text);
 }
 
 // clang-format off
@@ -641,15 +640,14 @@ int32_t writeArraySite(const kordRec* pKordRec, int32_t arraySite, const char* k
 {
     const Composed id = partOf(kordpStorageFacilityImageMTMS, "S", arraySite);
     const Composed space =
-        compose("AP=%d,DP=%d,DC=%dMB,DR=%d", arrayPostition, daPair, diskCapacity, diskRPM);
-    return writePart(
-        pKordRec, arraySiteName, id.text,
-        {
-            normal(imageMTMS, kordpStorageFacilityImageMTMS),
-            normal(arrayBelow, partOf(kordpStorageFacilityImageMTMS, "A", array).text),
-            normal(partitionIdentifier, partitionOf(pKordRec->kordpManagedSystemMTMS, lparId).text),
-            normal(logicalSpace, space.text),
-        });
+        compose("AP=", arrayPostition, ",DP=", daPair, ",DC=", diskCapacity, "MB,DR=", diskRPM);
+    return writePart(pKordRec, arraySiteName, id,
+                     {
+                         normal(imageMTMS, kordpStorageFacilityImageMTMS),
+                         normal(arrayBelow, partOf(kordpStorageFacilityImageMTMS, "A", array)),
+                         normal(partitionIdentifier, partitionOf(pKordRec->kordpManagedSystemMTMS, lparId)),
+                         normal(logicalSpace, space),
+                     });
 }
 
 int32_t writeArray(const kordRec* pKordRec, const char* arraySites, const char* kordpStorageFacilityImageMTMS,
@@ -657,18 +655,16 @@ int32_t writeArray(const kordRec* pKordRec, const char* arraySites, const char* 
                    int32_t daPair, int32_t diskCapacity, int32_t diskRPM, int32_t rank, int32_t rankPosition,
                    const char* lparId)
 {
-    const Composed id = compose("%s/A%s", kordpStorageFacilityImageMTMS, arraySites);
-    const Composed space =
-        compose("AN=%s,AC=%s,RP=%d,DP=%d,DC=%dMB,DR=%d,RT=%s", serialNumber, arraySiteConfiguration,
-                rankPosition, daPair, diskCapacity, diskRPM, raidType);
-    return writePart(
-        pKordRec, arrayName, id.text,
-        {
-            normal(imageMTMS, kordpStorageFacilityImageMTMS),
-            normal(rankBelow, partOf(kordpStorageFacilityImageMTMS, "R", rank).text),
-            normal(partitionIdentifier, partitionOf(pKordRec->kordpManagedSystemMTMS, lparId).text),
-            normal(logicalSpace, space.text),
-        });
+    const Composed id = compose(kordpStorageFacilityImageMTMS, "/A", arraySites);
+    const Composed space = compose("AN=", serialNumber, ",AC=", arraySiteConfiguration, ",RP=", rankPosition,
+                                   ",DP=", daPair, ",DC=", diskCapacity, "MB,DR=", diskRPM, ",RT=", raidType);
+    return writePart(pKordRec, arrayName, id,
+                     {
+                         normal(imageMTMS, kordpStorageFacilityImageMTMS),
+                         normal(rankBelow, partOf(kordpStorageFacilityImageMTMS, "R", rank)),
+                         normal(partitionIdentifier, partitionOf(pKordRec->kordpManagedSystemMTMS, lparId)),
+                         normal(logicalSpace, space),
+                     });
 }
 
 int32_t writeRank(const kordRec* pKordRec, int32_t rank, const char* kordpStorageFacilityImageMTMS,
@@ -677,15 +673,14 @@ int32_t writeRank(const kordRec* pKordRec, int32_t rank, const char* kordpStorag
 {
     const Composed id = partOf(kordpStorageFacilityImageMTMS, "R", rank);
     const Composed space =
-        compose("RN=%s,ET=%d,ES=%d,RG=%d", serialNumber, segmentType, numberSegments, rankGroup);
-    return writePart(
-        pKordRec, rankName, id.text,
-        {
-            normal(imageMTMS, kordpStorageFacilityImageMTMS),
-            normal(segmentPoolBelow, partOf(kordpStorageFacilityImageMTMS, "P", segmentPool).text),
-            normal(partitionIdentifier, partitionOf(pKordRec->kordpManagedSystemMTMS, lparId).text),
-            normal(logicalSpace, space.text),
-        });
+        compose("RN=", serialNumber, ",ET=", segmentType, ",ES=", numberSegments, ",RG=", rankGroup);
+    return writePart(pKordRec, rankName, id,
+                     {
+                         normal(imageMTMS, kordpStorageFacilityImageMTMS),
+                         normal(segmentPoolBelow, partOf(kordpStorageFacilityImageMTMS, "P", segmentPool)),
+                         normal(partitionIdentifier, partitionOf(pKordRec->kordpManagedSystemMTMS, lparId)),
+                         normal(logicalSpace, space),
+                     });
 }
 
 int32_t writeSegmentPool(const kordRec* pKordRec, int32_t segmentPool,
@@ -694,13 +689,13 @@ int32_t writeSegmentPool(const kordRec* pKordRec, int32_t segmentPool,
                          int32_t virtualSegmentLimit, int32_t rankGroup, const char* lparId)
 {
     const Composed id = partOf(kordpStorageFacilityImageMTMS, "P", segmentPool);
-    const Composed space = compose("ET=%d,ES=%d,EL=%d,VE=%d,VL=%d,RG=%d", segmentType, numberSegments,
-                                   segmentLimit, numbervirtualSegments, virtualSegmentLimit, rankGroup);
-    return writePart(
-        pKordRec, segmentPoolName, id.text,
-        {
-            normal(imageMTMS, kordpStorageFacilityImageMTMS),
-            normal(partitionIdentifier, partitionOf(pKordRec->kordpManagedSystemMTMS, lparId).text),
-            normal(logicalSpace, space.text),
-        });
+    const Composed space =
+        compose("ET=", segmentType, ",ES=", numberSegments, ",EL=", segmentLimit,
+                ",VE=", numbervirtualSegments, ",VL=", virtualSegmentLimit, ",RG=", rankGroup);
+    return writePart(pKordRec, segmentPoolName, id,
+                     {
+                         normal(imageMTMS, kordpStorageFacilityImageMTMS),
+                         normal(partitionIdentifier, partitionOf(pKordRec->kordpManagedSystemMTMS, lparId)),
+                         normal(logicalSpace, space),
+                     });
 }
