@@ -85,7 +85,8 @@ const char* nameOf(const Frame& frame, const char* uniqueId)
     return textOrEmpty(frame.displayName != nullptr ? frame.displayName : uniqueId);
 }
 
-void addResource(Element& element, std::string_view displayName, std::string_view id, Properties properties)
+void addResource(Element& element, std::string_view displayName, std::string_view id,
+                 const Properties& properties)
 {
     element.addAll("<Resource displayName=\""sv, displayName, "\" uniqueId=\""sv, id, "\">\n"sv, id, "\n"sv);
     for (const Property& property : properties)
@@ -140,14 +141,10 @@ int32_t closeSubList(const kordRec* pKordRec, const Frame& frame)
 }
 
 int32_t writeResource(const kordRec* pKordRec, std::string_view displayName, std::string_view uniqueId,
-                      std::initializer_list<Properties> groups)
+                      const Properties& properties)
 {
     Element element(pKordRec);
-    addResource(element, displayName, uniqueId, {});
-    for (const Properties& properties : groups) {
-        for (const Property& property : properties)
-            element.add(property);
-    }
+    addResource(element, displayName, uniqueId, properties);
     element.add(endResource);
     return 0;
 }

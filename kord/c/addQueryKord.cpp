@@ -253,11 +253,11 @@ std::span<const char* const> textsOf(const ValeAttribute& attribute)
 void appendInterface(std::span<char> list, int32_t interface)
 {
     char decimal[12];
-    formatText(decimal, "%d", interface);
+    const std::string_view digits = joinText(decimal, interface);
     if (list[0] == '\0')
         copyText(list, decimal);
     else
-        appendText(list, ",%.*s", static_cast<int>(strlen(decimal)) - 1, decimal);
+        joinText(restOf(list), ",", digits.substr(0, digits.size() - 1));
 }
 
 void readInterfaceList(const kordRec*, const ValeAttribute& attribute, Field field)

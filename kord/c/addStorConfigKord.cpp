@@ -90,9 +90,9 @@ void readArraySites(const kordRec* pKordRec, const ValeAttribute& attribute, Fie
     if (sites.empty())
         copyText(field.text, "0");
     else
-        formatText(field.text, "%d%d", sites[0], sites[0]);
+        joinText(field.text, sites[0], sites[0]);
     for (size_t i = 1; i < sites.size(); ++i)
-        appendText(field.text, ",%d", sites[i]);
+        joinText(restOf(field.text), ",", sites[i]);
     trace(pKordRec, sitesLine, static_cast<int32_t>(sites.size()), field.text.data());
 }
 
@@ -101,7 +101,7 @@ void readArraySiteConfiguration(const kordRec* pKordRec, const ValeAttribute& at
     const std::span<const char* const> texts = textsOf(attribute);
     copyText(field.text, texts.empty() ? "" : texts[0]);
     for (size_t i = 1; i < texts.size(); ++i)
-        appendText(field.text, ",%s", textOrEmpty(texts[i]));
+        joinText(restOf(field.text), ",", texts[i]);
     trace(pKordRec, sitesConfigurationLine, static_cast<int32_t>(texts.size()), field.text.data());
 }
 

@@ -80,7 +80,7 @@ void appendText(std::span<char> field, const char* format, ...)
 {
     va_list arguments;
     va_start(arguments, format);
-    formatArguments(field.subspan(strnlen(field.data(), field.size())), format, arguments);
+    formatArguments(restOf(field), format, arguments);
     va_end(arguments);
 }
 

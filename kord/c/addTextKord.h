@@ -8,7 +8,6 @@
 #include <concepts>
 #include <cstdarg>
 #include <cstring>
-#include <iterator>
 #include <limits>
 #include <span>
 #include <string_view>
@@ -35,31 +34,47 @@ struct TextRoom {
     /// instruction or two.
     [[gnu::always_inline]] void add(std::string_view piece)
     {
-        if (piece.size() > static_cast<size_t>(last - at)) return addCut(piece);
+        if (piece.size() > left()) {
+            at = cut(at, left(), piece);
+            return;
+        }
         memmove(at, piece.data(), piece.size());
         at += piece.size();
-    }
-
-    [[gnu::cold, gnu::noinline]] void addCut(std::string_view piece)
-    {
-        at += piece.copy(at, static_cast<size_t>(last - at));
     }
 
     [[gnu::always_inline]] void add(const char* text) { add(std::string_view(textOrEmpty(text))); }
 
     template <std::integral Number>
-    void add(Number number)
+    [[gnu::always_inline]] void add(Number number)
     {
-        constexpr ptrdiff_t longest = std::numeric_limits<Number>::digits10 + 2;
-        if (last - at < longest) return addCut(number);
-        at = std::to_chars(at, at + longest, number).ptr;
+        if (left() < longest<Number>)
+            at = cut(at, left(), number);
+        else
+            at = decimal(at, number);
+    }
+
+private:
+    template <std::integral Number>
+    static constexpr size_t longest = std::numeric_limits<Number>::digits10 + 2;
+
+    [[nodiscard]] size_t left() const { return static_cast<size_t>(last - at); }
+
+    template <std::integral Number>
+    [[gnu::noinline]] static char* decimal(char* at, Number number)
+    {
+        return std::to_chars(at, at + longest<Number>, number).ptr;
+    }
+
+    [[gnu::cold, gnu::noinline]] static char* cut(char* at, size_t left, std::string_view piece)
+    {
+        return at + piece.copy(at, left);
     }
 
     template <std::integral Number>
-    [[gnu::cold, gnu::noinline]] void addCut(Number number)
+    [[gnu::cold, gnu::noinline]] static char* cut(char* at, size_t left, Number number)
     {
-        char decimal[std::numeric_limits<Number>::digits10 + 2];
-        addCut({decimal, std::to_chars(decimal, std::end(decimal), number).ptr});
+        char whole[longest<Number>];
+        return cut(at, left, {whole, decimal(whole, number)});
     }
 };
 
@@ -73,6 +88,12 @@ template <typename... Pieces>
     (room.add(pieces), ...);
     *room.at = '\0';
     return {field.data(), room.at};
+}
+
+/// What is left of a field behind the text that it holds.
+inline std::span<char> restOf(std::span<char> field)
+{
+    return field.subspan(strnlen(field.data(), field.size() - 1));
 }
 
 /// Formatted printing into the field. The arguments may lie outside the field only.
