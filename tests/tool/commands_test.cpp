@@ -366,6 +366,18 @@ TEST_F(Commands, ExplainSaysWhatItCannotRead)
     says({"explain", "--run", "2", "--all", log}, "--run and --all exclude each other");
 }
 
+/// Whatever its size: logs are read in blocks.
+TEST_F(Commands, ExplainReadsALogToItsLastByte)
+{
+    const std::string last = "112126 13:41:03 SRCV: 155968_quay1 07-15-05  9999-B2C*7ABCD99\n";
+    for (const size_t size : {size_t{65536}, size_t{65537}, size_t{131073}}) {
+        std::string text = "112126 13:41:03 >>:  " + std::string(size - last.size() - 22, 'x') + '\n' + last;
+        ASSERT_EQ(text.size(), size);
+        const Outcome outcome = run({"explain", write("log", text)});
+        EXPECT_THAT(outcome.output, testing::HasSubstr(" for 9999-B2C*7ABCD99, ")) << size;
+    }
+}
+
 TEST_F(Commands, FollowEndsOnALogThatLostItsStart)
 {
     const fs::path log = folder.path() / "kord.log";
