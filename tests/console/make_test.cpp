@@ -147,6 +147,18 @@ TEST(Make, CountsArePerParent)
     }
 }
 
+/// What is written goes out by the megabyte.
+TEST(Make, ALargeFacilityIsWritten)
+{
+    const std::string text = made({.racks = 6, .drives = 128});
+    EXPECT_GT(text.size(), size_t{1} << 20U);
+    EXPECT_TRUE(json::accept(text));
+    size_t drives = 0;
+    for (size_t at = text.find("\"ddmname\""); at != std::string::npos; at = text.find("\"ddmname\"", at + 1))
+        ++drives;
+    EXPECT_EQ(drives, 6U * Sizes{}.enclosures * 128U);
+}
+
 TEST(Make, RacksHoldAnEnclosureOfEveryImage)
 {
     for (const Sizes& sizes : shapes) {

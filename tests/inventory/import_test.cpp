@@ -210,6 +210,24 @@ TEST_F(Import, WhatIsNoInventoryStaysAsItIs)
     EXPECT_EQ(fleet.import({file}).status, 2);
 }
 
+TEST_F(Import, ADamagedDocumentIsTold)
+{
+    const std::string file = fleet.write("1.xml", monday);
+    const std::string says = "kord: " + fleet.database().string() + ": " + file + ": the document ";
+    for (const auto& [damage, what] : std::vector<std::pair<std::string, std::string>>{
+             {"UPDATE document SET content = substr(content, 1, length(content) - 9)", "in it is damaged\n"},
+             {"UPDATE document SET content = x'00112233445566778899'", "in it is damaged\n"},
+             {"UPDATE document SET content = x''", "in it is damaged\n"},
+             {"DELETE FROM document", "is not there\n"}}) {
+        std::filesystem::remove(fleet.database());
+        import({file}, "1 document imported");
+        fleet.ask(damage);
+        const Outcome outcome = Fleet::kord({"list", "drives", fleet.database()});
+        EXPECT_EQ(outcome.status, 2) << damage;
+        EXPECT_EQ(outcome.error, says + what) << damage;
+    }
+}
+
 TEST_F(Import, BytesThatAreNoTextDoNoHarm)
 {
     const Drive odd = {.slot = "-P1-D1", .serial = "\xFFO'\"); DROP TABLE part; --", .level = "\xE2\x82"};
@@ -269,6 +287,15 @@ TEST_F(Import, HistoryTellsWhereASerialHasBeen)
                 ElementsAre("2026-11-02T00:00:00.000005Z,SYSTEM-1,drive,U.AB1-P1-D2,,1,2,B,,",
                             "2026-11-03T00:00:00.000005Z,SYSTEM-1,drive,U.AB1-P1-D2,,1,2,B,,replaced by C"));
     EXPECT_EQ(history("U.AB1-P1-D2").size(), 3U);
+    const auto night = [](const std::string& day, const std::string& slot, const std::string& change) {
+        const std::string row = "2026-11-0" + day + "T00:00:00.000005Z  SYSTEM-1  drive  U.AB1-P1-D" + slot +
+                                std::string(16, ' ') + "1     " + slot + "  A";
+        return row + (change.empty() ? "" : std::string(17, ' ') + change) + '\n';
+    };
+    EXPECT_EQ(Fleet::kord({"history", fleet.database(), "A"}).output,
+              "collected                    system    kind   id           rack  enclosure  slot  serial  "
+              "firmware  change\n" +
+                  night("2", "1", "") + night("3", "1", "changed") + night("4", "7", "moved"));
     const Outcome none = Fleet::kord({"history", fleet.database(), "nowhere"});
     EXPECT_EQ(none.status, 1);
     EXPECT_EQ(splitLines(none.output).size(), 1U);
