@@ -182,6 +182,51 @@ TEST(ClientFailure, OfAMalformedSelectionNamesTheColumn)
     });
 }
 
+/// What people read of a call that failed, each ending in the line feed that consumers drop.
+TEST(ClientFailure, SaysWhatIsWrong)
+{
+    const std::string noClass = "no class is named, or the handle is of no resource\n";
+    const std::vector<std::pair<std::string, std::string>> malformed = {
+        {"rackNumber=R1", "a text or a number expected at column 12"},
+        {"rackNumber=?1", "a text expected at column 13"},
+        {"rackNumber \"R1\"", "= or =? expected at column 12"},
+        {"=\"R1\"", "an attribute name expected at column 1"},
+        {"1=\"R1\"", "an attribute name expected at column 1"},
+        {"rackNumber=\"R1\" &", "&& or || expected at column 17"},
+        {"(rackNumber=\"R1\"", "a ) expected at column 17"}};
+    journalOf(facility, [&] {
+        const ValeSessionHandle session = startSession(4);
+        const auto expect = [](const auto& answer, const std::string& message) {
+            answer.expectFailure();
+            EXPECT_EQ(lastMessage(), message);
+        };
+        expect(Query(nullptr, rack, nullptr, {}), "query_p_select without a session\n");
+        expect(Enumeration(nullptr, rack, nullptr), "enumerate_resources without a session\n");
+        expect(Action(nullptr, nullptr), "invoke_action without a session\n");
+        expect(Query(session, nullptr, nullptr, {}), noClass);
+        expect(Action(session, nullptr), noClass);
+        expect(Query(session, "Orvik.Nothing", nullptr, {}), "class \"Orvik.Nothing\" is unknown\n");
+        expect(Query(session, rack, nullptr, {}),
+               "class \"" + std::string(rack) +
+                   "\" is not served to a session of scope 4, only to one of scope 2\n");
+        const Enumeration partitions(session, partition, nullptr);
+        const ValeResourceHandle resource = partitions[0].handles[0];
+        expect(Action(session, resource, "queryImageLevel"), "action \"queryImageLevel\" is unknown\n");
+        expect(Action(session, resource, nullptr), "action (null) is unknown\n");
+        expect(Action(session, resource, "queryRunningImageLevel", "s"),
+               "queryRunningImageLevel takes the one text \"S\"\n");
+        const ValeSessionHandle racks = startSession(2);
+        for (const auto& [selection, says] : malformed)
+            expect(Query(racks, rack, selection.c_str(), {}),
+                   "malformed selection: " + says + ": " + selection + '\n');
+        ValeSessionHandle none = nullptr;
+        EXPECT_NE(vale_start_session(nullptr, 0, 3, &none), 0);
+        EXPECT_EQ(lastMessage(), "there are no sessions of scope 3, only of 1, 2 and 4\n");
+        EXPECT_NE(vale_end_session(nullptr), 0);
+        EXPECT_EQ(lastMessage(), "no session to end\n");
+    });
+}
+
 TEST(ClientFailure, OfASessionScopeThatThereIsNot)
 {
     journalOf(facility, [] {

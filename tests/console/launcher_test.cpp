@@ -188,6 +188,14 @@ TEST_F(Launcher, StaysInTheWorkingFolder)
     EXPECT_EQ(inVar.output, "/var/lib\n" + inShell("ls", "/var/lib").output);
 }
 
+TEST_F(Launcher, StaysInAWorkingFolderThatIsGone)
+{
+    const Outcome outcome = inShell(
+        "mkdir gone; cd gone; rmdir ../gone; " + runText() + "/bin/sh -c 'echo ran'", temporary.path());
+    EXPECT_EQ(outcome.status, 0) << outcome.error;
+    EXPECT_EQ(outcome.output, "ran\n");
+}
+
 TEST_F(Launcher, TakesARelativeRoot)
 {
     root = "in/here";
