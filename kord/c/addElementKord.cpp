@@ -46,6 +46,11 @@ struct Element {
         memcpy(at, endProperty.data(), endProperty.size());
         used = static_cast<size_t>(at + endProperty.size() - bytes);
     }
+    void add(const Properties& properties)
+    {
+        for (const Property& property : properties)
+            add(property);
+    }
     void addLong(const Property& property)
     {
         add({property.start.bytes, property.start.size});
@@ -89,8 +94,7 @@ void addResource(Element& element, std::string_view displayName, std::string_vie
                  const Properties& properties)
 {
     element.addAll("<Resource displayName=\""sv, displayName, "\" uniqueId=\""sv, id, "\">\n"sv, id, "\n"sv);
-    for (const Property& property : properties)
-        element.add(property);
+    element.add(properties);
 }
 
 int32_t closeElement(const kordRec* pKordRec, const Frame& frame, std::string_view endTags)
@@ -141,10 +145,12 @@ int32_t closeSubList(const kordRec* pKordRec, const Frame& frame)
 }
 
 int32_t writeResource(const kordRec* pKordRec, std::string_view displayName, std::string_view uniqueId,
-                      const Properties& properties)
+                      const Properties& properties, const Properties& middle, const Properties& last)
 {
     Element element(pKordRec);
     addResource(element, displayName, uniqueId, properties);
+    element.add(middle);
+    element.add(last);
     element.add(endResource);
     return 0;
 }

@@ -90,10 +90,11 @@ int32_t closeResource(const kordRec* pKordRec, const Frame& frame);
 int32_t openSubList(const kordRec* pKordRec, const Frame& frame, const char* uniqueId);
 int32_t closeSubList(const kordRec* pKordRec, const Frame& frame);
 
-/// A whole resource. The list comes by reference: by value it would be copied in memory as one piece, which
+/// A whole resource. Lists come by reference: by value one would be copied in memory as one piece, which
 /// waits until its two halves are there.
 int32_t writeResource(const kordRec* pKordRec, std::string_view displayName, std::string_view uniqueId,
-                      const Properties& properties);
+                      const Properties& properties, const Properties& middle = {},
+                      const Properties& last = {});
 
 /// A property that stands by itself.
 int32_t writeProperty(const kordRec* pKordRec, const char* traceText, const Property& property);

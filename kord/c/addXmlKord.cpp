@@ -85,19 +85,12 @@ RackNumber rackNumberOf(const char* rackText)
     return number;
 }
 
-/// A whole part of the facility, with its own properties between those that all parts have. In place: a list
-/// within a list would have to be copied.
-template <typename... Own>
-[[gnu::always_inline]] inline int32_t writePart(const kordRec* pKordRec, std::string_view displayName,
-                                                std::string_view uniqueId, const Own&... properties)
+/// A whole part of the facility, with its own properties between those that all parts have.
+int32_t writePart(const kordRec* pKordRec, std::string_view displayName, std::string_view uniqueId,
+                  const Properties& properties)
 {
-    return writeResource(pKordRec, displayName, uniqueId,
-                         {
-                             facility(pKordRec),
-                             properties...,
-                             normal(systemVPD, displayName),
-                             normal(hardwareLocation, uniqueId),
-                         });
+    return writeResource(pKordRec, displayName, uniqueId, {facility(pKordRec)}, properties,
+                         {normal(systemVPD, displayName), normal(hardwareLocation, uniqueId)});
 }
 
 /// The two kinds of adapter card differ in their display name alone.
@@ -417,11 +410,14 @@ int32_t writeDrive(const kordRec* pKordRec, const DriveValues& drive)
                  "MB,DR=", drive.rpm, ",DS=", drive.interfaceRate, ",AS=", drive.arraySite,
                  ",AP=", drive.arraySitePosition, ",IT=", drive.interfaceType, ",ST=", drive.serviceState);
     return writePart(pKordRec, ddmName, drive.locationCode,
-
-                     normal(imageMTMS, drive.image), normal(ecLevelLabel, drive.ecLevel),
-                     normal(firmwareLevelLabel, drive.firmwareLevel),
-                     normal(partNumberLabel, drive.partNumber), normal(serialNumberLabel, drive.serialNumber),
-                     normal(diskSpace, characteristics));
+                     {
+                         normal(imageMTMS, drive.image),
+                         normal(ecLevelLabel, drive.ecLevel),
+                         normal(firmwareLevelLabel, drive.firmwareLevel),
+                         normal(partNumberLabel, drive.partNumber),
+                         normal(serialNumberLabel, drive.serialNumber),
+                         normal(diskSpace, characteristics),
+                     });
 }
 
 int32_t writeFCIC(const kordRec* pKordRec, const char* locationCode,
@@ -429,18 +425,23 @@ int32_t writeFCIC(const kordRec* pKordRec, const char* locationCode,
                   const char* partNumber, const char* serialNumber)
 {
     return writePart(pKordRec, fcicName, textOrEmpty(locationCode),
-
-                     normal(imageMTMS, kordpStorageFacilityImageMTMS), normal(ecLevelLabel, ecLevel),
-                     normal(firmwareLevelLabel, firmwareLevel), normal(partNumberLabel, partNumber),
-                     normal(serialNumberLabel, serialNumber));
+                     {
+                         normal(imageMTMS, kordpStorageFacilityImageMTMS),
+                         normal(ecLevelLabel, ecLevel),
+                         normal(firmwareLevelLabel, firmwareLevel),
+                         normal(partNumberLabel, partNumber),
+                         normal(serialNumberLabel, serialNumber),
+                     });
 }
 
 int32_t writeBaffle(const kordRec* pKordRec, const char* locationCode,
                     const char* kordpStorageFacilityImageMTMS, const char* partNumber)
 {
     return writePart(pKordRec, baffleName, textOrEmpty(locationCode),
-
-                     normal(imageMTMS, kordpStorageFacilityImageMTMS), normal(partNumberLabel, partNumber));
+                     {
+                         normal(imageMTMS, kordpStorageFacilityImageMTMS),
+                         normal(partNumberLabel, partNumber),
+                     });
 }
 
 // --- Racks
@@ -471,10 +472,13 @@ int32_t writePPS(const kordRec* pKordRec, const char* locationCode, const char* 
                  const char* rackNumber)
 {
     return writePart(pKordRec, ppsName, textOrEmpty(locationCode),
-
-                     normal(ecLevelLabel, ecLevel), normal(firmwareLevelLabel, flashFirmwareLevel),
-                     normal(partNumberLabel, partNumber), normal(serialNumberLabel, serialNumber),
-                     normal(rackNumberLabel, rackNumberOf(rackNumber).text));
+                     {
+                         normal(ecLevelLabel, ecLevel),
+                         normal(firmwareLevelLabel, flashFirmwareLevel),
+                         normal(partNumberLabel, partNumber),
+                         normal(serialNumberLabel, serialNumber),
+                         normal(rackNumberLabel, rackNumberOf(rackNumber).text),
+                     });
 }
 
 int32_t writeBattery(const kordRec* pKordRec, const char* locationCode, const char* ecLevel,
@@ -482,11 +486,13 @@ int32_t writeBattery(const kordRec* pKordRec, const char* locationCode, const ch
                      const char* rackNumber)
 {
     return writePart(pKordRec, batteryName, textOrEmpty(locationCode),
-
-                     normal(ecLevelLabel, ecLevel), normal(partNumberLabel, partNumber),
-                     normal(serialNumberLabel, serialNumber),
-                     normal(rackNumberLabel, rackNumberOf(rackNumber).text),
-                     normal(batteryLife, batteryRemainingLife));
+                     {
+                         normal(ecLevelLabel, ecLevel),
+                         normal(partNumberLabel, partNumber),
+                         normal(serialNumberLabel, serialNumber),
+                         normal(rackNumberLabel, rackNumberOf(rackNumber).text),
+                         normal(batteryLife, batteryRemainingLife),
+                     });
 }
 
 int32_t writeRPC(const kordRec* pKordRec, const char* locationCode, const char* ecLevel,
@@ -495,30 +501,36 @@ int32_t writeRPC(const kordRec* pKordRec, const char* locationCode, const char* 
 {
     // The firmware level follows the rack number here, unlike in a power supply.
     return writePart(pKordRec, rpcName, textOrEmpty(locationCode),
-
-                     normal(ecLevelLabel, ecLevel), normal(partNumberLabel, partNumber),
-                     normal(serialNumberLabel, serialNumber),
-                     normal(rackNumberLabel, rackNumberOf(rackNumber).text),
-                     normal(firmwareLevelLabel, flashFirmwareLevel), normal(featureCode, kyrosFeatureCode));
+                     {
+                         normal(ecLevelLabel, ecLevel),
+                         normal(partNumberLabel, partNumber),
+                         normal(serialNumberLabel, serialNumber),
+                         normal(rackNumberLabel, rackNumberOf(rackNumber).text),
+                         normal(firmwareLevelLabel, flashFirmwareLevel),
+                         normal(featureCode, kyrosFeatureCode),
+                     });
 }
 
 int32_t writeFanSense(const kordRec* pKordRec, const char* locationCode, const char* ecLevel,
                       const char* partNumber, const char* serialNumber, const char* rackNumber)
 {
     return writePart(pKordRec, fanSenseName, textOrEmpty(locationCode),
-
-                     normal(ecLevelLabel, ecLevel), normal(partNumberLabel, partNumber),
-                     normal(serialNumberLabel, serialNumber),
-                     normal(rackNumberLabel, rackNumberOf(rackNumber).text));
+                     {
+                         normal(ecLevelLabel, ecLevel),
+                         normal(partNumberLabel, partNumber),
+                         normal(serialNumberLabel, serialNumber),
+                         normal(rackNumberLabel, rackNumberOf(rackNumber).text),
+                     });
 }
 
 int32_t writeFanTray(const kordRec* pKordRec, const char* locationCode, const char* partNumber,
                      const char* rackNumber)
 {
     return writePart(pKordRec, fanTrayName, textOrEmpty(locationCode),
-
-                     normal(partNumberLabel, partNumber),
-                     normal(rackNumberLabel, rackNumberOf(rackNumber).text));
+                     {
+                         normal(partNumberLabel, partNumber),
+                         normal(rackNumberLabel, rackNumberOf(rackNumber).text),
+                     });
 }
 
 // --- Consoles
@@ -626,11 +638,12 @@ int32_t writeArraySite(const kordRec* pKordRec, int32_t arraySite, const char* k
     const Composed space =
         compose("AP=", arrayPostition, ",DP=", daPair, ",DC=", diskCapacity, "MB,DR=", diskRPM);
     return writePart(pKordRec, arraySiteName, id,
-
-                     normal(imageMTMS, kordpStorageFacilityImageMTMS),
-                     normal(arrayBelow, partOf(kordpStorageFacilityImageMTMS, "A", array)),
-                     normal(partitionIdentifier, partitionOf(pKordRec->kordpManagedSystemMTMS, lparId)),
-                     normal(logicalSpace, space));
+                     {
+                         normal(imageMTMS, kordpStorageFacilityImageMTMS),
+                         normal(arrayBelow, partOf(kordpStorageFacilityImageMTMS, "A", array)),
+                         normal(partitionIdentifier, partitionOf(pKordRec->kordpManagedSystemMTMS, lparId)),
+                         normal(logicalSpace, space),
+                     });
 }
 
 int32_t writeArray(const kordRec* pKordRec, const char* arraySites, const char* kordpStorageFacilityImageMTMS,
@@ -642,11 +655,12 @@ int32_t writeArray(const kordRec* pKordRec, const char* arraySites, const char* 
     const Composed space = compose("AN=", serialNumber, ",AC=", arraySiteConfiguration, ",RP=", rankPosition,
                                    ",DP=", daPair, ",DC=", diskCapacity, "MB,DR=", diskRPM, ",RT=", raidType);
     return writePart(pKordRec, arrayName, id,
-
-                     normal(imageMTMS, kordpStorageFacilityImageMTMS),
-                     normal(rankBelow, partOf(kordpStorageFacilityImageMTMS, "R", rank)),
-                     normal(partitionIdentifier, partitionOf(pKordRec->kordpManagedSystemMTMS, lparId)),
-                     normal(logicalSpace, space));
+                     {
+                         normal(imageMTMS, kordpStorageFacilityImageMTMS),
+                         normal(rankBelow, partOf(kordpStorageFacilityImageMTMS, "R", rank)),
+                         normal(partitionIdentifier, partitionOf(pKordRec->kordpManagedSystemMTMS, lparId)),
+                         normal(logicalSpace, space),
+                     });
 }
 
 int32_t writeRank(const kordRec* pKordRec, int32_t rank, const char* kordpStorageFacilityImageMTMS,
@@ -657,11 +671,12 @@ int32_t writeRank(const kordRec* pKordRec, int32_t rank, const char* kordpStorag
     const Composed space =
         compose("RN=", serialNumber, ",ET=", segmentType, ",ES=", numberSegments, ",RG=", rankGroup);
     return writePart(pKordRec, rankName, id,
-
-                     normal(imageMTMS, kordpStorageFacilityImageMTMS),
-                     normal(segmentPoolBelow, partOf(kordpStorageFacilityImageMTMS, "P", segmentPool)),
-                     normal(partitionIdentifier, partitionOf(pKordRec->kordpManagedSystemMTMS, lparId)),
-                     normal(logicalSpace, space));
+                     {
+                         normal(imageMTMS, kordpStorageFacilityImageMTMS),
+                         normal(segmentPoolBelow, partOf(kordpStorageFacilityImageMTMS, "P", segmentPool)),
+                         normal(partitionIdentifier, partitionOf(pKordRec->kordpManagedSystemMTMS, lparId)),
+                         normal(logicalSpace, space),
+                     });
 }
 
 int32_t writeSegmentPool(const kordRec* pKordRec, int32_t segmentPool,
@@ -674,8 +689,9 @@ int32_t writeSegmentPool(const kordRec* pKordRec, int32_t segmentPool,
         compose("ET=", segmentType, ",ES=", numberSegments, ",EL=", segmentLimit,
                 ",VE=", numbervirtualSegments, ",VL=", virtualSegmentLimit, ",RG=", rankGroup);
     return writePart(pKordRec, segmentPoolName, id,
-
-                     normal(imageMTMS, kordpStorageFacilityImageMTMS),
-                     normal(partitionIdentifier, partitionOf(pKordRec->kordpManagedSystemMTMS, lparId)),
-                     normal(logicalSpace, space));
+                     {
+                         normal(imageMTMS, kordpStorageFacilityImageMTMS),
+                         normal(partitionIdentifier, partitionOf(pKordRec->kordpManagedSystemMTMS, lparId)),
+                         normal(logicalSpace, space),
+                     });
 }
