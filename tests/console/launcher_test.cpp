@@ -223,6 +223,43 @@ TEST_F(Launcher, FindsProgramsByTheirBareName)
     EXPECT_EQ(run({"./own"}).status, 6);
 }
 
+/// What a facility is compiled to is kept beside a root, unless the file may change without its times showing
+/// it.
+TEST_F(Launcher, CompilesAFacilityAgainWhereItMustBe)
+{
+    const fs::path image = root / ".console/image";
+    const fs::path key = root / ".console/image.key";
+    const auto runsAs = [&](const std::string& user) { EXPECT_EQ(run({"whoami"}).output, user + '\n'); };
+    runsAs("root"); // of the bundled facility, which is older than a moment
+    const std::string first = textOf(key);
+    const auto made = fs::last_write_time(image);
+    runsAs("root");
+    EXPECT_EQ(fs::last_write_time(image), made);
+    EXPECT_EQ(textOf(key), first);
+
+    const std::string whole = textOf(image);
+    std::string damaged = whole;
+    damaged.back() = static_cast<char>(damaged.back() ^ 1);
+    for (const std::string& other : {damaged, whole.substr(0, 9), std::string()}) {
+        write(image, other);
+        runsAs("root");
+        EXPECT_TRUE(textOf(image) == whole);
+    }
+    for (const std::string& other : {std::string(), first.substr(0, first.size() - 2), first + "x"}) {
+        write(key, other);
+        runsAs("root");
+        EXPECT_EQ(textOf(key), first);
+    }
+
+    const auto start = std::chrono::steady_clock::now();
+    useFacility(R"({"console": {"user": "one"}})");
+    runsAs("one");
+    const bool inAMoment = std::chrono::steady_clock::now() - start < std::chrono::seconds(1);
+    EXPECT_TRUE(!fs::exists(key) || !inAMoment);
+    useFacility(R"({"console": {"user": "two"}})");
+    runsAs("two");
+}
+
 TEST_F(Launcher, StartsTheJournalAfresh)
 {
     ASSERT_EQ(run({"whoami"}).status, 0);
