@@ -327,18 +327,15 @@ std::vector<std::vector<const Problem*>> groupsOf(const TracedRun& run, Severity
 
 std::string others(const std::vector<const Problem*>& group)
 {
-    constexpr size_t most = 5;
     if (group.size() < 2) return {};
     std::string text = std::to_string(group.size() - 1) + " more of the same:";
-    for (size_t i = 1; i < group.size() && i <= most; ++i)
+    for (size_t i = 1; i < group.size(); ++i)
         text += (i > 1 ? ";" : "") + (" " + partWords(*group[i]));
-    if (group.size() > most + 1) text += "; and so on";
     return text;
 }
 
 std::string sectionOf(const TracedRun& run, Severity severity, std::string_view one, std::string_view many)
 {
-    constexpr size_t mostGroups = 50;
     const auto groups = groupsOf(run, severity);
     if (groups.empty()) return {};
     size_t count = 0;
@@ -346,13 +343,11 @@ std::string sectionOf(const TracedRun& run, Severity severity, std::string_view 
         count += group.size();
     std::string text =
         '\n' + (count == 1 ? std::string(one) : std::to_string(count) + ' ' + std::string(many)) + '\n';
-    for (size_t i = 0; i < groups.size() && i < mostGroups; ++i) {
+    for (size_t i = 0; i < groups.size(); ++i) {
         if (i > 0) text += '\n';
         text += details(run, *groups[i].front());
         addField(text, "and", others(groups[i]));
     }
-    if (groups.size() > mostGroups)
-        text += "  and " + std::to_string(groups.size() - mostGroups) + " sorts more\n";
     return text;
 }
 

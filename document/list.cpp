@@ -81,12 +81,13 @@ Field List::fieldOf(const std::string& name) const
 
 std::vector<std::string> List::columnNames() const
 {
-    if (options.count) return *options.count;
     std::vector<std::string> names = options.columns.empty() ? usualColumns() : options.columns;
-    for (const std::string& name : options.added) {
-        if (std::ranges::find(names, name) == names.end()) names.push_back(name);
+    names.insert(names.end(), options.added.begin(), options.added.end());
+    std::vector<std::string> once;
+    for (const std::string& name : options.count.value_or(names)) {
+        if (std::ranges::find(once, name) == once.end()) once.push_back(name);
     }
-    return names;
+    return once;
 }
 
 /// People want the columns that tell most, programs all.

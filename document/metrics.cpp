@@ -95,7 +95,10 @@ void Metrics::add(const std::string& metric, const Labels& labels, std::string v
 
 void Metrics::take(const TracedRun& run)
 {
-    const Labels labels = {{"system", run.system}};
+    // As the document calls it, so that a run and its document can be joined.
+    std::string system = run.system;
+    std::ranges::replace(system, '*', '-');
+    const Labels labels = {{"system", system}};
     const auto minor = std::ranges::count(run.problems, Severity::minor, &Problem::severity);
     const auto filed = std::ranges::count_if(
         run.events, [](const FiledEvent& event) { return event.toolStatus.value_or(0) == 0; });

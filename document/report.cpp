@@ -3,6 +3,7 @@
 #include "platform/text.h"
 
 #include <algorithm>
+#include <functional>
 #include <map>
 #include <set>
 #include <unordered_map>
@@ -176,7 +177,7 @@ std::vector<Group> groupsOf(const Changes& changes, Values& values)
     std::unordered_map<std::string, size_t> indexes;
     for (const Change& change : changes.found) {
         std::string key(wordOf(change.type));
-        key.append(rowOf(change.kind).word).append(happened(change, values));
+        key.append(rowOf(change.kind).singular).append(happened(change, values));
         const auto [entry, isNew] = indexes.try_emplace(std::move(key), groups.size());
         if (isNew) groups.push_back({.first = &change});
         Group& group = groups[entry->second];
@@ -375,7 +376,12 @@ void writeJson(const Changes& changes, const Write& write)
 void writeJsonSummary(const Changes& changes, const Write& write)
 {
     std::string json = jsonHead(changes) + ",\n  \"summary\": {";
-    for (const char* separator = ""; const auto& [kind, counts] : countsOf(changes)) {
+    Counts told; // some kinds have one word
+    for (const auto& [kind, counts] : countsOf(changes)) {
+        auto& ofWord = told[kindsOf(rowOf(kind).word).back()];
+        std::ranges::transform(counts, ofWord, ofWord.begin(), std::plus<>());
+    }
+    for (const char* separator = ""; const auto& [kind, counts] : told) {
         json.append(separator).append("\n    ").append(quote(rowOf(kind).word)).append(": { ");
         separator = "";
         for (const ChangeType type : changeTypes) {

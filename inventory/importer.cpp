@@ -120,7 +120,7 @@ std::string systemName(const Document& document)
 Incoming incomingOf(const std::string& file)
 {
     document::Input input(file);
-    Incoming incoming = {.file = file, .bytes = {}, .hash = {}};
+    Incoming incoming = {.file = file == "-" ? "standard input" : file, .bytes = {}, .hash = {}};
     constexpr size_t block = size_t{1} << 20U;
     for (size_t got = 1; got > 0;) {
         const size_t before = incoming.bytes.size();

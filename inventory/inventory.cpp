@@ -6,6 +6,7 @@
 #include "platform/failure.h"
 
 #include <array>
+#include <filesystem>
 #include <fstream>
 #include <vector>
 
@@ -49,7 +50,9 @@ bool isDatabase(const std::string& file)
 {
     constexpr std::string_view start("SQLite format 3\0", 16);
     std::array<char, start.size()> bytes{};
-    if (file == "-") return false;
+    // The first bytes of a pipe are not there again for who reads it.
+    std::error_code unknown;
+    if (!std::filesystem::is_regular_file(file, unknown)) return false;
     std::ifstream stream(file, std::ios::binary);
     stream.read(bytes.data(), bytes.size());
     return stream && std::string_view(bytes.data(), bytes.size()) == start;

@@ -8,7 +8,6 @@
 #include "document/kindList.h"
 #include "document/page.h"
 #include "document/report.h"
-#include "platform/wholeFile.h"
 
 #include <memory>
 #include <string>
@@ -35,9 +34,12 @@ struct DiffOptions {
 document::KindSet kindSetOf(const std::string& word)
 {
     document::KindSet kinds;
-    for (const document::Kind kind : document::knownKinds(word))
-        kinds.set(static_cast<size_t>(kind));
-    return word == "all" ? kinds.set() : kinds; // with what has no word of its own
+    for (const document::Kind known : document::knownKinds(word)) {
+        for (const document::KindRow& row : document::kinds) {
+            if (row.word == document::rowOf(known).word) kinds.set(static_cast<size_t>(row.kind));
+        }
+    }
+    return kinds;
 }
 
 int diff(const DiffOptions& options, Output& output)
@@ -54,7 +56,7 @@ int diff(const DiffOptions& options, Output& output)
     const auto write = [&](std::string_view text) { output.write(text); };
     const bool many = output.isTerminal() && changes.found.size() > manyForATerminal;
     if (!options.page.empty())
-        platform::writeWhole(options.page, document::page(changes));
+        writePage(options.page, document::page(changes), output);
     else if (options.json && options.summary)
         writeJsonSummary(changes, write);
     else if (options.json)

@@ -3,6 +3,8 @@
 #include "document/reader.h"
 #include "inventory/inventory.h"
 #include "platform/commandLine.h"
+#include "platform/failure.h"
+#include "platform/text.h"
 
 namespace tool
 {
@@ -35,27 +37,62 @@ document::Document told(document::Document document)
 
 } // namespace
 
+std::string documentOf(const std::string& file)
+{
+    const std::vector<std::string> found = document::documentsOf(file);
+    if (found.size() == 1) return found.front();
+    throw document::Malformed(platform::shown(file) + ": the folder holds " +
+                              (found.empty() ? "no document" : std::to_string(found.size()) + " documents") +
+                              ": name one");
+}
+
 document::Document readDocument(const std::string& file)
 {
-    return told(document::readFile(file));
+    return told(document::readFile(documentOf(file)));
 }
+
+bool areSeveral(const std::vector<std::string>& files)
+{
+    if (files.size() != 1) return true;
+    return inventory::isDatabase(files.front()) || document::documentsOf(files.front()).size() > 1;
+}
+
+bool attempt(const std::function<void()>& work)
+{
+    try {
+        work();
+        return true;
+    } catch (const document::Malformed& malformed) {
+        platform::complain("kord", malformed.what());
+        return false;
+    }
+}
+
+namespace
+{
+
+/// A file that is no inventory is one file in trouble among others.
+inventory::Inventory openInventory(const std::string& file)
+{
+    try {
+        return {file, inventory::Database::Access::read};
+    } catch (const platform::Failure& failure) {
+        throw document::Malformed(failure.what());
+    }
+}
+
+} // namespace
 
 int eachFile(const std::vector<std::string>& files, const std::function<void(const std::string&)>& use)
 {
-    constexpr int trouble = 2;
     int status = 0;
-    const auto attempt = [&](const std::function<void()>& work) {
-        try {
-            work();
-        } catch (const document::Malformed& malformed) {
-            platform::complain("kord", malformed.what());
-            status = trouble;
-        }
+    const auto tried = [&](const std::function<void()>& work) {
+        if (!attempt(work)) status = trouble;
     };
     for (const std::string& file : files) {
-        attempt([&] {
+        tried([&] {
             for (const std::string& one : document::documentsOf(file))
-                attempt([&] { use(one); });
+                tried([&] { use(one); });
         });
     }
     return status;
@@ -65,7 +102,7 @@ int eachDocument(const std::vector<std::string>& files, const std::function<void
 {
     return eachFile(files, [&](const std::string& file) {
         if (!inventory::isDatabase(file)) return use(readDocument(file));
-        inventory::Inventory database(file, inventory::Database::Access::read);
+        inventory::Inventory database = openInventory(file);
         database.eachLatest([&](document::Document document) { use(told(std::move(document))); });
     });
 }

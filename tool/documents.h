@@ -17,8 +17,20 @@ void tell(const std::string& name, const std::vector<document::Finding>& finding
 
 void tell(const document::Document& document);
 
-/// A document, with what there is to tell of it.
+/// The one document that a file on the command line means. A folder with none or several is a Malformed.
+std::string documentOf(const std::string& file);
+
+/// That document, with what there is to tell of it.
 document::Document readDocument(const std::string& file);
+
+/// Whether there may be several documents in the files: no more is known of more than one file.
+bool areSeveral(const std::vector<std::string>& files);
+
+/// What a command ends with when a file was in trouble.
+constexpr int trouble = 2;
+
+/// Does a file's work. What is wrong with the file is told on standard error. \return whether it was done
+bool attempt(const std::function<void()>& work);
 
 /// Calls for every file that the files of a command line mean, in their order. One in trouble is told on
 /// standard error and keeps no other from its turn. \return the status to end with

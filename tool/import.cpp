@@ -84,7 +84,7 @@ private:
             ++known;
             return;
         }
-        document::Input input(file, incoming.bytes);
+        document::Input input(incoming.file, incoming.bytes);
         const document::Document document = document::read(input);
         progress.clear();
         tell(document);
@@ -117,18 +117,14 @@ int import(const ImportOptions& options, Output& output)
 platform::Command importCommand()
 {
     const auto options = std::make_shared<ImportOptions>();
-    return {.name = "import",
-            .help = "Put documents into an inventory database, which is made where there is none",
-            .arguments = {{.name = "DATABASE", .into = &options->database, .help = "The SQLite database"},
-                          {.name = "FILE",
-                           .into = &options->files,
-                           .help = "A document, a folder of documents or - for standard input"}},
-            .run = [options] {
-                Output output({});
-                const int status = import(*options, output);
-                output.finish();
-                return status;
-            }};
+    return writing(
+        {.name = "import",
+         .help = "Put documents into an inventory database, which is made where there is none",
+         .arguments = {{.name = "DATABASE", .into = &options->database, .help = "The SQLite database"},
+                       {.name = "FILE",
+                        .into = &options->files,
+                        .help = "A document, a folder of documents or - for standard input"}}},
+        [options](Output& output) { return import(*options, output); });
 }
 
 } // namespace tool

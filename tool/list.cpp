@@ -6,7 +6,6 @@
 #include "tableOptions.h"
 
 #include "document/list.h"
-#include "inventory/inventory.h"
 #include "platform/failure.h"
 
 #include <algorithm>
@@ -70,7 +69,7 @@ int list(const ListOptions& options, Output& output)
     if (arguments.size() < 2) throw platform::Failure("list needs a kind of parts and a FILE");
     wanted.kind = arguments.front();
     arguments.erase(arguments.begin());
-    wanted.several = arguments.size() > 1 || inventory::isDatabase(arguments.front());
+    wanted.several = areSeveral(arguments);
     if (options.count) wanted.count = split(*options.count);
 
     document::List rows(wanted, [&](std::string_view text) { output.write(text); });

@@ -30,12 +30,12 @@ int metrics(const MetricsOptions& options, Output& output)
     document::Explainer explainer([&](const document::TracedRun& run) {
         if (!newest || run.number > newest->number) newest = run;
     });
-    readTrace(explainer, options.trace);
-    if (newest) metrics.take(*newest);
+    const bool read = attempt([&] { readTrace(explainer, options.trace); });
+    if (read && newest) metrics.take(*newest);
     const int status =
         eachDocument(options.files, [&](const document::Document& document) { metrics.take(document); });
     output.write(metrics.text());
-    return status;
+    return read ? status : trouble;
 }
 
 } // namespace

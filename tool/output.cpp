@@ -77,6 +77,14 @@ size_t Output::columns()
     return known ? size.ws_col : usual;
 }
 
+void writePage(const std::string& path, std::string_view page, Output& output)
+{
+    if (path == "-") return output.write(page);
+    if (output.isFile())
+        throw platform::Failure("--html and -o exclude each other: the page goes to one file");
+    platform::writeWhole(path, page);
+}
+
 platform::Command writing(platform::Command command, std::function<int(Output&)> run)
 {
     const auto options = std::make_shared<Output::Options>();

@@ -30,6 +30,8 @@ public:
     /// Nothing more will be written: a file comes to its place.
     void finish();
 
+    /// Whether results go to a file.
+    [[nodiscard]] bool isFile() const { return file.has_value(); }
     /// Whether results go to a terminal.
     [[nodiscard]] bool isTerminal() const { return terminal; }
     [[nodiscard]] bool isColored() const { return colored; }
@@ -42,6 +44,9 @@ private:
     bool colored;
     std::string buffer;
 };
+
+/// Writes a page for a browser to its file; "-" is where results go.
+void writePage(const std::string& path, std::string_view page, Output& output);
 
 /// A command that writes results gets the options that all these have. Its file is put in place when `run`
 /// returns.

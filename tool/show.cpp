@@ -6,7 +6,6 @@
 
 #include "document/page.h"
 #include "document/tree.h"
-#include "platform/wholeFile.h"
 
 #include <clocale>
 #include <memory>
@@ -36,7 +35,7 @@ int show(const ShowOptions& options, Output& output)
 {
     const document::Document document = readDocument(options.file);
     if (!options.page.empty())
-        platform::writeWhole(options.page, document::page(document));
+        writePage(options.page, document::page(document), output);
     else
         writeTree(document, drawableLines(), [&](std::string_view text) { output.write(text); });
     return 0;

@@ -1,7 +1,6 @@
 #include "traces.h"
 
 #include "document/input.h"
-#include "platform/failure.h"
 
 #include <array>
 
@@ -20,7 +19,7 @@ void readTrace(document::Explainer& explainer, const std::string& file)
     }
     explainer.end();
     if (!explainer.foundLines())
-        throw platform::Failure(input.name() + ": no line of a collector's trace log");
+        throw document::Malformed(input.name() + ": no line of a collector's trace log");
 }
 
 } // namespace tool

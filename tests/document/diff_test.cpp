@@ -637,6 +637,25 @@ TEST(Report, TellsAHostInJson)
         "column": "description", "old": "web=2", "new": "www=2"}])"));
 }
 
+/// A partition's share of an enclosure that comes, and a part of no known kind with it.
+TEST(Report, CallsWhatIsOfNoKindOfItsOwnOther)
+{
+    const auto machine = [](const std::string& shares, const std::string& parts) {
+        return ofMachine(resource("Storage Enclosure", "U", list("Enclosures Partitions", shares)) + parts);
+    };
+    const std::string first = resource("U-1", "U-1", "");
+    const std::string before = machine(first, "");
+    const std::string after = machine(first + resource("U-2", "U-2", ""), resource("Shelf", "S", ""));
+    const nlohmann::json found = jsonOf(before, after)["changes"];
+    ASSERT_EQ(found.size(), 2U);
+    for (const nlohmann::json& change : found)
+        EXPECT_EQ(change["kind"], "other") << change;
+    EXPECT_EQ(found[0]["id"], "U-2");
+    EXPECT_EQ(jsonOf(before, after, true)["summary"], nlohmann::json::parse(R"({"other": {"added": 2}})"));
+    EXPECT_EQ(report(before, after, {.grouped = true}),
+              "added     partition's share of an enclosure U-2\nadded     Shelf S\n2 changes: 2 added\n");
+}
+
 TEST(Report, IsASummaryInJson)
 {
     EXPECT_EQ(jsonOf(Upgrade().before, Upgrade().after, true)["summary"],

@@ -393,6 +393,17 @@ TEST(List, ColumnsAreChosenOrAdded)
               "description  ports  partition  within\nweb, 1           2  P          P1\n");
 }
 
+TEST(List, AColumnThatIsNamedTwiceIsOne)
+{
+    const std::string text = drivesOf({"L"});
+    ListOptions options = of("drives");
+    options.format = Format::lines;
+    options.columns = {"slot", "id", "slot"};
+    EXPECT_EQ(listed(options, {text}), "{\"slot\":1,\"id\":\"E-D1\"}\n");
+    options.count = Texts{"firmware", "firmware"};
+    EXPECT_EQ(listed(options, {text}), "{\"firmware\":\"L\",\"count\":1}\n");
+}
+
 /// A value of up to 80 columns makes its column as wide; a wider one moves what stands behind it in its own
 /// row.
 TEST(List, AVeryWideValueMovesItsOwnRowAlone)

@@ -79,7 +79,7 @@ TEST_F(MetricsText, TellsHowTheRunWent)
     metrics.take(endedRun());
     const std::string text = metrics.text();
     expectOpenMetrics(text);
-    const std::string system = R"({system="9999-B2C*7ABCD12"} )";
+    const std::string system = R"({system="9999-B2C-7ABCD12"} )";
     for (const std::string& line :
          {"kord_run_start_timestamp_seconds" + system + "1795261263\n",
           "kord_run_end_timestamp_seconds" + system + "1795261269\n", "kord_run_status" + system + "3\n",
@@ -99,7 +99,7 @@ TEST_F(MetricsText, ARunThatHasNotEndedHasNoEnd)
     expectOpenMetrics(text);
     EXPECT_EQ(text.find("kord_run_end"), std::string::npos);
     EXPECT_EQ(text.find("kord_run_status"), std::string::npos);
-    EXPECT_NE(text.find("\nkord_run_success{system=\"9999-B2C*7ABCD12\"} 0\n"), std::string::npos);
+    EXPECT_NE(text.find("\nkord_run_success{system=\"9999-B2C-7ABCD12\"} 0\n"), std::string::npos);
 }
 
 const std::string enclosures =

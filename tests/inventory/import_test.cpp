@@ -182,6 +182,21 @@ TEST_F(Import, OneFileInTroubleDoesNotStopTheOthers)
                                                        "kord: /no/such: No such file or directory"));
 }
 
+TEST_F(Import, ReadsStandardInputAndWritesItsResultWhereItIsTold)
+{
+    const std::string file = fleet.write("1.xml", monday);
+    const std::string result = fleet.database().string() + ".txt";
+    const Outcome outcome = kordTest::runProcess(
+        {.arguments = {"/bin/sh", "-c",
+                       R"("$0" import -o "$1.txt" "$1" - < "$2"; echo no document | "$0" import "$1" -)",
+                       std::filesystem::path(KORD_BUILD_DIR) / "bin/kord", fleet.database(), file},
+         .folder = {}});
+    EXPECT_EQ(outcome.output, "0 documents imported\n");
+    EXPECT_THAT(outcome.error, StartsWith("kord: standard input:1: "));
+    EXPECT_EQ(readFile(result), "1 document imported\n");
+    EXPECT_THAT(fleet.ask("SELECT file FROM snapshot"), ElementsAre("standard input"));
+}
+
 TEST_F(Import, WhatIsNoInventoryStaysAsItIs)
 {
     const std::string file = fleet.write("1.xml", monday);
@@ -205,6 +220,9 @@ TEST_F(Import, WhatIsNoInventoryStaysAsItIs)
     import({file}, "1 document imported");
     fleet.ask("PRAGMA user_version = 7");
     refused("an inventory of version 7, but this kord knows version 1");
+    const Outcome beside = Fleet::kord({"list", "systems", name, file, "--count"});
+    EXPECT_EQ(beside.status, 2);
+    EXPECT_EQ(beside.output, "1\n");
     std::filesystem::remove(name);
     std::filesystem::create_directory(name);
     EXPECT_EQ(fleet.import({file}).status, 2);

@@ -208,6 +208,79 @@ TEST_F(Commands, ShowWritesAPage)
     EXPECT_THAT(kordTest::readFile(page).value_or(""), testing::EndsWith("</html>\n"));
 }
 
+TEST_F(Commands, AFolderWithOneDocumentStandsForIt)
+{
+    const fs::path small = folder.path() / "addTarnKord_a.xml";
+    fs::copy_file(expected / "small.xml", small);
+    fs::copy_file(small, folder.path() / "other.xml");
+    for (const std::string command : {"show", "json", "xml"})
+        EXPECT_EQ(run({command, folder.path()}).output, run({command, small}).output) << command;
+    EXPECT_EQ(run({"diff", folder.path(), small}).status, 0);
+    fs::copy_file(small, folder.path() / "addTarnKord_b.xml");
+    for (const std::vector<std::string>& words : {std::vector<std::string>{"show", folder.path()},
+                                                  {"json", folder.path()},
+                                                  {"xml", folder.path()},
+                                                  {"diff", folder.path(), small},
+                                                  {"diff", small, folder.path()}}) {
+        const Outcome outcome = run(words);
+        EXPECT_EQ(outcome.status, 2);
+        EXPECT_EQ(outcome.output, "");
+        EXPECT_EQ(outcome.error,
+                  "kord: " + folder.path().string() + ": the folder holds 2 documents: name one\n");
+    }
+}
+
+TEST_F(Commands, APageGoesWhereResultsGo)
+{
+    const std::string small = expected / "small.xml";
+    const std::string page = folder.path() / "page.html";
+    ASSERT_EQ(run({"show", small, "--html", page}).status, 0);
+    const std::string text = kordTest::readFile(page).value_or("");
+    EXPECT_EQ(run({"show", small, "--html", "-"}).output, text);
+    const std::string other = folder.path() / "other.html";
+    EXPECT_EQ(run({"show", small, "--html", "-", "-o", other}).output, "");
+    EXPECT_EQ(kordTest::readFile(other), text);
+    EXPECT_THAT(run({"diff", small, small, "--html", "-"}).output, testing::EndsWith("</html>\n"));
+    fs::remove(page);
+    EXPECT_EQ(run({"diff", small, small, "--html", page, "-o", other}).status, 2);
+    EXPECT_EQ(kordTest::readFile(other), text);
+    EXPECT_FALSE(fs::exists(page));
+}
+
+/// Before the document, where it can be read twice.
+TEST_F(Commands, XmlSaysFirstWhatADocumentLacks)
+{
+    const std::string text = kordTest::readFile(expected / "facility.xml").value();
+    const std::string cut =
+        write("cut.xml", text.substr(0, text.find("<ResourceList displayName=\"Partitions")));
+    const auto both = [&](const std::string& script) {
+        return kordTest::runProcess({.arguments = {"/bin/sh", "-c", script, kord, cut}, .folder = {}}).output;
+    };
+    const std::string mended = run({"xml", cut}).output;
+    const auto lacks = [](const std::string& name) {
+        const std::string start = "kord: " + name + ": the document is incomplete: the ";
+        return start + "partitions\n" + start + "end\n";
+    };
+    EXPECT_EQ(both(R"("$0" xml "$1" 2>&1)"), lacks(cut) + mended);
+    EXPECT_EQ(both(R"(cat "$1" | "$0" xml - 2>&1)"), mended + lacks("standard input"));
+}
+
+TEST_F(Commands, DiffTellsTheKindsOfOneWord)
+{
+    std::string text = kordTest::readFile(expected / "small.xml").value();
+    const size_t share =
+        text.find("<Resource ", text.find("<ResourceList displayName=\"Enclosures Partitions",
+                                          text.find("\"Storage Enclosure\"")));
+    ASSERT_NE(share, std::string::npos);
+    text.insert(share, "<Resource displayName=\"new\" uniqueId=\"new\">\nnew\n</Resource>\n");
+    const std::string after = write("after.xml", text);
+    const Outcome all = run({"diff", expected / "small.xml", after});
+    EXPECT_EQ(all.status, 1);
+    EXPECT_THAT(all.output, testing::HasSubstr("partition's share of an enclosure new"));
+    EXPECT_EQ(run({"diff", "--kind", "others", expected / "small.xml", after}).output, all.output);
+    EXPECT_EQ(run({"diff", "--kind", "drives", expected / "small.xml", after}).output, "");
+}
+
 TEST_F(Commands, DiffWritesAPage)
 {
     const std::string page = folder.path() / "page.html";
@@ -231,7 +304,8 @@ TEST_F(Commands, TroubleIsOneLineAndStatus2)
     const std::vector<Case> cases = {
         {{"show", bad}, bad + ":2: "},
         {{"show", "/no/such"}, "/no/such: No such file or directory"},
-        {{"show", "/"}, "/: "},
+        {{"show", "/"}, "/: the folder holds no document: name one"},
+        {{"show", good, "--html", "page", "-o", "other"}, "--html and -o exclude each other"},
         {{"show"}, "FILE is required"},
         {{"show", good, "--html", "/no/such/page"}, "/no/such/page: No such file or directory"},
         {{"show", good, "--html", "/dev/full"}, "/dev/full: No space left on device"},
@@ -323,7 +397,7 @@ TEST_F(Commands, MetricsTellOfARunAndItsDocument)
     const fs::path log = kordTest::traceFile(folder.path() / "run", mtms);
     const Outcome outcome = run({"metrics", log, document});
     EXPECT_EQ(outcome.status, 0) << outcome.error;
-    EXPECT_THAT(outcome.output, testing::HasSubstr("\nkord_run_status{system=\"9999-B2C*7ABCD12\"} 3\n"));
+    EXPECT_THAT(outcome.output, testing::HasSubstr("\nkord_run_status{system=\"9999-B2C-7ABCD12\"} 3\n"));
     EXPECT_THAT(outcome.output,
                 testing::HasSubstr("\nkord_document_complete{system=\"9999-B2C-7ABCD12\"} 1\n"));
     EXPECT_THAT(
@@ -334,7 +408,12 @@ TEST_F(Commands, MetricsTellOfARunAndItsDocument)
     EXPECT_EQ(partly.status, 2);
     EXPECT_EQ(partly.error, "kord: /no/such: No such file or directory\n");
     EXPECT_EQ(partly.output, outcome.output);
-    EXPECT_EQ(run({"metrics", document, document}).status, 2);
+    for (const std::string& trace : {std::string("/no/such"), document.string()}) {
+        const Outcome untraced = run({"metrics", trace, document});
+        EXPECT_EQ(untraced.status, 2);
+        EXPECT_THAT(untraced.error, testing::StartsWith("kord: " + trace + ": "));
+        EXPECT_EQ(untraced.output, outcome.output.substr(outcome.output.find("# TYPE kord_document")));
+    }
 }
 
 TEST_F(Commands, MetricsTellOfTheNewestRun)
@@ -345,9 +424,9 @@ TEST_F(Commands, MetricsTellOfTheNewestRun)
                                          "112126 13:42:04 0010:  exit -1 ------------------\n");
     const Outcome outcome = run({"metrics", log, expected / "small.xml"});
     EXPECT_EQ(outcome.status, 0) << outcome.error;
-    EXPECT_THAT(outcome.output, testing::HasSubstr("\nkord_run_status{system=\"9999-B2C*7ABCD12\"} -1\n"));
+    EXPECT_THAT(outcome.output, testing::HasSubstr("\nkord_run_status{system=\"9999-B2C-7ABCD12\"} -1\n"));
     EXPECT_THAT(outcome.output,
-                testing::Not(testing::HasSubstr("kord_run_status{system=\"9999-B2C*7ABCD12\"} 3")));
+                testing::Not(testing::HasSubstr("kord_run_status{system=\"9999-B2C-7ABCD12\"} 3")));
 }
 
 TEST_F(Commands, ExplainSaysWhatItCannotRead)

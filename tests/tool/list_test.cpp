@@ -135,6 +135,27 @@ TEST_F(ListCommand, ReadsFilesFoldersAndPackedFiles)
               "U1234.5R0.RK000001\nU1234.5R0.RK000002\nU1234.5R0.RK000001\nU1234.5R0.RK000001\n");
 }
 
+TEST_F(ListCommand, ReadsPipes)
+{
+    for (const std::string script :
+         {R"(cat "$1" | "$0" list drives /dev/stdin --count)", R"("$0" list drives <(cat "$1") --count)",
+          R"(mkfifo pipe && { cat "$1" > pipe & "$0" list drives pipe --count; })"}) {
+        const Outcome outcome = kordTest::runProcess(
+            {.arguments = {"/bin/bash", "-c", script, toolTest::kord, small}, .folder = folder.path()});
+        EXPECT_EQ(outcome.status, 0) << script << outcome.error;
+        EXPECT_EQ(outcome.output, "1\n") << script;
+    }
+}
+
+TEST_F(ListCommand, AFolderOfSeveralDocumentsTellsThemApart)
+{
+    fs::copy_file(small, folder.path() / "addTarnKord_a.xml");
+    EXPECT_EQ(printed({"list", "racks", folder.path()}), printed({"list", "racks", small}));
+    fs::copy_file(small, folder.path() / "addTarnKord_b.xml");
+    EXPECT_EQ(printed({"list", "racks", folder.path()}), printed({"list", "racks", small, small}));
+    EXPECT_THAT(printed({"list", "racks", folder.path()}), testing::StartsWith("system "));
+}
+
 TEST_F(ListCommand, OneFileInTroubleDoesNotStopTheOthers)
 {
     const std::string bad = write("bad.xml", "no document\n");
