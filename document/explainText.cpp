@@ -197,7 +197,7 @@ void addField(std::string& text, std::string_view label, const std::string& valu
     text += value + '\n';
 }
 
-std::string timeOf(std::string_view stamp)
+std::string clockOf(std::string_view stamp)
 {
     const size_t blank = stamp.find(' ');
     return std::string(stamp.substr(blank == std::string_view::npos ? 0 : blank + 1));
@@ -243,7 +243,7 @@ std::string details(const TracedRun& run, const Problem& problem)
     if (problem.cause.empty()) addField(text, "usually", problem.usualCause);
     addField(text, "to do", problem.advice);
     addField(text, "line",
-             std::to_string(problem.line) + ", " + timeOf(problem.stamp) + ": " + problem.code + ' ' +
+             std::to_string(problem.line) + ", " + clockOf(problem.stamp) + ": " + problem.code + ' ' +
                  shown(problem.text));
     return text;
 }
@@ -251,7 +251,7 @@ std::string details(const TracedRun& run, const Problem& problem)
 std::string outcomeOfOpen(const TracedRun& run)
 {
     const std::string where = " in the middle (" + run.phase + "), with line " +
-                              std::to_string(run.lastLine) + " at " + timeOf(run.ended);
+                              std::to_string(run.lastLine) + " at " + clockOf(run.ended);
     if (run.end == RunEnd::brokenOff)
         return "It broke off" + where +
                ": another run came behind it. It was killed, or its lines could not be written.";
@@ -279,7 +279,7 @@ std::string heading(const TracedRun& run, size_t among)
     if (among > 0) text += " of " + std::to_string(among);
     text += run.system.empty() ? ", of a system that the log no longer tells" : " for " + shown(run.system);
     text += run.startLost ? ", from before " : ", ";
-    text += dateOf(run.started) + ' ' + timeOf(run.started) + " to " + timeOf(run.ended);
+    text += dateOf(run.started) + ' ' + clockOf(run.started) + " to " + clockOf(run.ended);
     if (!run.option.empty()) text += ", option " + shown(run.option);
     if (!run.user.empty()) text += ", user " + shown(run.user);
     return text + ": lines " + std::to_string(run.firstLine) + " to " + std::to_string(run.lastLine) + ".\n";

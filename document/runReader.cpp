@@ -16,11 +16,11 @@ constexpr size_t mostProblems = 2000;
 constexpr std::string_view nodeClass = "Orvik.ManagedNode";
 
 /// Lines by code, for every line of every table.
-struct Row {
+struct KnownLine {
     const TableQuery* query; ///< null: no query's line
     const TableLine* line;
 };
-using Index = std::map<std::string, std::vector<Row>, std::less<>>;
+using Index = std::map<std::string, std::vector<KnownLine>, std::less<>>;
 
 const Index& index()
 {
@@ -199,7 +199,7 @@ std::optional<RunReader::Match> RunReader::matchOf(const TraceLine& line) const
     if (rows == index().end()) return std::nullopt;
     std::optional<Match> best;
     int bestFitness = 0;
-    for (const Row& row : rows->second) {
+    for (const KnownLine& row : rows->second) {
         auto values = row.line->format.match(line.text);
         if (!values) continue;
         Match match{.query = row.query, .line = row.line, .values = std::move(*values)};

@@ -50,12 +50,12 @@ constexpr std::array<KeyWords, 13> keyWords = {{
     {.key = "storageFacilityMTMS", .begins = false, .words = "facility"},
 }};
 
-struct Source {
+struct SourceOfKey {
     std::string_view key;
     std::string_view function; ///< of the query that asks; empty: any
     ValueSource source;
 };
-constexpr std::array<Source, 14> sources = {{
+constexpr std::array<SourceOfKey, 14> sources = {{
     {"storageFacilityImageMTMS", "", {"Orvik.ManagedNode", "StorageFacilityImageID"}},
     {"ActivePeerDomain", "", {"Orvik.ManagedNode", "StorageFacilityImageID"}},
     {"LParID", "", {"Orvik.TarnStorageFacilityPartition", "lparId"}},
@@ -136,7 +136,7 @@ std::vector<PartName> partsOf(std::string_view selection)
 
 ValueSource sourceOf(std::string_view key, std::string_view function)
 {
-    const auto* const found = std::ranges::find_if(sources, [&](const Source& row) {
+    const auto* const found = std::ranges::find_if(sources, [&](const SourceOfKey& row) {
         return row.key == key && (row.function.empty() || row.function == function);
     });
     return found == sources.end() ? ValueSource{} : found->source;

@@ -13,7 +13,6 @@ namespace
 
 constexpr const char* ddm = "Orvik.TarnDDM";
 constexpr const char* adapter = "Orvik.TarnHA";
-constexpr const char* partition = "Orvik.TarnServerPartition";
 
 /// Two drives and a partition, and these rules.
 std::string facilityWith(const std::string& rules)

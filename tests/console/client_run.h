@@ -29,6 +29,8 @@ namespace clientTest
 
 using Json = nlohmann::json;
 
+constexpr const char* partition = "Orvik.TarnServerPartition";
+
 /// A run's folder with the compiled facility in it.
 class ConsoleFolder
 {

@@ -12,10 +12,9 @@ namespace
 {
 
 constexpr const char* rack = "Orvik.TarnRack";
-constexpr const char* partition = "Orvik.TarnServerPartition";
 constexpr const char* array = "Orvik.TarnArray";
 
-constexpr const char* facility = R"({"resources": {
+constexpr const char* someParts = R"({"resources": {
     "Orvik.ManagedNode": [{"LParID": "1", "Status": 1}],
     "Orvik.TarnRack": [
         {"rackNumber": "R1", "storageFacilityMTMS": "F", "rackIdentifier": 4294967295},
@@ -30,7 +29,7 @@ constexpr const char* facility = R"({"resources": {
 
 TEST(ClientQuery, GivesAResponseForEachMatchInFileOrder)
 {
-    journalOf(facility, [] {
+    journalOf(someParts, [] {
         const Query answer(startSession(2), rack, "storageFacilityMTMS=\"F\" ",
                            {"locationCode", "rackNumber"});
         ASSERT_EQ(answer.result, 0);
@@ -44,7 +43,7 @@ TEST(ClientQuery, GivesAResponseForEachMatchInFileOrder)
 
 TEST(ClientQuery, GivesEveryResourceWithoutASelection)
 {
-    journalOf(facility, [] {
+    journalOf(someParts, [] {
         const Query answer(startSession(2), rack, nullptr, {"storageFacilityMTMS"});
         ASSERT_EQ(answer.count, 3U);
         EXPECT_EQ(brief(answer[1]), "storageFacilityMTMS=\"G\"");
@@ -53,7 +52,7 @@ TEST(ClientQuery, GivesEveryResourceWithoutASelection)
 
 TEST(ClientQuery, WithoutAMatchSucceedsWithNone)
 {
-    const auto journal = journalOf(facility, [] {
+    const auto journal = journalOf(someParts, [] {
         const Query answer(startSession(2), rack, "rackNumber=\"R9\"", {"rackNumber"});
         EXPECT_EQ(answer.result, 0);
         EXPECT_EQ(answer.count, 0U);
@@ -64,7 +63,7 @@ TEST(ClientQuery, WithoutAMatchSucceedsWithNone)
 
 TEST(ClientQuery, GivesValuesInTheirTypes)
 {
-    journalOf(facility, [] {
+    journalOf(someParts, [] {
         const Query racks(startSession(2), rack, "rackNumber='R1'", {"rackIdentifier", "rackNumber"});
         EXPECT_EQ(brief(racks[0]), "rackIdentifier=4294967295u rackNumber=\"R1\"");
         const Query arrays(startSession(4), array, nullptr, {"rank", "arraySites", "arraySiteConfiguration"});
@@ -76,7 +75,7 @@ TEST(ClientQuery, GivesValuesInTheirTypes)
 
 TEST(ClientQuery, DynamicAttributesAreReadTheSameWay)
 {
-    const auto journal = journalOf(facility, [] {
+    const auto journal = journalOf(someParts, [] {
         Answer<ValeQueryResponse> answer;
         const char* names[] = {"Status"};
         answer.result = vale_query_d_select(startSession(1), &answer.responses, &answer.count,
@@ -91,7 +90,7 @@ TEST(ClientQuery, DynamicAttributesAreReadTheSameWay)
 
 TEST(ClientEnumeration, GivesOneResponseWithAllHandles)
 {
-    journalOf(facility, [] {
+    journalOf(someParts, [] {
         const ValeSessionHandle session = startSession(2);
         const Enumeration two(session, rack, "storageFacilityMTMS='F'");
         ASSERT_EQ(two.count, 1U);
@@ -106,7 +105,7 @@ TEST(ClientEnumeration, GivesOneResponseWithAllHandles)
 
 TEST(ClientAction, GivesTheRunningImageLevel)
 {
-    journalOf(facility, [] {
+    journalOf(someParts, [] {
         const ValeSessionHandle session = startSession(4);
         const Enumeration partitions(session, partition, nullptr);
         ASSERT_EQ(partitions[0].handleCount, 2U);
@@ -125,7 +124,7 @@ TEST(ClientAction, GivesTheRunningImageLevel)
 
 TEST(ClientAction, FailsForAnyOtherActionOrInput)
 {
-    journalOf(facility, [] {
+    journalOf(someParts, [] {
         const ValeSessionHandle session = startSession(4);
         const Enumeration partitions(session, partition, nullptr);
         const ValeResourceHandle resource = partitions[0].handles[0];
@@ -143,7 +142,7 @@ TEST(ClientAction, FailsForAnyOtherActionOrInput)
 
 TEST(ClientFailure, OfTheWrongScopeSaysWhichClass)
 {
-    const auto journal = journalOf(facility, [] {
+    const auto journal = journalOf(someParts, [] {
         const ValeSessionHandle session = startSession(4);
         Query(session, rack, nullptr, {}).expectFailure();
         EXPECT_NE(lastMessage().find(rack), std::string::npos);
@@ -159,7 +158,7 @@ TEST(ClientFailure, OfTheWrongScopeSaysWhichClass)
 
 TEST(ClientFailure, OfANullSessionIsJournaledWithScope0)
 {
-    const auto journal = journalOf(facility, [] {
+    const auto journal = journalOf(someParts, [] {
         Query(nullptr, rack, nullptr, {}).expectFailure();
         EXPECT_NE(lastMessage().find("session"), std::string::npos);
         Enumeration(nullptr, rack, nullptr).expectFailure();
@@ -173,7 +172,7 @@ TEST(ClientFailure, OfANullSessionIsJournaledWithScope0)
 
 TEST(ClientFailure, OfAMalformedSelectionNamesTheColumn)
 {
-    journalOf(facility, [] {
+    journalOf(someParts, [] {
         const ValeSessionHandle session = startSession(2);
         Query(session, rack, "rackNumber=R1", {}).expectFailure();
         EXPECT_NE(lastMessage().find("column 12"), std::string::npos);
@@ -229,7 +228,7 @@ TEST(ClientFailure, SaysWhatIsWrong)
 
 TEST(ClientFailure, OfASessionScopeThatThereIsNot)
 {
-    journalOf(facility, [] {
+    journalOf(someParts, [] {
         ValeSessionHandle session = reinterpret_cast<ValeSessionHandle>(1);
         EXPECT_NE(vale_start_session(nullptr, 0, 3, &session), 0);
         EXPECT_EQ(session, nullptr);
@@ -239,7 +238,7 @@ TEST(ClientFailure, OfASessionScopeThatThereIsNot)
 
 TEST(ClientFailure, OutsideARunSaysHowToStartOne)
 {
-    ConsoleFolder folder(facility);
+    ConsoleFolder folder(someParts);
     const int status = folder.play([] {
         unsetenv(console::image::rootVariable);
         ValeSessionHandle session = nullptr;
@@ -253,7 +252,7 @@ TEST(ClientFailure, OutsideARunSaysHowToStartOne)
 
 TEST(ClientErrors, OutliveWhatTheyCameWith)
 {
-    const auto journal = journalOf(facility, [] {
+    const auto journal = journalOf(someParts, [] {
         ValeErrorHandle error = nullptr;
         EXPECT_NE(vale_get_error(&error), 0) << "no call has failed yet";
         EXPECT_EQ(error, nullptr);
@@ -365,7 +364,7 @@ class ClientViolation : public testing::TestWithParam<Violation>
 
 TEST_P(ClientViolation, EndsTheProcess)
 {
-    ConsoleFolder folder(facility);
+    ConsoleFolder folder(someParts);
     const int status = folder.play(GetParam().commit);
     ASSERT_TRUE(WIFSIGNALED(status));
     EXPECT_EQ(WTERMSIG(status), SIGABRT);
@@ -387,7 +386,7 @@ INSTANTIATE_TEST_SUITE_P(All, ClientViolation,
 
 TEST(ClientJournal, HasALineForEachCall)
 {
-    const auto journal = journalOf(facility, [] {
+    const auto journal = journalOf(someParts, [] {
         const ValeSessionHandle session = startSession(4);
         {
             const Enumeration partitions(session, partition, "locationCode=?'L%'");
@@ -418,7 +417,7 @@ TEST(ClientJournal, HasALineForEachCall)
 
 TEST(ClientJournal, TellsWhatWasNeverReleased)
 {
-    const auto journal = journalOf(facility, [] {
+    const auto journal = journalOf(someParts, [] {
         startSession(4);
         ValeEnumerateResponse* responses = nullptr;
         uint32_t count = 0;
@@ -434,12 +433,12 @@ TEST(ClientJournal, TellsWhatWasNeverReleased)
 
 TEST(ClientJournal, HasNoExitLineWithoutACall)
 {
-    EXPECT_TRUE(journalOf(facility, [] {}).empty());
+    EXPECT_TRUE(journalOf(someParts, [] {}).empty());
 }
 
 TEST(ClientJournal, StaysJsonWhateverIsAsked)
 {
-    const auto journal = journalOf(facility, [] {
+    const auto journal = journalOf(someParts, [] {
         const Query answer(startSession(2), "\x01\"\\\n",
                            "\xC3\xA4 \xC3( \xED\xA0\x80 \xF4\x90\x80\x80 \xC0\x80 \xE2\x82",
                            {"\xF0\x9F\x98\x80", "\xFF"});
@@ -454,7 +453,7 @@ TEST(ClientJournal, StaysJsonWhateverIsAsked)
 TEST(ClientJournal, OrdersTheLinesOfSeveralProcesses)
 {
     constexpr int calls = 200;
-    ConsoleFolder folder(facility);
+    ConsoleFolder folder(someParts);
     std::vector<pid_t> players;
     for (int i = 0; i < 4; ++i) {
         players.push_back(folder.start([] {

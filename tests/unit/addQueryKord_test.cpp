@@ -73,11 +73,6 @@ protected:
     }
 };
 
-ValeAttribute textAttribute(const char* name, const char* text)
-{
-    return {.name = name, .identifier = 0, .type = VALE_TEXT, .value = {.text = text}};
-}
-
 ValeAttribute integerAttribute(const char* name, int32_t integer)
 {
     return {.name = name, .identifier = 0, .type = VALE_INTEGER, .value = {.integer = integer}};
@@ -112,8 +107,10 @@ TEST(Reports, nameOnlyWhatDepartsFromTheUsual)
 
 TEST_F(QueryPattern, readsResourcesInOrder)
 {
-    const std::vector<ValeAttribute> first = {textAttribute("text", "a"), integerAttribute("number", -3)};
-    const std::vector<ValeAttribute> second = {integerAttribute("number", 4), textAttribute("text", "b")};
+    const std::vector<ValeAttribute> first = {unit::textAttribute("text", "a"),
+                                              integerAttribute("number", -3)};
+    const std::vector<ValeAttribute> second = {integerAttribute("number", 4),
+                                               unit::textAttribute("text", "b")};
     std::vector<ValeQueryResponse> answer = {{{}, nullptr, first.data(), 2}, {{}, nullptr, second.data(), 2}};
     client.answers("Class", "id=7", answer);
     std::vector<Item> items;
@@ -137,14 +134,14 @@ TEST_F(QueryPattern, clearsTheItemBetweenResources)
     };
     Query own = query;
     own.attributes = rows;
-    const std::vector<ValeAttribute> whole = {textAttribute("text", "a"), integerAttribute("number", 3),
+    const std::vector<ValeAttribute> whole = {unit::textAttribute("text", "a"), integerAttribute("number", 3),
                                               listAttribute("interfaces", nullptr)};
-    const std::vector<ValeAttribute> sameNames = {textAttribute(whole[0].name, nullptr),
+    const std::vector<ValeAttribute> sameNames = {unit::textAttribute(whole[0].name, nullptr),
                                                   integerAttribute(whole[1].name, 4),
                                                   listAttribute(whole[2].name, nullptr)};
-    const std::vector<ValeAttribute> otherOrder = {whole[2], whole[1], textAttribute("text", "c")};
-    const std::vector<ValeAttribute> lessNumber = {textAttribute("text", "d"), whole[2],
-                                                   textAttribute("x", "y")};
+    const std::vector<ValeAttribute> otherOrder = {whole[2], whole[1], unit::textAttribute("text", "c")};
+    const std::vector<ValeAttribute> lessNumber = {unit::textAttribute("text", "d"), whole[2],
+                                                   unit::textAttribute("x", "y")};
     std::vector<ValeQueryResponse> answer;
     for (const auto* given : {&whole, &sameNames, &otherOrder, &lessNumber, &whole})
         answer.push_back({{}, nullptr, given->data(), 3});
@@ -172,7 +169,7 @@ TEST_F(QueryPattern, takesMissingArrayForAnEmptyOne)
 
 TEST_F(QueryPattern, readsNothingFromALaterMissingArray)
 {
-    const std::vector<ValeAttribute> first = {textAttribute("text", "a")};
+    const std::vector<ValeAttribute> first = {unit::textAttribute("text", "a")};
     std::vector<ValeQueryResponse> answer = {{{}, nullptr, first.data(), 1}, {{}, nullptr, nullptr, 5}};
     client.answers("Class", "id=7", answer);
     std::vector<Item> items;
@@ -228,7 +225,7 @@ TEST_F(QueryPattern, takesNoRecordForAnEmptyMessage)
 
 TEST_F(QueryPattern, clearsWhatAResourceLacks)
 {
-    EXPECT_EQ(readOne({textAttribute("text", "a"), integerAttribute("number", 1)}).number, 1);
+    EXPECT_EQ(readOne({unit::textAttribute("text", "a"), integerAttribute("number", 1)}).number, 1);
     const Item item = readOne({integerAttribute("unread", 1), integerAttribute("unknown", 1)});
     EXPECT_STREQ(item.text, "");
     EXPECT_EQ(item.number, 0);
@@ -245,7 +242,7 @@ TEST_F(QueryPattern, knowsTheTypeByTheName)
         ValeAttribute number = integerAttribute("number", 6);
         number.type = type;
         EXPECT_EQ(readOne({number}).number, 6) << type;
-        ValeAttribute text = textAttribute("text", "a");
+        ValeAttribute text = unit::textAttribute("text", "a");
         text.type = type;
         EXPECT_STREQ(readOne({text}).text, "a") << type;
     }
@@ -253,7 +250,7 @@ TEST_F(QueryPattern, knowsTheTypeByTheName)
 
 TEST_F(QueryPattern, takesANullTextForAnEmptyOne)
 {
-    EXPECT_STREQ(readOne({textAttribute("text", nullptr)}).text, "");
+    EXPECT_STREQ(readOne({unit::textAttribute("text", nullptr)}).text, "");
 }
 
 TEST_F(QueryPattern, readsListsThatAreNotThere)
@@ -356,9 +353,9 @@ class StoragePlex : public QueryPattern
 TEST_F(StoragePlex, isWrittenForEveryAccountName)
 {
     copyText(record.activePeerDomain_quay, "quay");
-    const std::vector<ValeAttribute> first = {textAttribute("storagePlexAccountName", "North"),
-                                              textAttribute("other", "x")};
-    const std::vector<ValeAttribute> second = {textAttribute("storagePlexAccountName", nullptr)};
+    const std::vector<ValeAttribute> first = {unit::textAttribute("storagePlexAccountName", "North"),
+                                              unit::textAttribute("other", "x")};
+    const std::vector<ValeAttribute> second = {unit::textAttribute("storagePlexAccountName", nullptr)};
     std::vector<ValeQueryResponse> answer = {{{}, nullptr, first.data(), 2}, {{}, nullptr, second.data(), 1}};
     client.answers("Orvik.TarnStoragePlex", "ActivePeerDomain=\"quay\" ", answer);
     const std::string document =

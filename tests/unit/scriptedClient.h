@@ -68,4 +68,9 @@ private:
     size_t emptyAnswers = 0; ///< answers without responses, whose release carries a null
 };
 
+inline ValeAttribute textAttribute(const char* name, const char* text)
+{
+    return {.name = name, .identifier = 0, .type = VALE_TEXT, .value = {.text = text}};
+}
+
 } // namespace unit

@@ -60,11 +60,6 @@ std::string notFound(const std::string& name)
     return "BED00000 " + name + " : Expected resources were not found";
 }
 
-ValeAttribute textAttribute(const char* name, const char* text)
-{
-    return {.name = name, .identifier = 0, .type = VALE_TEXT, .value = {.text = text}};
-}
-
 ValeAttribute numberAttribute(const char* name, uint32_t number)
 {
     return {.name = name, .identifier = 0, .type = VALE_UNSIGNED, .value = {.uinteger = number}};
@@ -192,9 +187,9 @@ TEST(UncalledAnswers, knowNoMinorError)
               facilityPower.failure("0101:  response 262152, gone.", "r"));
     EXPECT_EQ(leftBy(systemPower, {{numberAttribute("powerRunState", 6)}}, gone(0xFFFFFFFF)),
               systemPower.failure("0104:  response error -1, gone.", "r"));
-    EXPECT_EQ(leftBy(rack, {{textAttribute("rackEnclosureMTMS", "r")}}, gone(0x40008)),
+    EXPECT_EQ(leftBy(rack, {{unit::textAttribute("rackEnclosureMTMS", "r")}}, gone(0x40008)),
               rack.failure("0516: response 262152, gone.", "r"));
-    EXPECT_EQ(leftBy(plex, {{textAttribute("storagePlexAccountName", "North")}}, gone(0x40008)),
+    EXPECT_EQ(leftBy(plex, {{unit::textAttribute("storagePlexAccountName", "North")}}, gone(0x40008)),
               plex.failure("0511:  response  262152, gone.", "r"));
 }
 
@@ -236,15 +231,15 @@ TEST(UncalledAnswers, rackPropertyIsTheFacilityWhateverTheRack)
     const std::string property = "<Property name=\"R2\" displayName=\"Rack Number\">\nR2\n"
                                  "<Value type=\"string\">9999-A01*00XY1230</Value>\n</Property>\n";
     const Left once = rack.good({">>:  writeRackEnclMTMS"}, property);
-    EXPECT_EQ(leftBy(rack, {{textAttribute("rackEnclosureMTMS", "1234-5R0*RK000001")}}), once);
-    EXPECT_EQ(leftBy(rack, {{textAttribute("rackEnclosureMTMS", nullptr)}, {}}), once);
+    EXPECT_EQ(leftBy(rack, {{unit::textAttribute("rackEnclosureMTMS", "1234-5R0*RK000001")}}), once);
+    EXPECT_EQ(leftBy(rack, {{unit::textAttribute("rackEnclosureMTMS", nullptr)}, {}}), once);
     EXPECT_EQ(leftBy(rack, {{}}), once);
 }
 
 TEST(UncalledAnswers, plexIsCutToItsField)
 {
     const std::string name(99, 'n');
-    EXPECT_EQ(leftBy(plex, {{}, {textAttribute("storagePlexAccountName", (name + "nn").c_str())}}),
+    EXPECT_EQ(leftBy(plex, {{}, {unit::textAttribute("storagePlexAccountName", (name + "nn").c_str())}}),
               plex.good({">>:  writeStorPlex"}, "<Property name=\"AC\" displayName=\"Account Name\">\nAC\n"
                                                 "<Value type=\"string\">" +
                                                     name + "</Value>\n</Property>\n"));
