@@ -193,7 +193,7 @@ TEST(ClientFailure, SaysWhatIsWrong)
         {"1=\"R1\"", "an attribute name expected at column 1"},
         {"rackNumber=\"R1\" &", "&& or || expected at column 17"},
         {"(rackNumber=\"R1\"", "a ) expected at column 17"}};
-    journalOf(facility, [&] {
+    journalOf(someParts, [&] {
         const ValeSessionHandle session = startSession(4);
         const auto expect = [](const auto& answer, const std::string& message) {
             answer.expectFailure();
