@@ -65,8 +65,7 @@ class Compiler:
 
     def compile(self, original, copy):
         entry = self.commands[str(original)]
-        words = shlex.split(entry["command"].replace(f'KORD_BUILD_DIR=\\"{BUILD}\\"', f'KORD_BUILD_DIR=\\"{WORK / "build"}\\"'))
-        words = [self.moved(word) for word in words]
+        words = [self.moved(word) for word in shlex.split(entry["command"])]
         made = OBJECTS / (copy.name + ".o")
         words[words.index("-o") + 1] = str(made)
         words[words.index("-c") + 1] = str(copy)
@@ -128,7 +127,8 @@ class AddingAClass(unittest.TestCase):
 
         told = json.loads(told)
         self.assertIn("queryCooler", [query["function"] for query in told["queries"]])
-        passed = run([BIN / "run_test", "--gtest_filter=*oolers*:*documents_calls:*documents_small:*wholeTrace_small"])
+        passed = run(["env", f"KORD_TRIED={BIN.parent}", BIN / "run_test",
+                      "--gtest_filter=*oolers*:*documents_calls:*documents_small:*wholeTrace_small"])
         self.assertRegex(passed, r"\[  PASSED  \] 11 tests")
 
     @staticmethod

@@ -23,7 +23,7 @@ namespace
 
 fs::path programs()
 {
-    return fs::path(KORD_BUILD_DIR) / "bin";
+    return kordTest::triedBuild() / "bin";
 }
 
 // ---- one run ----
@@ -183,7 +183,8 @@ Tally runSweep(const Sweep& sweep, const Options& options)
     std::vector<Plan> plans = sweep.plan(options);
     if (!options.only.empty()) keepOnly(plans, options.only);
     const size_t every = std::max(1U, options.every);
-    plans = thinned(std::move(plans), (plans.size() + every - 1) / every);
+    const size_t kept = (plans.size() + every - 1) / every;
+    plans = thinned(std::move(plans), kept);
     const unsigned cores = std::max(1U, std::thread::hardware_concurrency());
     Progress progress;
     std::vector<std::jthread> threads;

@@ -111,6 +111,11 @@ constexpr const char* ownDocument = "adm/stockmere/VPD/addTarnKord_9999-B2C*7ABC
 constexpr const char* ownLog = "tarnquay/log/kord.7ABCD12.log";
 constexpr const char* ownOutput = "brisk/log/tmp.7ABCD12";
 
+fs::path interposer()
+{
+    return kordTest::triedBuild() / "lib/libinterposer.so";
+}
+
 void write(const fs::path& file, const std::string& text)
 {
     std::ofstream(file, std::ios::binary) << text;
@@ -274,7 +279,7 @@ Plan planOf(const Case& run)
     plan.arguments[0] = "-t";
     plan.prepare = [run](const fs::path& root) { layOut(run, root); };
     // The address sanitizer would have nothing loaded before it.
-    plan.prefix = {"env", "ASAN_OPTIONS=verify_asan_link_order=0", "LD_PRELOAD=" KORD_INTERPOSER,
+    plan.prefix = {"env", "ASAN_OPTIONS=verify_asan_link_order=0", "LD_PRELOAD=" + interposer().string(),
                    "FAULT_REPORT=" + run.report().string()};
     if (run.way != nullptr) {
         plan.prefix.insert(plan.prefix.end(),
@@ -623,7 +628,7 @@ Texts symbols(const char* option, const fs::path& file)
 /// A call of the collector that nobody has thought of would go unswept.
 [[maybe_unused]] void requireKnownCalls()
 {
-    const Texts interposed = symbols("--defined-only", KORD_INTERPOSER);
+    const Texts interposed = symbols("--defined-only", interposer());
     for (const std::string& name : symbols("--undefined-only", collector())) {
         const bool known = name.starts_with("_") ||
                            std::find(interposed.begin(), interposed.end(), name) != interposed.end() ||

@@ -41,7 +41,7 @@ fs::path Fleet::write(const std::string& name, const std::string& text) const
 
 Outcome Fleet::kord(std::vector<std::string> arguments, std::chrono::milliseconds limit)
 {
-    arguments.insert(arguments.begin(), fs::path(KORD_BUILD_DIR) / "bin/kord");
+    arguments.insert(arguments.begin(), kordTest::triedBuild() / "bin/kord");
     return runProcess({.arguments = arguments, .folder = {}, .limit = limit});
 }
 

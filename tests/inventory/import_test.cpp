@@ -189,7 +189,7 @@ TEST_F(Import, ReadsStandardInputAndWritesItsResultWhereItIsTold)
     const Outcome outcome = kordTest::runProcess(
         {.arguments = {"/bin/sh", "-c",
                        R"("$0" import -o "$1.txt" "$1" - < "$2"; echo no document | "$0" import "$1" -)",
-                       std::filesystem::path(KORD_BUILD_DIR) / "bin/kord", fleet.database(), file},
+                       kordTest::triedBuild() / "bin/kord", fleet.database(), file},
          .folder = {}});
     EXPECT_EQ(outcome.output, "0 documents imported\n");
     EXPECT_THAT(outcome.error, StartsWith("kord: standard input:1: "));

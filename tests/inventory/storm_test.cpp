@@ -145,7 +145,7 @@ TEST_F(Storm, OnAFullDiskWhatWasTakenInStays)
 {
     // Room that is limited for one process is limited for every user, a small disk only root can make.
     const std::string limited = "ulimit -f \"$1\"; shift; exec \"$@\"";
-    const std::string kord = std::filesystem::path(KORD_BUILD_DIR) / "bin/kord";
+    const std::string kord = kordTest::triedBuild() / "bin/kord";
     for (const int blocks : {40, 400, 600}) {
         const size_t before = blocks > 400 ? fleet.ask("SELECT 1 FROM snapshot").size() : 0;
         const Outcome outcome =
@@ -173,7 +173,7 @@ TEST_F(Storm, AFullDiskIsCalledOne)
     const std::string script =
         "mount -t tmpfs -o size=200k small small || exit 99; \"$1\" import small/fleet.db "
         "\"$2\"; status=$?; cat small/fleet.db >fleet.db; exit $status";
-    const std::string kord = std::filesystem::path(KORD_BUILD_DIR) / "bin/kord";
+    const std::string kord = kordTest::triedBuild() / "bin/kord";
     const Outcome outcome = runProcess({.arguments = {"/usr/bin/env", "unshare", "--mount", "/bin/sh", "-c",
                                                       script, "sh", kord, documents()},
                                         .folder = fleet.database().parent_path()});

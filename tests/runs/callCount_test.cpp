@@ -26,7 +26,7 @@ protected:
     void SetUp() override
     {
         setenv("ASAN_OPTIONS", "detect_leaks=0", 1); // the search for leaks cannot be traced
-        const std::string build = KORD_BUILD_DIR;
+        const std::string build = triedBuild();
         const Command command{.arguments = {build + "/bin/kord-console", "run", "--facility",
                                             std::string(KORD_SOURCE_DIR) + "/console/facilities/small.json",
                                             "--root", folder.path() / "root", "--",

@@ -40,7 +40,7 @@ Outcome runAfterYesterday(const std::string& fault, std::string& document)
     facility["faults"] = json::array();
     if (!fault.empty()) facility["faults"].push_back(json::parse(fault));
     std::ofstream(folder.path() / "facility.json") << facility;
-    Outcome outcome = kordTest::runOnConsole({.console = fs::path(KORD_BUILD_DIR) / "bin/kord-console",
+    Outcome outcome = kordTest::runOnConsole({.console = kordTest::triedBuild() / "bin/kord-console",
                                               .facility = folder.path() / "facility.json",
                                               .root = root,
                                               .folder = folder.path(),

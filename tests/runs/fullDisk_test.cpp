@@ -28,12 +28,12 @@ TEST(FullDisk, leavesATruncatedDocumentAndAWholeRun)
                                ".xml\n"
                                "exit $status";
     const Outcome outcome = runOnConsole({
-        .console = std::string(KORD_BUILD_DIR) + "/bin/kord-console",
+        .console = triedBuild() / "bin/kord-console",
         .facility = std::string(KORD_SOURCE_DIR) + "/console/facilities/facility.json",
         .root = root.path(),
         .folder = root.path(),
         .user = {},
-        .program = {"sh", "-c", "PATH=" + std::string(KORD_BUILD_DIR) + "/bin:$PATH\n" + script},
+        .program = {"sh", "-c", "PATH=" + triedBuild().string() + "/bin:$PATH\n" + script},
     });
     EXPECT_EQ(outcome.status, 3);
     EXPECT_EQ(outcome.output, "XML file was built successfully. This is the normal return.\n4096\n"

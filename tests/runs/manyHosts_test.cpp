@@ -34,7 +34,7 @@ TEST(ManyHosts, areFoldedNewestFirst)
     std::ofstream(facility) << file;
 
     const Outcome outcome = runOnConsole({
-        .console = std::string(KORD_BUILD_DIR) + "/bin/kord-console",
+        .console = kordTest::triedBuild() / "bin/kord-console",
         .facility = facility,
         .root = folder.path() / "root",
         .folder = folder.path(),

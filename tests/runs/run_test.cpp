@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 
+#include "process.h"
 #include "runCheck.h"
 
 namespace
@@ -13,7 +14,7 @@ namespace
 using kordTest::RunCase;
 
 const std::filesystem::path source = KORD_SOURCE_DIR;
-const std::filesystem::path build = KORD_BUILD_DIR;
+const std::filesystem::path build = kordTest::triedBuild();
 
 class WholeRun : public testing::TestWithParam<RunCase>
 {

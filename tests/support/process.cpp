@@ -118,6 +118,12 @@ Outcome runProcess(const Command& command)
     return outcome;
 }
 
+std::filesystem::path triedBuild()
+{
+    const char* other = std::getenv("KORD_TRIED");
+    return other == nullptr ? KORD_BUILD_DIR : other;
+}
+
 bool hasNamespaces()
 {
     if (std::getenv("KORD_CONSOLE_NO_NAMESPACES") != nullptr) return false;

@@ -27,6 +27,9 @@ struct Outcome {
 /// times KORD_PATIENCE where that is set, is killed with all that it started.
 Outcome runProcess(const Command& command);
 
+/// The folder of the build whose programs are tried: the tests' own, or where KORD_TRIED is set, that one.
+std::filesystem::path triedBuild();
+
 /// Whether runs on the console get a mount namespace of their own here.
 bool hasNamespaces();
 

@@ -26,7 +26,7 @@ using toolTest::expected;
 using toolTest::kord;
 using toolTest::run;
 
-const std::string console = fs::path(KORD_BUILD_DIR) / "bin/kord-console";
+const std::string console = kordTest::triedBuild() / "bin/kord-console";
 const std::string facilityFile = fs::path(KORD_SOURCE_DIR) / "console/facilities/facility.json";
 const std::string mtms = "9999-B2C*7ABCD12";
 

@@ -11,7 +11,7 @@
 namespace toolTest
 {
 
-inline const std::string kord = std::filesystem::path(KORD_BUILD_DIR) / "bin/kord";
+inline const std::string kord = kordTest::triedBuild() / "bin/kord";
 
 /// The documents that whole runs leave.
 inline const std::filesystem::path expected = std::filesystem::path(KORD_SOURCE_DIR) / "tests/runs/expected";

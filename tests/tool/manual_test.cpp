@@ -52,7 +52,7 @@ class Manual : public testing::TestWithParam<std::string>
 {
 protected:
     const std::string name = GetParam();
-    const std::string program = std::string(KORD_BUILD_DIR) + "/bin/" + name;
+    const std::string program = kordTest::triedBuild() / "bin" / name;
     const std::string page = kordTest::readFile(source / "docs/man" / (name + ".1")).value();
 
     [[nodiscard]] std::string helpOf(const std::vector<std::string>& arguments) const
