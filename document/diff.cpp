@@ -48,7 +48,7 @@ std::string_view columnOf(Kind kind, std::string_view code, std::string_view ite
 {
     for (const Column* column : columnsOf(kind)) {
         const Source& source = column->source;
-        if (source.code != code || code.empty()) continue;
+        if (source.code != code || code.empty() || tellsOfOthers(*column)) continue;
         if (source.from == From::item ? source.mark == item : item.empty()) return column->name;
     }
     return {};

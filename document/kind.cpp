@@ -235,6 +235,15 @@ consteval Column below(std::string_view name, std::string_view mark, std::string
             .source = {.from = From::end, .code = "A1", .mark = mark}};
 }
 
+/// The numbers of the arrays of a rank, or of the ranks of a segment pool.
+consteval Column above(Kind kind, std::string_view name, std::string_view mark, std::string_view meaning)
+{
+    return {.name = name,
+            .type = Type::numbers,
+            .meaning = meaning,
+            .source = {.from = From::naming, .code = "A1", .mark = mark, .kind = kind}};
+}
+
 consteval Column numberItem(std::string_view code, std::string_view key, std::string_view name,
                             std::string_view meaning)
 {
@@ -399,6 +408,7 @@ constexpr auto arrayColumns = std::to_array<Column>({
 });
 constexpr auto rankColumns = std::to_array<Column>({
     number("number", "/R", "number of the rank"),
+    above(Kind::array, "arrays", "/R", "numbers of its arrays"),
     below("pool", "/P", "number of its segment pool"),
     textItem("LS", "RN", "serial", "serial number"),
     segmentType,
@@ -408,6 +418,7 @@ constexpr auto rankColumns = std::to_array<Column>({
 });
 constexpr auto segmentPoolColumns = std::to_array<Column>({
     number("number", "/P", "number of the segment pool"),
+    above(Kind::rank, "ranks", "/P", "numbers of its ranks"),
     segmentType,
     segments,
     numberItem("LS", "EL", "segment_limit", "limit for its segments"),
@@ -784,6 +795,11 @@ std::string placeOf(const KindRow& row)
     return row.byList ? list : '"' + std::string(row.name) + "\" in the " + list;
 }
 
+bool tellsOfOthers(const Column& column)
+{
+    return column.source.from == From::arrayOfSites || column.source.from == From::naming;
+}
+
 std::string sourceOf(const Column& column)
 {
     const Source& source = column.source;
@@ -816,6 +832,8 @@ std::string sourceOf(const Column& column)
         return "behind the last " + mark + " of `uniqueId`, where the first number stands twice";
     case From::arrayOfSites:
         return code + " of its array sites";
+    case From::naming:
+        return code + " of the " + std::string(rowOf(source.kind).plural) + " that name it";
     case From::partitions:
         return "the lists `Enclosures Partitions`";
     case From::description:

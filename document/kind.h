@@ -84,6 +84,7 @@ enum class From {
     item,         ///< what stands behind a key in a property that holds many values
     sites,        ///< the array sites in an array's identifier, where the first stands twice
     arrayOfSites, ///< what the array sites of an array call it
+    naming,       ///< the numbers of the parts of a kind beside it that name it in a property
     partitions,   ///< the partitions whose share of an enclosure lists the part
     description,  ///< of a host
     ports,        ///< of a host
@@ -95,6 +96,7 @@ struct Source {
     std::string_view code = {}; ///< the property that holds it
     std::string_view mark = {}; ///< the key of an item, or the text that the value follows
     std::string_view unit = {}; ///< what follows the number: "MB"
+    Kind kind = Kind::other;    ///< of the parts that name it
 };
 
 struct Column {
@@ -157,6 +159,9 @@ std::string_view wordOf(Type type);
 
 /// Where parts of the kind stand, in words: "\"CEC\" in the list \"Enclosures\"".
 std::string placeOf(const KindRow& row);
+
+/// Whether a column tells of other parts than its own.
+bool tellsOfOthers(const Column& column);
 
 /// Where the value of a column comes from, in words: "`DC` in `DP`".
 std::string sourceOf(const Column& column);

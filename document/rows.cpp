@@ -243,6 +243,8 @@ Value Values::textOf(const Row& row, const Source& source)
         return listValue(sitesOf(behindLast(part.id, source.mark)).value_or(std::vector<int64_t>{}));
     case From::arrayOfSites:
         return numberOfArray(part, source);
+    case From::naming:
+        return listValue(numbersNaming(part, source));
     case From::partitions:
         return listValue(partitionsOf(row));
     case From::description:
@@ -274,6 +276,29 @@ std::string_view Values::itemOf(const Row& row, const Source& source)
     items->part = row.part;
     return items
         ->values[static_cast<size_t>(std::ranges::find(items->keys, source.mark) - items->keys.begin())];
+}
+
+/// Of several parts of one number the first has them, however many there are.
+const std::vector<int64_t>& Values::numbersNaming(const Part& part, const Source& source)
+{
+    static const std::vector<int64_t> none;
+    if (part.around == nullptr) return none;
+    const auto [known, isNew] = named.try_emplace({part.around, part.kind});
+    const Column& number = *std::ranges::find(rowOf(source.kind).columns, "number", &Column::name);
+    for (const Part& one : isNew ? std::span<const Part>(part.around->children) : std::span<const Part>{}) {
+        if (one.kind == part.kind) {
+            const auto own = numberOf(behindLast(one.id, source.mark));
+            if (own && known->second[*own].part == nullptr) known->second[*own].part = &one;
+        } else if (one.kind == source.kind) {
+            const auto owner = numberOf(behindLast(one.value(source.code), source.mark));
+            const Value value = of({.part = &one, .kind = one.kind}, number);
+            const auto* const found = std::get_if<int64_t>(&value);
+            if (owner && found != nullptr) known->second[*owner].by.push_back(*found);
+        }
+    }
+    const auto own = numberOf(behindLast(part.id, source.mark));
+    const auto found = own ? known->second.find(*own) : known->second.end();
+    return found == known->second.end() || found->second.part != &part ? none : found->second.by;
 }
 
 Value Values::numberOfArray(const Part& array, const Source& source)

@@ -63,6 +63,7 @@ private:
     Value textOf(const Row& row, const Source& source);
     std::string_view itemOf(const Row& row, const Source& source);
     Items& itemsFor(Kind kind, std::string_view code);
+    const std::vector<int64_t>& numbersNaming(const Part& part, const Source& source);
     Value numberOfArray(const Part& array, const Source& source);
     std::vector<std::string> partitionsOf(const Row& row) const;
 
@@ -72,6 +73,13 @@ private:
     Items* items = nullptr; ///< that were asked for last
     /// By storage configuration: the number of the array that an array site belongs to.
     std::unordered_map<const Part*, std::unordered_map<int64_t, int64_t>> arrays;
+    /// By storage configuration and kind of part: the first part of a number, and the numbers of those that
+    /// name it.
+    struct Named {
+        const Part* part = nullptr;
+        std::vector<int64_t> by;
+    };
+    std::map<std::pair<const Part*, Kind>, std::unordered_map<int64_t, Named>> named;
 };
 
 /// The document's time of collection in ISO 8601, UTC, with microseconds; empty where it is no time.

@@ -86,9 +86,11 @@ CREATE TABLE part_shard (
     "rank" Nullable(Int64),
     "configuration" Nullable(String),
     "raid_type" Nullable(String),
+    "arrays" Array(Int64),
     "segment_type" Nullable(Int64),
     "segments" Nullable(Int64),
     "rank_group" Nullable(Int64),
+    "ranks" Array(Int64),
     "segment_limit" Nullable(Int64),
     "virtual_segments" Nullable(Int64),
     "virtual_segment_limit" Nullable(Int64),
@@ -289,6 +291,7 @@ CREATE VIEW "array" AS SELECT snapshot, system, facility, collected, kind, id, w
     FROM part WHERE kind = 'array';
 CREATE VIEW rank AS SELECT snapshot, system, facility, collected, kind, id, within,
     "number" AS "number",
+    "arrays" AS "arrays",
     toInt64OrNull(assumeNotNull("pool")) AS "pool",
     "serial" AS "serial",
     "segment_type" AS "segment_type",
@@ -298,6 +301,7 @@ CREATE VIEW rank AS SELECT snapshot, system, facility, collected, kind, id, with
     FROM part WHERE kind = 'rank';
 CREATE VIEW segmentPool AS SELECT snapshot, system, facility, collected, kind, id, within,
     "number" AS "number",
+    "ranks" AS "ranks",
     "segment_type" AS "segment_type",
     "segments" AS "segments",
     "segment_limit" AS "segment_limit",

@@ -228,6 +228,7 @@ CREATE VIEW "array" AS SELECT snapshot, system, facility, collected, kind, id, w
     FROM part WHERE kind = 'array';
 CREATE VIEW rank AS SELECT snapshot, system, facility, collected, kind, id, within,
     (data ->> 'number')::bigint AS "number",
+    data -> 'arrays' AS "arrays",
     (data ->> 'pool')::bigint AS "pool",
     "serial" AS "serial",
     (data ->> 'segment_type')::bigint AS "segment_type",
@@ -237,6 +238,7 @@ CREATE VIEW rank AS SELECT snapshot, system, facility, collected, kind, id, with
     FROM part WHERE kind = 'rank';
 CREATE VIEW segmentPool AS SELECT snapshot, system, facility, collected, kind, id, within,
     (data ->> 'number')::bigint AS "number",
+    data -> 'ranks' AS "ranks",
     (data ->> 'segment_type')::bigint AS "segment_type",
     (data ->> 'segments')::bigint AS "segments",
     (data ->> 'segment_limit')::bigint AS "segment_limit",

@@ -63,10 +63,9 @@ const signed = (word) => element('b', { class: `sign ${word}` }, `${changeSigns[
 
 function changeEntry(change) {
   const { part } = change;
-  const table = tablesOf(change.kind)[0];
   const title = change.kind === 'host' ? change.name : part < 0 ? change.id || change.name : titleOf(part);
   const place = part < 0 ? '' : placeOf(part);
-  const named = part < 0 ? title : link(part, `${table.singular} ${place ? `in ${place}` : title}`);
+  const named = part < 0 ? title : link(part, `${tableOfPart(part).singular} ${place ? `in ${place}` : title}`);
   return element('div', { class: 'change' }, signed(change.change), ' ', named,
     element('p', { class: 'id' }, place ? title : ''), ...changeFacts(change));
 }

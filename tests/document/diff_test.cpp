@@ -581,6 +581,23 @@ TEST(Report, IsJsonForPrograms)
 }
 
 /// The form is for people, too: a change a block, a value a line.
+/// What an array site tells of its array's number is not the array's own.
+TEST(Report, NamesTheColumnOfAnArraysRank)
+{
+    const auto machine = [](const std::string& rank) {
+        return ofSystem(
+            list("Partitions",
+                 resource("Tarn01", "SYSTEM-1-1",
+                          list("Storage Configurations",
+                               resource("Storage Logical Configuration", "I_L1",
+                                        list("Arrays", resource("Array", "I/A11",
+                                                                property("A1", "Rank", "I/R" + rank))))))));
+    };
+    const nlohmann::json found = jsonOf(machine("1"), machine("2"))["changes"];
+    ASSERT_EQ(found.size(), 1U);
+    EXPECT_EQ(found[0]["values"][0]["column"], "rank");
+}
+
 TEST(Report, IsJsonToBeRead)
 {
     using Writer = void (*)(const document::Changes&, const document::Write&);

@@ -107,6 +107,20 @@ const std::vector<Hostile> hostile = {
              list("Storage Configurations", resource("Storage Logical Configuration", "I_L1",
                                                      list("Array Sites", sites) + list("Arrays", arrays)))));
      }},
+    {"ranks of one number",
+     [](size_t size) {
+         std::string ranks;
+         std::string pools;
+         for (size_t i = 0; i < size / 20; ++i) {
+             const std::string number = std::to_string(i);
+             ranks += resource("Rank", "I/R" + number, property("A1", "Segment Pool", "I/P1"));
+             pools += resource("Segment Pool", number + "/P1", "");
+         }
+         return ofPartitions(resource(
+             "P", "S-1",
+             list("Storage Configurations", resource("Storage Logical Configuration", "I_L1",
+                                                     list("Ranks", ranks) + list("Segment Pool", pools)))));
+     }},
 };
 
 /// How much everything that a command makes of a document is.

@@ -123,8 +123,8 @@ TEST(Kinds, HaveTheColumnsThatScriptsKnow)
          {"name", "pool", "wwnn", "firmware", "image", "v0", "v7", "p0", "p4", "o0", "o4", "h0", "h3"}},
         {"array-sites", {"number", "array", "position", "da_pair", "capacity_mb", "rpm"}},
         {"arrays", {"number", "array_sites", "rank", "serial", "raid_type"}},
-        {"ranks", {"number", "pool", "serial", "segments"}},
-        {"segment-pools", {"number", "segments", "segment_limit"}},
+        {"ranks", {"number", "arrays", "pool", "serial", "segments"}},
+        {"segment-pools", {"number", "ranks", "segments", "segment_limit"}},
         {"storage-enclosures", {"image", "rack", "enclosure", "type_model", "feature", "interfaces"}},
         {"host-adapters", {"image", "serial", "part_number", "ec_level", "firmware", "interfaces", "ccin"}}};
     for (const auto& [kind, own] : expected) {

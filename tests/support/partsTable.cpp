@@ -366,12 +366,14 @@ private:
         } else if (place.kind == "rank") {
             auto items = itemsOf(space, {"RN", "ET", "ES", "RG"});
             putNumber(row, "number", behind(element.uniqueId, "/R"));
+            putNaming(row, "arrays", place, "Arrays", "/R");
             putNumber(row, "pool", behind(valueOf(element, "A1"), "/P"));
             putText(row, "serial", items["RN"]);
             putSegments(row, items);
         } else if (place.kind == "segmentPool") {
             auto items = itemsOf(space, {"ET", "ES", "EL", "VE", "VL", "RG"});
             putNumber(row, "number", behind(element.uniqueId, "/P"));
+            putNaming(row, "ranks", place, "Ranks", "/P");
             putNumber(row, "segment_limit", items["EL"]);
             putNumber(row, "virtual_segments", items["VE"]);
             putNumber(row, "virtual_segment_limit", items["VL"]);
@@ -414,6 +416,24 @@ private:
         putNumber(row, "segment_type", items["ET"]);
         putNumber(row, "segments", items["ES"]);
         putNumber(row, "rank_group", items["RG"]);
+    }
+
+    /// The numbers of the parts in a list of the same configuration that name the part.
+    static void putNaming(json& row, const std::string& column, const Place& place, const std::string& from,
+                          const std::string& mark)
+    {
+        for (const Element& list : place.outer->element->children) {
+            for (const Element& one : list.children) {
+                if (list.displayName != from) continue;
+                if (behind(valueOf(one, "A1"), mark) != behind(place.element->uniqueId, mark)) continue;
+                json other;
+                if (from == "Arrays")
+                    putSites(other, {.element = &one, .kind = "array", .outer = place.outer});
+                else
+                    putNumber(other, "number", behind(one.uniqueId, "/R"));
+                if (other.contains("number")) row[column].push_back(other["number"]);
+            }
+        }
     }
 
     /// An array goes by its array sites, of which the first stands twice: "33,4". They tell its number.
