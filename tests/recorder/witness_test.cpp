@@ -6,6 +6,7 @@
 
 #include <csignal>
 #include <cstdlib>
+#include <dlfcn.h>
 #include <fstream>
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
@@ -95,6 +96,20 @@ TEST_F(Witness, SaysThatATapeIsFull)
     EXPECT_EQ(outcome.error, "recorder: a call is missing from /dev/full: No space left on device\n");
     unsetenv("KORD_CONSOLE_TAPE");
     EXPECT_EQ(run({"true"}).error, "");
+}
+
+/// A console's client that lacks a call ends the program that makes it.
+TEST(Recorder, SaysWhatTheClientLacks)
+{
+    const fs::path library = fs::path(KORD_BUILD_DIR) / "lib/libkord_recorder.so";
+    void* const recorder = dlopen(library.c_str(), RTLD_NOW);
+    ASSERT_NE(recorder, nullptr) << dlerror();
+    using Start = int32_t (*)(const char*, uint32_t, uint32_t, void**);
+    const auto start = reinterpret_cast<Start>(dlsym(recorder, "vale_start_session"));
+    ASSERT_NE(start, nullptr);
+    void* session = nullptr;
+    EXPECT_EXIT(start(nullptr, 0, 1, &session), testing::KilledBySignal(SIGABRT),
+                "recorder: the console's client has no vale_start_session\n");
 }
 
 } // namespace
