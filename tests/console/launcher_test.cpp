@@ -267,6 +267,7 @@ TEST_F(Launcher, StartsTheJournalAfresh)
     const auto journal = kordTest::readJournal(root);
     ASSERT_EQ(journal.size(), 2U);
     EXPECT_EQ(journal[0]["seq"], 1);
+    EXPECT_EQ(fs::status(root / "journal.jsonl").permissions(), fs::perms{0644});
 }
 
 TEST_F(Launcher, CountsFaultRulesAfresh)
