@@ -35,7 +35,6 @@ std::string partition(const std::string& content)
 }
 
 const std::string listStart = "<ResourceList displayName=\"Enclosures Partitions\">\n";
-const std::string listEnd = "</ResourceList>\n";
 
 TEST(Mend, ADocumentWithNothingWrongComesOutAsItIs)
 {

@@ -82,8 +82,6 @@ std::string start(const std::string& name)
     return "<ResourceList displayName=\"" + name + "\">\n";
 }
 
-const std::string listEnd = "</ResourceList>\n";
-
 std::string drawer(const std::string& id, const std::string& content)
 {
     return resource("CEC", id, content);

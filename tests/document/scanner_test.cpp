@@ -85,8 +85,6 @@ std::string upTo(const std::string& text, const std::string& mark)
     return text.substr(0, text.find(mark));
 }
 
-const std::string listEnd = "</ResourceList>\n";
-
 TEST(Scanner, TellsEveryElementWithItsLine)
 {
     const Scanned scanned = scan(

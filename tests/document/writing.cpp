@@ -39,7 +39,7 @@ std::string resource(const std::string& name, const std::string& id, const std::
 
 std::string list(const std::string& name, const std::string& content)
 {
-    return "<ResourceList displayName=\"" + name + "\">\n" + content + "</ResourceList>\n";
+    return "<ResourceList displayName=\"" + name + "\">\n" + content + listEnd;
 }
 
 std::string inventory(const std::string& content, const std::string& timestamp)

@@ -47,6 +47,8 @@ struct Enclosure {
 /// A storage enclosure with what its partition sees in it.
 std::string enclosure(const Enclosure& enclosure, const std::string& content);
 
+inline const std::string listEnd = "</ResourceList>\n";
+
 document::Document parse(const std::string& text);
 
 } // namespace kordTest
