@@ -22,10 +22,11 @@ std::string packed(std::string_view bytes)
 
 std::string unpacked(std::string_view bytes, const std::string& name)
 {
+    std::string result;
     const unsigned long long size = ZSTD_getFrameContentSize(bytes.data(), bytes.size());
-    if (size == ZSTD_CONTENTSIZE_ERROR || size == ZSTD_CONTENTSIZE_UNKNOWN)
+    if (size > result.max_size()) // as the values for no size and for an unknown one are
         throw platform::Failure(name + ": the document in it is damaged");
-    std::string result(size, '\0');
+    result.resize(static_cast<size_t>(size));
     const size_t got = ZSTD_decompress(result.data(), result.size(), bytes.data(), bytes.size());
     if (ZSTD_isError(got) != 0 || got != size)
         throw platform::Failure(name + ": the document in it is damaged");

@@ -17,7 +17,7 @@ constexpr size_t firstTexts = 1024;
 
 ImageWriter::ImageWriter() : buffer(sizeof(image::Header), '\0'), texts(firstTexts) {}
 
-ImageWriter::Known& ImageWriter::find(std::string_view text, uint64_t hash)
+ImageWriter::Known& ImageWriter::find(std::string_view text, size_t hash)
 {
     for (size_t place = hash;; ++place) {
         Known& one = texts[place & (texts.size() - 1)];
@@ -37,10 +37,11 @@ void ImageWriter::grow()
 
 image::Offset ImageWriter::text(std::string_view text)
 {
-    const uint64_t hash = std::hash<std::string_view>{}(text);
+    const size_t hash = std::hash<std::string_view>{}(text);
     if (Known& one = find(text, hash); one.place != 0) return one.place;
     if (2 * ++known > texts.size()) grow();
-    const image::Offset place = bytes(text);
+    const size_t place = buffer.size();
+    bytes(text);
     find(text, hash) = {.place = place, .hash = hash, .size = text.size()};
     return place;
 }

@@ -34,13 +34,13 @@ public:
 private:
     /// A text's place, with as much of its hash as keeps others from being looked at.
     struct Known {
-        image::Offset place = 0; ///< 0: free
-        uint64_t hash = 0;
-        uint64_t size = 0;
+        size_t place = 0; ///< 0: free
+        size_t hash = 0;
+        size_t size = 0;
     };
     image::Offset append(const void* data, size_t size);
     /// Where in the table the text is, or would be.
-    Known& find(std::string_view text, uint64_t hash);
+    Known& find(std::string_view text, size_t hash);
     void grow();
 
     std::string buffer;
