@@ -18,13 +18,15 @@ using document::TracedRun;
 struct Account {
     std::vector<TracedRun> runs;
     std::string text; ///< of all
+    std::string json;
 };
 
 Account accountOf(std::string_view log, size_t piece)
 {
     Account account;
     document::Explainer explainer([&](const TracedRun& run) {
-        account.text += document::explanation(run, 0) + document::explanationJson(run);
+        account.text += document::explanation(run, 0);
+        account.json += document::explanationJson(run);
         account.runs.push_back(run);
     });
     for (size_t at = 0; at < log.size(); at += std::min(piece, log.size() - at))
@@ -69,6 +71,15 @@ void checkRuns(const Account& account, std::string_view bytes)
     }
 }
 
+/// JSON carries text as it is, but for what JSON itself cannot hold.
+void checkJson(const std::string& json)
+{
+    for (const char character : json) {
+        const auto byte = static_cast<unsigned char>(character);
+        fuzz::require(character == '\n' || byte >= ' ', "JSON holds no bare control character");
+    }
+}
+
 /// Nothing in it obeys on a terminal.
 void checkText(const std::string& text)
 {
@@ -86,7 +97,10 @@ int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
     const Account account = accountOf(log, std::string_view::npos);
     checkRuns(account, log);
     checkText(account.text);
-    fuzz::require(accountOf(log, 7).text == account.text, "pieces of a log tell what the whole does");
+    checkJson(account.json);
+    const Account pieces = accountOf(log, 7);
+    fuzz::require(pieces.text == account.text && pieces.json == account.json,
+                  "pieces of a log tell what the whole does");
 
     document::Progress progress;
     document::TraceReader lines([&](const document::TraceLine& line) { progress.read(line); });
