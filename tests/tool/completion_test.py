@@ -35,6 +35,8 @@ TYPED = {
     "kord-console ch": "kord-console check ",
 }
 
+OWN = ".own"  # the shell's folder, which completion does not offer
+
 COMMANDS = {
     "bash": ["bash", "--norc", "--noprofile", "-i"],
     "zsh": ["zsh", "-f", "-i"],
@@ -52,8 +54,10 @@ class Terminal:
         pid, self.descriptor = pty.fork()
         if pid == 0:
             os.chdir(folder)
+            own = os.path.join(folder, OWN)
             os.environ.update(
-                PATH=programs + ":" + os.environ["PATH"], TERM="dumb", PS1="$ ", HOME=folder, COLUMNS="200"
+                PATH=programs + ":" + os.environ["PATH"], TERM="dumb", PS1="$ ", HOME=folder, COLUMNS="200",
+                TMPDIR=own, XDG_RUNTIME_DIR=own,
             )
             os.execvp(shell, COMMANDS[shell])
 
@@ -96,6 +100,7 @@ def main():
         for name in ["my file.xml", "it's.xml", 'q"q.xml', "line\nfeed.xml"]:
             open(os.path.join(folder, name), "w").close()
         os.mkdir(os.path.join(folder, "only folder"))
+        os.mkdir(os.path.join(folder, OWN))
         open(os.path.join(folder, "only file"), "w").close()
         for typed, wanted in TYPED.items():
             wanted = wanted if isinstance(wanted, str) else wanted[shell]
