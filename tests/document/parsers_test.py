@@ -3,6 +3,7 @@
 Called with kord, xmllint, the schema, a folder to work in, and folders of documents as the collector left them.
 """
 
+import re
 import subprocess
 import sys
 import xml.etree.ElementTree as ElementTree
@@ -24,9 +25,7 @@ TEXTS = [b'', b'\n', b'a & b', b'<b>', b'"quoted" \'so\'', b']]>', b'<![CDATA[x]
 
 def carried(text):
     """A text as XML can carry it."""
-    def isCharacter(character):
-        return character in '\t\n\r' or ' ' <= character <= '\ufffd' or character >= '\U00010000'
-    return ''.join(c if isCharacter(c) else '\ufffd' for c in text.decode('utf-8', 'replace'))
+    return re.sub('[^\t\n\r -\ufffd\U00010000-\U0010ffff]', '\ufffd', text.decode('utf-8', 'replace'))
 
 
 def prop(code, label, value):
