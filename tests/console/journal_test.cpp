@@ -1,6 +1,7 @@
 // Texts in the journal: whatever bytes a call or a program hands over, the line is JSON.
 
 #include "image/journal.h"
+#include "parseJson.h"
 
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
@@ -14,7 +15,7 @@ std::string read(const std::string& bytes)
 {
     std::string text;
     console::image::writeJson(text, bytes.c_str());
-    return json::parse(text);
+    return kordTest::parseJson(text);
 }
 
 TEST(Journal, KeepsEveryCharacter)

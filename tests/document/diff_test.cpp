@@ -3,6 +3,7 @@
 #include "consoleRun.h"
 #include "document/diff.h"
 #include "document/report.h"
+#include "parseJson.h"
 #include "writing.h"
 
 #include <gmock/gmock.h>
@@ -553,7 +554,7 @@ nlohmann::json jsonOf(const std::string& before, const std::string& after, bool 
         document::writeJsonSummary(changes, write);
     else
         document::writeJson(changes, write);
-    return nlohmann::json::parse(text);
+    return parseJson(text);
 }
 
 TEST(Report, IsJsonForPrograms)
@@ -568,12 +569,12 @@ TEST(Report, IsJsonForPrograms)
     EXPECT_EQ(jsonOf(twoPartitions, twoPartitions)["complete"], true);
     EXPECT_EQ(jsonOf(twoPartitions, twoPartitions)["missing"], nlohmann::json::array());
     ASSERT_EQ(json["changes"].size(), 2U);
-    EXPECT_EQ(json["changes"][0], nlohmann::json::parse(R"({"change": "replaced", "kind": "drive",
+    EXPECT_EQ(json["changes"][0], parseJson(R"({"change": "replaced", "kind": "drive",
         "name": "OSK Physical Disk Drive", "id": "U.AB1-P1-D1", "enclosure": 1, "slot": 1, "serial": "N\"\u0001",
         "parts": 0, "listed": 1,
         "values": [{"code": "SN", "label": "Serial Number", "column": "serial", "old": "A",
                     "new": "N\"\u0001"}]})"));
-    EXPECT_EQ(json["changes"][1], nlohmann::json::parse(R"({"change": "moved", "kind": "drive",
+    EXPECT_EQ(json["changes"][1], parseJson(R"({"change": "moved", "kind": "drive",
         "name": "OSK Physical Disk Drive", "id": "U.AB1-P1-D8", "enclosure": 1, "slot": 8, "serial": "B",
         "from": "U.AB1-P1-D2", "to": "U.AB1-P1-D8", "old_enclosure": 1, "old_slot": 2,
         "parts": 0, "listed": 1, "values": []})"));
@@ -643,14 +644,12 @@ TEST(Report, TellsAHostInJson)
 {
     const auto json = jsonOf(partition("5", "web=2,"), partition("5", "web=3,"));
     ASSERT_EQ(json["changes"].size(), 1U);
-    EXPECT_EQ(json["changes"][0],
-              nlohmann::json::parse(R"({"change": "changed", "kind": "host", "name": "web",
+    EXPECT_EQ(json["changes"][0], parseJson(R"({"change": "changed", "kind": "host", "name": "web",
         "id": "SYSTEM-1-1", "partition": "Tarn01", "parts": 0, "listed": 1,
         "values": [{"code": "U2", "label": "Host Inventory", "item": "ports", "column": "ports", "old": "2",
                     "new": "3"}]})"));
     const auto renamed = jsonOf(partition("5", "web=2,"), partition("5", "www=2,"));
-    EXPECT_EQ(renamed["changes"][0]["values"],
-              nlohmann::json::parse(R"([{"code": "U2", "label": "Host Inventory",
+    EXPECT_EQ(renamed["changes"][0]["values"], parseJson(R"([{"code": "U2", "label": "Host Inventory",
         "column": "description", "old": "web=2", "new": "www=2"}])"));
 }
 
@@ -668,7 +667,7 @@ TEST(Report, CallsWhatIsOfNoKindOfItsOwnOther)
     for (const nlohmann::json& change : found)
         EXPECT_EQ(change["kind"], "other") << change;
     EXPECT_EQ(found[0]["id"], "U-2");
-    EXPECT_EQ(jsonOf(before, after, true)["summary"], nlohmann::json::parse(R"({"other": {"added": 2}})"));
+    EXPECT_EQ(jsonOf(before, after, true)["summary"], parseJson(R"({"other": {"added": 2}})"));
     EXPECT_EQ(report(before, after, {.grouped = true}),
               "added     partition's share of an enclosure U-2\nadded     Shelf S\n2 changes: 2 added\n");
 }
@@ -676,7 +675,7 @@ TEST(Report, CallsWhatIsOfNoKindOfItsOwnOther)
 TEST(Report, IsASummaryInJson)
 {
     EXPECT_EQ(jsonOf(Upgrade().before, Upgrade().after, true)["summary"],
-              nlohmann::json::parse(R"({"drive": {"removed": 1, "changed": 2}})"));
+              parseJson(R"({"drive": {"removed": 1, "changed": 2}})"));
     EXPECT_EQ(jsonOf(Upgrade().before, Upgrade().before, true)["summary"], nlohmann::json::object());
 }
 

@@ -3,6 +3,7 @@
 #include "document/explain.h"
 #include "document/explainWords.h"
 #include "document/selection.h"
+#include "parseJson.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -509,7 +510,7 @@ TEST(ExplanationJson, TellsEverythingOfARun)
                            {"problems", json::array({told})},
                            {"furtherProblems", 6},
                            {"events", json::array({event})}};
-    EXPECT_EQ(json::parse(document::explanationJson(run)), expected);
+    EXPECT_EQ(kordTest::parseJson(document::explanationJson(run)), expected);
 }
 
 TEST(ExplanationJson, NamesEndsAndSeverities)
@@ -520,7 +521,7 @@ TEST(ExplanationJson, NamesEndsAndSeverities)
     for (const auto& [end, name] : ends) {
         TracedRun run;
         run.end = end;
-        EXPECT_EQ(nlohmann::json::parse(document::explanationJson(run))["end"], name);
+        EXPECT_EQ(kordTest::parseJson(document::explanationJson(run))["end"], name);
     }
     const auto severities = {std::pair(Severity::fatal, "fatal"), std::pair(Severity::filed, "filed"),
                              std::pair(Severity::minor, "minor"), std::pair(Severity::noted, "noted")};
@@ -528,7 +529,7 @@ TEST(ExplanationJson, NamesEndsAndSeverities)
         TracedRun run;
         run.problems.resize(1);
         run.problems[0].severity = severity;
-        EXPECT_EQ(nlohmann::json::parse(document::explanationJson(run))["problems"][0]["severity"], name);
+        EXPECT_EQ(kordTest::parseJson(document::explanationJson(run))["problems"][0]["severity"], name);
     }
 }
 

@@ -2,6 +2,7 @@
 
 #include "document/json.h"
 #include "jsonSchema.h"
+#include "parseJson.h"
 #include "tempFolder.h"
 #include "writing.h"
 
@@ -19,7 +20,7 @@ json jsonOf(const std::string& text)
 {
     std::string written;
     document::writeJson(parse(text), [&](std::string_view piece) { written += piece; });
-    return json::parse(written);
+    return parseJson(written);
 }
 
 const std::string twoDrives =
@@ -108,9 +109,7 @@ TEST(JsonSchema, KnowsATimeWithItsOffset)
     const TempFolder folder;
     const std::filesystem::path schema = folder.path() / "times.schema.json";
     std::ofstream(schema) << R"({"properties": {"at": {"type": "string", "format": "date-time"}}})";
-    const auto isTime = [&](const std::string& text) {
-        return schemaFaults(schema, json({{"at", text}}).dump()).empty();
-    };
+    const auto isTime = [&](const std::string& text) { return valueFaults(schema, {{"at", text}}).empty(); };
     for (const char* time :
          {"2026-11-21T13:41:03.000005Z", "2024-02-29T00:00:00Z", "2026-12-31T23:59:60+02:00"})
         EXPECT_TRUE(isTime(time)) << time;

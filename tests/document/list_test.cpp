@@ -4,6 +4,7 @@
 #include "document/condition.h"
 #include "document/kindList.h"
 #include "document/list.h"
+#include "parseJson.h"
 #include "partsCheck.h"
 #include "platform/failure.h"
 #include "writing.h"
@@ -181,7 +182,7 @@ TEST(List, WhatIsNoNumberIsNoValue)
     for (const std::string text : {"", "x", "1x", " 1", "0x1", "99999999999999999999", "1.5", "-"}) {
         const std::string document =
             ofEnclosures(resource("TARN Rack", "R", property("R2", "Rack Number", text)));
-        EXPECT_EQ(json::parse(listed(of("racks", Format::json), {document})).at(0).count("rack"), 0U) << text;
+        EXPECT_EQ(parseJson(listed(of("racks", Format::json), {document})).at(0).count("rack"), 0U) << text;
     }
 }
 
@@ -209,8 +210,8 @@ TEST(List, OnePhysicalPartIsOneRow)
     ListOptions options = of("drives", Format::json);
     options.columns = {"id", "within", "image", "partitions"};
     EXPECT_EQ(
-        json::parse(listed(options, {twice})),
-        json::parse(
+        parseJson(listed(options, {twice})),
+        parseJson(
             R"([{"id": "E-D1", "within": "E", "image": "I1", "partitions": ["SYSTEM-1-1", "SYSTEM-1-2"]}])"));
     EXPECT_EQ(column(of("storage-enclosures"), "partitions", twice), Texts{"SYSTEM-1-1 SYSTEM-1-2"});
     const std::string changed = ofEnclosures(seen("I1", "1", "L") + seen("I2", "2", "M"));
@@ -363,8 +364,8 @@ TEST(List, Counts)
     options.order = {"-count"};
     options.format = Format::json;
     EXPECT_EQ(
-        json::parse(listed(options, {text})),
-        json::parse(R"([{"firmware": "5.10", "count": 2}, {"firmware": "5.2", "count": 1}, {"count": 1}])"));
+        parseJson(listed(options, {text})),
+        parseJson(R"([{"firmware": "5.10", "count": 2}, {"firmware": "5.2", "count": 1}, {"count": 1}])"));
 }
 
 // --- Formats
@@ -453,7 +454,7 @@ TEST(List, CsvAndJsonCarryTextAsItIs)
     options.columns = {"id", "kind"};
     EXPECT_EQ(listed(options, {text}), "id,kind\n\"a\x1b\"\"x\"\",\r\n\xEF\xBF\xBD=1\",console\n");
     options.format = Format::lines;
-    EXPECT_EQ(json::parse(listed(options, {text})),
+    EXPECT_EQ(parseJson(listed(options, {text})),
               json({{"id", "a\x1b\"x\",\r\n\xEF\xBF\xBD=1"}, {"kind", "console"}}));
     options.header = false;
     options.format = Format::csv;

@@ -8,6 +8,7 @@
 #include "hostileValues.h"
 #include "judge.h"
 #include "mendedDocument.h"
+#include "parseJson.h"
 #include "partsCheck.h"
 
 namespace sweep
@@ -46,7 +47,7 @@ bool eventToolPrints(const Result& result)
 std::string readable(const std::string& text)
 {
     static const std::regex row("(\ufffd)+");
-    const json shown = json::parse(json(text).dump(-1, ' ', false, json::error_handler_t::replace));
+    const json shown = kordTest::parseJson(json(text).dump(-1, ' ', false, json::error_handler_t::replace));
     return std::regex_replace(shown.get<std::string>(), row, "\ufffd");
 }
 

@@ -11,6 +11,7 @@
 #include <thread>
 
 #include "judge.h"
+#include "parseJson.h"
 #include "tempFolder.h"
 
 namespace sweep
@@ -139,7 +140,7 @@ size_t foundIn(const Tally& tally, Kind kind)
 json bundled(const std::string& name)
 {
     const fs::path file = fs::path(KORD_SOURCE_DIR) / "console/facilities" / name;
-    return json::parse(kordTest::readFile(file).value_or(""));
+    return kordTest::parseJson(kordTest::readFile(file).value_or(""));
 }
 
 fs::path collector()

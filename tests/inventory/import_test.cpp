@@ -3,6 +3,7 @@
 #include "fleet.h"
 
 #include "consoleRun.h"
+#include "parseJson.h"
 
 #include <algorithm>
 #include <gmock/gmock.h>
@@ -56,12 +57,12 @@ protected:
 TEST_F(Import, EveryPartIsARowWithTheValuesOfTheList)
 {
     import({facility}, "1 document imported");
-    json listed = json::parse(Fleet::kord({"list", "all", "--format", "json", facility}).output);
+    json listed = parseJson(Fleet::kord({"list", "all", "--format", "json", facility}).output);
     json rows = json::array();
     for (const std::string& line :
          fleet.ask("SELECT json_patch(json_object('system', system, 'facility', facility, 'collected', "
                    "collected, 'kind', kind, 'id', id, 'within', within), data) FROM part ORDER BY rowid"))
-        rows.push_back(json::parse(line));
+        rows.push_back(parseJson(line));
     for (json& row : rows) {
         for (auto member = row.begin(); member != row.end();)
             member = member->is_null() ? row.erase(member) : std::next(member);
@@ -125,10 +126,10 @@ TEST_F(Import, ChangesAreThoseOfTheDiff)
     const std::string before = fleet.write("1.xml", monday);
     const std::string after = fleet.write("2.xml", tuesday);
     import({before, after}, "2 documents imported");
-    const json report = json::parse(Fleet::kord({"diff", "--json", before, after}).output);
+    const json report = parseJson(Fleet::kord({"diff", "--json", before, after}).output);
     json changes = json::array();
     for (const std::string& line : fleet.ask("SELECT data FROM change ORDER BY rowid"))
-        changes.push_back(json::parse(line));
+        changes.push_back(parseJson(line));
     EXPECT_EQ(changes, report["changes"]);
 }
 

@@ -3,6 +3,7 @@
 
 #include "consoleRun.h"
 #include "documentReader.h"
+#include "parseJson.h"
 #include "process.h"
 #include "runCase.h"
 #include "tempFolder.h"
@@ -38,7 +39,7 @@ void write(const fs::path& file, const std::string& text)
 json facilityWith(const std::string& name, const json& faults, const json& patch = json::array())
 {
     const std::string text = kordTest::readFile(sources / "console/facilities" / name).value();
-    json facility = json::parse(text).patch(patch);
+    json facility = kordTest::parseJson(text).patch(patch);
     if (!faults.is_null()) facility["faults"] = faults;
     return facility;
 }
@@ -121,7 +122,7 @@ protected:
     }
     [[nodiscard]] json recording() const
     {
-        return json::parse(kordTest::readFile(recordedFile).value_or("null"));
+        return kordTest::parseJson(kordTest::readFile(recordedFile).value_or("null"));
     }
 };
 
@@ -174,7 +175,7 @@ TEST_F(Recording, SaysWhatIsNext)
 TEST_F(Recording, TellsWhatRanAndHowItEnded)
 {
     const json faults =
-        json::parse(R"([{"class": "Orvik.TarnRack", "fails": {"code": 9, "message": "gone\n"}}])");
+        kordTest::parseJson(R"([{"class": "Orvik.TarnRack", "fails": {"code": 9, "message": "gone\n"}}])");
     const Left recorded = record(facilityWith("small.json", faults));
     const json told = recording()["recording"];
     EXPECT_EQ(told["command"], json::array({"addTarnKord", "-t", system0}));
@@ -361,7 +362,7 @@ TEST_F(Recording, OfAnUnusualAnswerKnowsNoLevel)
 TEST_F(Recording, OfSeveralFaultsAtOnce)
 {
     user = "brisk";
-    const json faults = json::parse(R"([
+    const json faults = kordTest::parseJson(R"([
       {"class": "Orvik.TarnRack", "nth": 2, "fails": {"code": 9, "message": "rack gone \"°\"\n"}},
       {"class": "Orvik.TarnNVC", "error": {"number": 262152, "message": "no contact\n"}},
       {"class": "Orvik.TarnHA", "answer": [{"attributes": [["locationCode", null], ["ecLevel", "x"]]},
@@ -378,7 +379,8 @@ TEST_F(Recording, OfSeveralFaultsAtOnce)
 
 TEST_F(Recording, OfAChangeBetweenTwoAnswers)
 {
-    const json faults = json::parse(R"([{"call": "query_d_select", "class": "Orvik.ManagedNode", "nth": 3,
+    const json faults =
+        kordTest::parseJson(R"([{"call": "query_d_select", "class": "Orvik.ManagedNode", "nth": 3,
       "answer": [{"attributes": [["Status", 2]]}]}])");
     const Left recorded = record(facilityWith("small.json", faults));
     EXPECT_EQ(recorded.outcome.status, 255);
@@ -555,7 +557,7 @@ TEST_F(Recording, RedactedGivesADocumentOfTheSameStructure)
 
 TEST_F(Recording, RedactedHoldsNoOriginal)
 {
-    const json faults = json::parse(R"([
+    const json faults = kordTest::parseJson(R"([
       {"class": "Orvik.TarnNVC", "error": {"number": 262152, "message": "no SF00XY123Tarn01 (tarn0-image1)\n"}},
       {"class": "Orvik.TarnFanTray", "fails": {"code": 4, "message": "9999-A01*00XY1230: tray 1234-5R0*RK000001\n"}}
     ])");
@@ -580,7 +582,7 @@ TEST_F(Recording, RedactedHoldsNoOriginal)
 
 TEST_F(Recording, RedactedOfAHostileConsoleHoldsNoOriginal)
 {
-    const json faults = json::parse(R"([
+    const json faults = kordTest::parseJson(R"([
       {"program": "whoami", "status": 0, "output": "secretuser\nsecretrest\n"},
       {"program": "qmstat", "nth": 2, "status": 0, "output": "Operating\nsecretstate\n"}
     ])");
@@ -663,7 +665,7 @@ TEST_F(Recording, RedactedByAMapComparesWithTheOneBefore)
     ASSERT_EQ(difference.size(), 1U) << difference;
     EXPECT_EQ(difference[0]["path"], "/Orvik.TarnDDM/0/serialNumber");
     // Every stand-in leads back.
-    const json pairs = json::parse(kordTest::readFile(map).value());
+    const json pairs = kordTest::parseJson(kordTest::readFile(map).value());
     EXPECT_EQ(pairs["NEWDRIVE1"], second["resources"]["Orvik.TarnDDM"][0]["serialNumber"]);
     EXPECT_EQ(pairs["7ABCD12"], second["recording"]["system"].get<std::string>().substr(9));
     EXPECT_EQ(second["recording"]["command"], first["recording"]["command"]);

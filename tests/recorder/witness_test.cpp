@@ -1,6 +1,7 @@
 // The witness: a program that it runs ends and prints as it would alone, and that is on the tape.
 
 #include "consoleRun.h"
+#include "parseJson.h"
 #include "process.h"
 #include "tempFolder.h"
 
@@ -77,7 +78,7 @@ TEST_F(Witness, PassesOnAnyBytes)
 {
     const kordTest::Outcome outcome = run({"printf", "\\000\\377\\n\\n"});
     EXPECT_EQ(outcome.output, std::string("\0\xFF\n\n", 4));
-    EXPECT_EQ(json::parse(heard())["output"], std::string("\0\uFFFD\n\n", 6));
+    EXPECT_EQ(kordTest::parseJson(heard())["output"], std::string("\0\uFFFD\n\n", 6));
 }
 
 TEST_F(Witness, NeedsAProgram)

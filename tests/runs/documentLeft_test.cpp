@@ -2,6 +2,7 @@
 // whole.
 
 #include "consoleRun.h"
+#include "parseJson.h"
 #include "tempFolder.h"
 
 #include <fstream>
@@ -36,9 +37,10 @@ Outcome runAfterYesterday(const std::string& fault, std::string& document)
     const fs::path place = kordTest::documentFile(root, mtms);
     fs::create_directories(place.parent_path());
     std::ofstream(place) << "yesterday's";
-    json facility = json::parse(kordTest::readFile(sources / "console/facilities/facility.json").value());
+    json facility =
+        kordTest::parseJson(kordTest::readFile(sources / "console/facilities/facility.json").value());
     facility["faults"] = json::array();
-    if (!fault.empty()) facility["faults"].push_back(json::parse(fault));
+    if (!fault.empty()) facility["faults"].push_back(kordTest::parseJson(fault));
     std::ofstream(folder.path() / "facility.json") << facility;
     Outcome outcome = kordTest::runOnConsole({.console = kordTest::triedBuild() / "bin/kord-console",
                                               .facility = folder.path() / "facility.json",

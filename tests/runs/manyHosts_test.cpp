@@ -1,6 +1,7 @@
 // The host descriptions of a large image: 10,000 ports that share 2,000 descriptions.
 
 #include "consoleRun.h"
+#include "parseJson.h"
 #include "tempFolder.h"
 
 #include <fstream>
@@ -19,7 +20,7 @@ TEST(ManyHosts, areFoldedNewestFirst)
     const std::string mtms = "9999-B2C*7ABCD12";
 
     nlohmann::json file =
-        nlohmann::json::parse(std::ifstream(std::string(KORD_SOURCE_DIR) + "/console/facilities/small.json"));
+        parseJson(readFile(std::string(KORD_SOURCE_DIR) + "/console/facilities/small.json").value());
     nlohmann::json& hosts = file["resources"]["Orvik.TarnScsiHostPort"];
     const nlohmann::json port = hosts[0];
     hosts = nlohmann::json::array();

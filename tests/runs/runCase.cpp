@@ -2,8 +2,10 @@
 
 #include "runCase.h"
 
+#include "consoleRun.h"
+#include "parseJson.h"
+
 #include <algorithm>
-#include <fstream>
 #include <set>
 #include <stdexcept>
 
@@ -475,8 +477,7 @@ namespace
 
 json parseFile(const fs::path& file)
 {
-    std::ifstream stream(file);
-    return json::parse(stream);
+    return parseJson(readFile(file).value());
 }
 
 std::vector<fs::path> caseFiles(const fs::path& folder)

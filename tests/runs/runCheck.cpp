@@ -13,6 +13,7 @@
 #include "documentReader.h"
 #include "explainCheck.h"
 #include "mendedDocument.h"
+#include "parseJson.h"
 #include "partsCheck.h"
 #include "tempFolder.h"
 
@@ -167,7 +168,7 @@ void layOut(const FileState& state, const Finished& finished)
 
 void writeFacility(const RunCase& run, const fs::path& folder, const fs::path& file)
 {
-    json facility = json::parse(readFile(folder / run.facility).value_or(""));
+    json facility = parseJson(readFile(folder / run.facility).value_or(""));
     facility = facility.patch(run.patch);
     if (!run.faults.empty()) facility["faults"] = run.faults;
     writeFile(file, facility.dump());

@@ -2,6 +2,8 @@
 
 #include "consoleRun.h"
 
+#include "parseJson.h"
+
 #include <algorithm>
 #include <fstream>
 #include <nlohmann/json.hpp>
@@ -61,7 +63,7 @@ std::vector<json> readJournal(const fs::path& root)
 {
     std::vector<json> journal;
     for (const std::string& line : splitLines(readFile(root / "journal.jsonl").value_or(""))) {
-        journal.push_back(json::parse(line));
+        journal.push_back(parseJson(line));
     }
     return journal;
 }

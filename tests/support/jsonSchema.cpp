@@ -2,6 +2,7 @@
 
 #include "consoleRun.h"
 #include "facility/validator.h"
+#include "parseJson.h"
 
 #include <map>
 #include <nlohmann/json.hpp>
@@ -39,21 +40,24 @@ const console::facility::Validator& validatorOf(const std::filesystem::path& sch
     static std::map<std::filesystem::path, console::facility::Validator> known;
     const auto found = known.find(schema);
     if (found != known.end()) return found->second;
-    return known.try_emplace(schema, withPatterns(json::parse(readFile(schema).value()))).first->second;
+    return known.try_emplace(schema, withPatterns(parseJson(readFile(schema).value()))).first->second;
 }
 
 } // namespace
 
-std::vector<std::string> schemaFaults(const std::filesystem::path& schema, const std::string& text)
+std::vector<std::string> valueFaults(const std::filesystem::path& schema, json value)
 {
-    auto value = nlohmann::json::parse(text, nullptr, false);
-    if (value.is_discarded()) return {"no JSON"};
     console::facility::Faults found;
     validatorOf(schema).check(value, "", found);
     std::vector<std::string> faults;
     for (const console::facility::Fault& fault : found)
         faults.push_back(toLine(fault));
     return faults;
+}
+
+std::vector<std::string> schemaFaults(const std::filesystem::path& schema, const std::string& text)
+{
+    return valueFaults(schema, parseJson(text));
 }
 
 } // namespace kordTest

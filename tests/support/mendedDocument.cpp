@@ -4,6 +4,7 @@
 
 #include "consoleRun.h"
 #include "document/mend.h"
+#include "parseJson.h"
 
 #include <algorithm>
 #include <cstring>
@@ -176,9 +177,11 @@ MendedDocument mendDocument(const std::string& raw)
 
 std::string carried(const std::string& text)
 {
+    const auto isPlain = [](char c) { return (c >= ' ' && c <= '~') || c == '\t' || c == '\n' || c == '\r'; };
+    if (std::ranges::all_of(text, isPlain)) return text;
     static const std::regex none("(\xEF\xBF\xBD|\xEF\xBF\xBE|\xEF\xBF\xBF|[\x01-\x08\x0b\x0c\x0e-\x1f])+");
     using nlohmann::json;
-    const std::string unicode = json::parse(json(text).dump(-1, ' ', false, json::error_handler_t::replace));
+    const std::string unicode = parseJson(json(text).dump(-1, ' ', false, json::error_handler_t::replace));
     return std::regex_replace(unicode, none, "\xEF\xBF\xBD");
 }
 

@@ -4,6 +4,7 @@
 #include "document/reader.h"
 #include "jsonSchema.h"
 #include "mendedDocument.h"
+#include "parseJson.h"
 #include "partsTable.h"
 
 #include <nlohmann/json.hpp>
@@ -57,18 +58,18 @@ std::string differenceOf(const json& expected, const json& found)
 }
 
 void addFaults(std::vector<std::string>& faults, const std::string& what, const json& expected,
-               const std::string& found)
+               const json& found)
 {
-    const std::string difference = differenceOf(expected, json::parse(found));
+    const std::string difference = differenceOf(expected, found);
     if (!difference.empty()) faults.push_back(what + ' ' + difference);
-    for (const std::string& fault : schemaFaults(KORD_DOCUMENT_SCHEMA, found))
+    for (const std::string& fault : valueFaults(KORD_DOCUMENT_SCHEMA, found))
         faults.push_back(what + ' ' + fault);
 }
 
 /// The measure with bytes that are no UTF-8 as JSON has them.
 json asJson(const json& measure)
 {
-    return json::parse(measure.dump(-1, ' ', false, json::error_handler_t::replace));
+    return parseJson(measure.dump(-1, ' ', false, json::error_handler_t::replace));
 }
 
 void tell(std::vector<Element>& elements)
@@ -93,15 +94,17 @@ std::vector<std::string> partsFaults(Document document, const std::string& text)
 {
     tell(document.resources);
     std::vector<std::string> faults;
-    addFaults(faults, "rows", asJson(partRows(document)), listed(text));
-    const std::string found = treeOf(text);
+    addFaults(faults, "rows", asJson(partRows(document)), parseJson(listed(text)));
+    const json found = parseJson(treeOf(text));
     const json tree = {{"timestamp", document.timestamp},
-                       {"complete", json::parse(found).at("complete")},
-                       {"missing", json::parse(found).at("missing")},
+                       {"complete", found.at("complete")},
+                       {"missing", found.at("missing")},
                        {"system", asJson(partTree(document))}};
     addFaults(faults, "tree", tree, found);
-    if (carried(text) == text)
-        addFaults(faults, "mended tree", json::parse(found), treeOf(mendDocument(text).xml));
+    if (carried(text) == text) {
+        const std::string difference = differenceOf(found, parseJson(treeOf(mendDocument(text).xml)));
+        if (!difference.empty()) faults.push_back("mended tree " + difference);
+    }
     return faults;
 }
 

@@ -1,5 +1,7 @@
 #include "partsTable.h"
 
+#include "parseJson.h"
+
 #include <algorithm>
 #include <cstdio>
 #include <ctime>
@@ -443,7 +445,7 @@ private:
         const std::string text = behind(array.element->uniqueId, "/A");
         std::smatch match;
         if (!std::regex_match(text, match, form)) return;
-        row["array_sites"] = json::parse('[' + match[1].str() + match[2].str() + ']');
+        row["array_sites"] = parseJson('[' + match[1].str() + match[2].str() + ']');
         for (const Element& list : array.outer->element->children) {
             for (const Element& site : list.children) {
                 if (list.displayName != "Array Sites" || behind(site.uniqueId, "/S") != match[1].str())

@@ -3,6 +3,7 @@
 #include "consoleRun.h"
 #include "jsonSchema.h"
 #include "kordRun.h"
+#include "parseJson.h"
 #include "process.h"
 #include "tempFolder.h"
 
@@ -37,7 +38,7 @@ protected:
     fs::path collect(
         const std::string& name, const std::function<void(json& facility)>& change = [](json&) {})
     {
-        json facility = json::parse(kordTest::readFile(facilityFile).value());
+        json facility = kordTest::parseJson(kordTest::readFile(facilityFile).value());
         change(facility);
         const fs::path file = folder.path() / (name + ".json");
         std::ofstream(file) << facility;
@@ -178,7 +179,7 @@ TEST_F(Commands, DiffPrintsJson)
 {
     const Outcome outcome = run({"diff", "--json", collect("old"), collect("new", replaceDrive)});
     EXPECT_EQ(outcome.status, 1);
-    const json report = json::parse(outcome.output);
+    const json report = kordTest::parseJson(outcome.output);
     ASSERT_EQ(report["changes"].size(), 1U);
     EXPECT_EQ(report["changes"][0]["change"], "replaced");
     EXPECT_EQ(report["changes"][0]["values"][0]["new"], "WKREPLACED");
@@ -196,7 +197,7 @@ TEST_F(Commands, JsonPrintsATreeOfParts)
 {
     const Outcome outcome = run({"json", expected / "small.xml"});
     EXPECT_EQ(outcome.status, 0) << outcome.error;
-    EXPECT_EQ(json::parse(outcome.output)["system"]["id"], "9999-B2C-7ABCD12");
+    EXPECT_EQ(kordTest::parseJson(outcome.output)["system"]["id"], "9999-B2C-7ABCD12");
 }
 
 TEST_F(Commands, ShowWritesAPage)
@@ -382,7 +383,7 @@ TEST_F(Commands, ExplainTellsOfTheNewestRunOfOneAndOfAll)
     EXPECT_EQ(run({"explain", "--run", "1", log}).status, 0);
     outcome = run({"explain", "--all", "--json", log});
     EXPECT_EQ(outcome.status, 1);
-    const json runs = json::parse(outcome.output)["runs"];
+    const json runs = kordTest::parseJson(outcome.output)["runs"];
     ASSERT_EQ(runs.size(), 2U);
     EXPECT_EQ(runs[0]["endedWell"], true);
     EXPECT_EQ(runs[1]["end"], "open");

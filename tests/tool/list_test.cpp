@@ -2,6 +2,7 @@
 
 #include "consoleRun.h"
 #include "kordRun.h"
+#include "parseJson.h"
 #include "process.h"
 #include "tempFolder.h"
 
@@ -198,7 +199,7 @@ TEST_F(ListCommand, SaysWhatAnIncompleteDocumentLacks)
                               ": the document is incomplete: the end\n");
     const Outcome tree = run({"json", cut});
     EXPECT_EQ(tree.status, 0);
-    const json document = json::parse(tree.output);
+    const json document = kordTest::parseJson(tree.output);
     EXPECT_EQ(document.at("complete"), false);
     EXPECT_EQ(document.at("missing"), json({"the partitions", "the end"}));
 }
