@@ -218,7 +218,8 @@ TEST(Make, ControlCardsAreTheirSystems)
                                          {"storageFacilityImageMTMS", image["storageFacilityImageMTMS"]}});
             EXPECT_FALSE(cards.empty());
             for (const json& card : cards) {
-                EXPECT_EQ(card["locationCode"].get<std::string>().substr(0, 16), system["managedSystemMTMS"]);
+                EXPECT_EQ(card["locationCode"].get<std::string>().substr(0, 16),
+                          system["managedSystemMTMS"].get<std::string>());
             }
         }
     }

@@ -3,6 +3,7 @@
 #include "fleet.h"
 
 #include "consoleRun.h"
+#include "inventory/packing.h"
 #include "parseJson.h"
 
 #include <algorithm>
@@ -318,6 +319,43 @@ TEST_F(Import, HistoryTellsWhereASerialHasBeen)
     const Outcome none = Fleet::kord({"history", fleet.database(), "nowhere"});
     EXPECT_EQ(none.status, 1);
     EXPECT_EQ(splitLines(none.output).size(), 1U);
+}
+
+/// What xxh128sum prints of the same bytes: whoever has the files can look for them in the database.
+TEST(Hash, IsThatOfOthers)
+{
+    EXPECT_EQ(inventory::hashOf(""), "99aa06d3014798d86001c324468d497f");
+    EXPECT_EQ(inventory::hashOf("Kord record"), "e430b3f6728cec19296921ccc5d426a3");
+}
+
+// ---- relations for other engines ----
+
+Outcome relations(const std::string& arguments)
+{
+    const std::string program = triedBuild() / "bin/kord-relations";
+    return runProcess({.arguments = {"/bin/sh", "-c", program + ' ' + arguments}, .folder = {}});
+}
+
+TEST(Relations, ArePrintedForAnEngine)
+{
+    const Outcome outcome = relations("clickhouse");
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_THAT(outcome.output, StartsWith("-- The relations of a fleet's inventory for ClickHouse"));
+}
+
+TEST(Relations, SayWhichEnginesThereAre)
+{
+    for (const char* arguments : {"", "sqlite", "postgresql clickhouse"}) {
+        const Outcome outcome = relations(arguments);
+        EXPECT_EQ(outcome.status, 2) << arguments;
+        EXPECT_EQ(outcome.error, "usage: kord-relations postgresql|clickhouse\n");
+        EXPECT_EQ(outcome.output, "");
+    }
+}
+
+TEST(Relations, EndWithTwoWhereTheyCannotBeWritten)
+{
+    EXPECT_EQ(relations("postgresql >/dev/full").status, 2);
 }
 
 } // namespace

@@ -205,7 +205,7 @@ TEST(Tables, tellEveryQuerysEmptyAnswerInWordsOfItsOwn)
         for (const Json& line : query["lines"]) {
             if (line["role"] != "noResources" || query["counter"]) continue;
             const auto [at, isNew] = known.emplace(line["cause"], query["class"]);
-            EXPECT_TRUE(isNew || at->second == query["class"]) << nameOf(query);
+            EXPECT_TRUE(isNew || at->second == query["class"].get<std::string>()) << nameOf(query);
         }
     }
     EXPECT_GT(known.size(), 25U);
