@@ -350,11 +350,13 @@ TEST_F(Commands, NobodyIsToldThatAReaderWentAway)
 
 TEST_F(Commands, AFullDiskBehindStandardOutputIsTrouble)
 {
-    const Outcome outcome = kordTest::runProcess(
-        {.arguments = {"/bin/sh", "-c", "\"$0\" show \"$1\" >/dev/full", kord, expected / "small.xml"},
-         .folder = {}});
-    EXPECT_EQ(outcome.status, 2);
-    EXPECT_THAT(outcome.error, testing::StartsWith("kord: standard output: "));
+    for (const char* arguments : {"show \"$1\"", "--version", "list --help"}) {
+        const std::string script = "\"$0\" " + std::string(arguments) + " >/dev/full";
+        const Outcome outcome = kordTest::runProcess(
+            {.arguments = {"/bin/sh", "-c", script, kord, expected / "small.xml"}, .folder = {}});
+        EXPECT_EQ(outcome.status, 2) << arguments;
+        EXPECT_EQ(outcome.error, "kord: standard output: No space left on device\n") << arguments;
+    }
 }
 
 TEST_F(Commands, FollowTellsHowARunEnded)
