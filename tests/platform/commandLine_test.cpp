@@ -322,6 +322,16 @@ TEST(CommandLine, TellsTheProgramsOwnTrouble)
               "one-two: SHELL is required: one-two completion SHELL\n");
 }
 
+/// A shell that keeps to POSIX takes no function of another name.
+TEST(CommandLine, CompletionScriptsNameFunctionsByIdentifiers)
+{
+    const Command command = {.name = "size", .help = {}, .run = [] { return 0; }};
+    const auto script = [&](const char* shell) { return runOne(command, {"completion", shell}).output; };
+    EXPECT_THAT(script("bash"), testing::HasSubstr("\n_one_two()\n"));
+    EXPECT_THAT(script("zsh"), testing::HasSubstr("\n_one_two()\n"));
+    EXPECT_THAT(script("fish"), testing::HasSubstr("\nfunction __one_two_kind\n"));
+}
+
 TEST(CommandLine, APrograMayBeLeftOut)
 {
     std::vector<std::string> program = {"before"};

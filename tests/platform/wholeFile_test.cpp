@@ -6,11 +6,14 @@
 #include "platform/failure.h"
 #include "tempFolder.h"
 
+#include <chrono>
 #include <csignal>
 #include <fcntl.h>
 #include <fstream>
 #include <gtest/gtest.h>
+#include <iterator>
 #include <sys/resource.h>
+#include <thread>
 
 namespace
 {
@@ -141,6 +144,34 @@ TEST_F(WholeFileTest, GoesThroughAPipe)
     text.resize(static_cast<size_t>(read(reader.get(), text.data(), text.size())));
     EXPECT_EQ(text, "text");
     EXPECT_TRUE(fs::is_fifo(path));
+}
+
+TEST_F(WholeFileTest, WaitsForTheReaderOfAPipe)
+{
+    ASSERT_EQ(mkfifo(path.c_str(), 0600), 0);
+    const std::string more(300'000, 'x'); // than a pipe holds
+    std::string text;
+    std::thread reader([&] {
+        std::this_thread::sleep_for(std::chrono::milliseconds(50));
+        std::ifstream pipe(path);
+        text.assign(std::istreambuf_iterator<char>(pipe), {});
+    });
+    EXPECT_NO_THROW(platform::writeWhole(path, more));
+    reader.join();
+    EXPECT_EQ(text, more);
+}
+
+TEST_F(WholeFileTest, DoesNotWaitForTheReaderOfSomebodyElsesPipe)
+{
+    if (geteuid() != 0) GTEST_SKIP() << "only root can give a pipe away";
+    ASSERT_EQ(mkfifo(path.c_str(), 0600), 0);
+    ASSERT_EQ(chown(path.c_str(), 65534, 65534), 0);
+    try {
+        platform::writeWhole(path, "text");
+        ADD_FAILURE();
+    } catch (const platform::Failure& failure) {
+        EXPECT_EQ(failure.what(), path.string() + ": nobody reads this pipe of somebody else's");
+    }
 }
 
 TEST_F(WholeFileTest, SaysWhatIsInTheWay)
