@@ -126,7 +126,7 @@ class Explainer
 public:
     using Take = std::function<void(const TracedRun& run)>;
 
-    /// \param taker gets each run when its end is known, mostly in the order of their starts
+    /// \param taker gets each run when its end is known, in the order of their numbers
     explicit Explainer(Take taker);
     ~Explainer();
 

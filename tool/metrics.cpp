@@ -27,9 +27,7 @@ int metrics(const MetricsOptions& options, Output& output)
 {
     document::Metrics metrics;
     std::optional<document::TracedRun> newest;
-    document::Explainer explainer([&](const document::TracedRun& run) {
-        if (!newest || run.number > newest->number) newest = run;
-    });
+    document::Explainer explainer([&](const document::TracedRun& run) { newest = run; });
     const bool read = attempt([&] { readTrace(explainer, options.trace); });
     if (read && newest) metrics.take(*newest);
     const int status =

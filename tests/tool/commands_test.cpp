@@ -377,6 +377,9 @@ TEST_F(Commands, ExplainTellsOfTheNewestRunOfOneAndOfAll)
     EXPECT_EQ(outcome.status, 0) << outcome.error;
     EXPECT_THAT(outcome.output, testing::StartsWith("Run 1 of 1 for 9999-B2C*7ABCD12, "));
     EXPECT_THAT(outcome.output, testing::EndsWith("It ended well, with status 3.\n"));
+    outcome = run({"explain", "--all", log});
+    EXPECT_EQ(outcome.status, 0) << outcome.error;
+    EXPECT_THAT(outcome.output, testing::StartsWith("Run 1 for 9999-B2C*7ABCD12, "));
 
     std::ofstream(log, std::ios::app) << "112126 13:41:03 SRCV: 155968_quay1 07-15-05  9999-B2C*7ABCD99\n";
     outcome = run({"explain", log});
@@ -476,7 +479,7 @@ TEST_F(Commands, FollowSaysWhenNothingComes)
     std::ofstream file(log);
     file << "112126 13:41:03 SRCV: 155968_quay1 07-15-05  M*S" << std::endl;
     auto outcome = std::async(std::launch::async, [&] { return run({"follow", "--quiet-after", "1", log}); });
-    std::this_thread::sleep_for(std::chrono::milliseconds(1500));
+    std::this_thread::sleep_for(std::chrono::milliseconds(2300)); // the silence grows, and is told once
     file << "112126 13:41:05 0010:  exit 3 ------------------" << std::endl;
     EXPECT_EQ(outcome.get().output,
               "M*S: start, 0 s\nM*S: start, 0 s; nothing new for 1 s\nM*S: done, 2 s\n");
