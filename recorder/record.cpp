@@ -19,7 +19,6 @@
 #include <cstdlib>
 #include <fcntl.h>
 #include <fstream>
-#include <optional>
 #include <sstream>
 #include <unistd.h>
 
@@ -65,33 +64,24 @@ private:
     fs::path folder;
 };
 
-/// Has the programs that are started from now on recorded.
-class Recorder
+/// Puts the recorder before the programs that are started from now on.
+void preloadRecorder(const Workshop& workshop, const platform::Installation& installation)
 {
-public:
-    Recorder(const Workshop& workshop, const platform::Installation& installation, const fs::path& tape)
-    {
-        const fs::path library = workshop.file("recorder.so");
-        std::error_code there;
-        fs::create_symlink(installation.folderOfLibrary(recorderLibrary) / recorderLibrary, library, there);
-        std::ofstream(tape).close();
-        if (const char* list = std::getenv(preloads)) before = list;
-        setenv(preloads, (library.string() + (before ? ":" + *before : "")).c_str(), 1);
-        setenv(tapeVariable, tape.c_str(), 1);
-        setenv(witnessVariable, (installation.folderOfProgram(witnessProgram) / witnessProgram).c_str(), 1);
-    }
-    ~Recorder()
-    {
-        unsetenv(tapeVariable);
-        unsetenv(preloads);
-        if (before) setenv(preloads, before->c_str(), 1);
-    }
-    Recorder(const Recorder&) = delete;
-    Recorder& operator=(const Recorder&) = delete;
+    const fs::path library = workshop.file("recorder.so");
+    fs::create_symlink(installation.folderOfLibrary(recorderLibrary) / recorderLibrary, library);
+    const char* const others = std::getenv(preloads);
+    setenv(preloads, (library.string() + (others != nullptr ? std::string(":") + others : "")).c_str(), 1);
+    setenv(witnessVariable, (installation.folderOfProgram(witnessProgram) / witnessProgram).c_str(), 1);
+}
 
-private:
-    std::optional<std::string> before;
-};
+/// Runs a program with an empty tape and returns its status.
+int runRecorded(const fs::path& tape, const std::vector<std::string>& program,
+                const platform::HeldSignals& signals)
+{
+    std::ofstream(tape).close();
+    setenv(tapeVariable, tape.c_str(), 1);
+    return platform::runProgram(program, signals);
+}
 
 /// A tape, and apart from it who made the calls on it.
 struct Heard {
@@ -220,10 +210,7 @@ void verify(const Workshop& workshop, const platform::Installation& installation
                                        workshop.file("root")};
     if (!program.empty()) replay.emplace_back("--");
     replay.insert(replay.end(), program.begin(), program.end());
-    {
-        const Recorder recorder(workshop, installation, tape);
-        platform::runProgram(replay, signals);
-    }
+    runRecorded(tape, replay, signals);
     const Tape before = comparable(recorded);
     const Tape after = comparable(readTape(tape).tape);
     if (after.empty())
@@ -248,10 +235,8 @@ int record(const Options& options)
     StandIns standIns = readMap(options.map);
     Origin origin = beginOrigin(options.program);
     const platform::HeldSignals signals = platform::holdSignals();
-    {
-        const Recorder recorder(workshop, installation, tapeFile);
-        origin.status = platform::runProgram(installation.find(options.program), signals);
-    }
+    preloadRecorder(workshop, installation);
+    origin.status = runRecorded(tapeFile, installation.find(options.program), signals);
     Heard heard = readTape(tapeFile);
     if (heard.tape.empty())
         throw platform::Failure(options.program[0] + " made no call that could be recorded");

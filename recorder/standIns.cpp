@@ -6,9 +6,9 @@
 #include "platform/failure.h"
 
 #include <algorithm>
-#include <array>
 #include <nlohmann/json.hpp>
 #include <sys/random.h>
+#include <vector>
 
 namespace recorder
 {
@@ -25,20 +25,23 @@ bool isIn(char c, char first, char last)
 
 /// The characters that can stand in for one, as a range.
 struct Alphabet {
-    unsigned char first = 0;
-    unsigned size = 0; ///< 0: the character stays
+    unsigned char first;
+    unsigned size; ///< 0: the character stays
 };
 
 /// Of a character beyond ASCII the last byte changes, within the bytes that keep it a character and no
-/// control character.
+/// control character. A text can end within a character: what follows the first byte of three or four may not
+/// be anything.
 Alphabet beyondAscii(std::string_view text, size_t at)
 {
     constexpr char twoBytes = '\xC2';
     constexpr unsigned char controls = 0x80;
     constexpr unsigned char others = 0xA0;
+    constexpr unsigned char threeBytes = 0xE0;
     const auto continues = [](char byte) { return (static_cast<unsigned char>(byte) & 0xC0) == 0x80; };
     const bool last = continues(text[at]) && (at + 1 == text.size() || !continues(text[at + 1]));
-    if (!last) return {};
+    const bool second = at > 0 && static_cast<unsigned char>(text[at - 1]) >= threeBytes;
+    if (!last || second) return {};
     if (at == 0 || text[at - 1] != twoBytes) return {.first = controls, .size = 64};
     const bool control = static_cast<unsigned char>(text[at]) < others;
     return {.first = control ? controls : others, .size = 32};
@@ -89,17 +92,20 @@ class Chance
 public:
     unsigned operator()()
     {
-        if (next == block.size()) {
-            if (getrandom(block.data(), sizeof block, 0) != ssize_t{sizeof block})
+        if (left.empty()) {
+            left.resize(atOnce);
+            const size_t size = atOnce * sizeof left[0];
+            if (getrandom(left.data(), size, 0) != static_cast<ssize_t>(size))
                 throw platform::failedOn("random numbers");
-            next = 0;
         }
-        return block[next++];
+        const unsigned number = left.back();
+        left.pop_back();
+        return number;
     }
 
 private:
-    std::array<unsigned, 64> block{};
-    size_t next = block.size();
+    static constexpr size_t atOnce = 64;
+    std::vector<unsigned> left;
 };
 
 } // namespace
@@ -137,15 +143,15 @@ const std::string* StandIns::known(std::string_view text) const
 
 std::string StandIns::in(const std::string& text) const
 {
-    const std::string_view all = text;
     std::string result;
-    for (size_t at = 0; at < text.size();) {
+    for (std::string_view rest = text; !rest.empty();) {
         const std::string* found = nullptr;
         for (const size_t length : lengths) {
-            if (length <= text.size() - at && (found = known(all.substr(at, length))) != nullptr) break;
+            if (length <= rest.size() && (found = known(rest.substr(0, length))) != nullptr) break;
         }
-        result += found != nullptr ? *found : text.substr(at, 1);
-        at += found != nullptr ? found->size() : 1;
+        const std::string_view next = found != nullptr ? *found : rest.substr(0, 1);
+        result += next;
+        rest.remove_prefix(next.size());
     }
     return result;
 }
@@ -173,7 +179,7 @@ void StandIns::learn(const std::string& text, const std::string& standIn)
         fits = widest.size == 0 ? text[i] == standIn[i] : moveOf(text[i], standIn[i], widest) != 0;
         for (const bool hexadecimal : {false, true}) {
             const Alphabet alphabet = alphabetOf(text, i, hexadecimal);
-            const unsigned move = alphabet.size == 0 ? 0 : moveOf(text[i], standIn[i], alphabet);
+            const unsigned move = moveOf(text[i], standIn[i], alphabet);
             if (move != 0) loadedMoves.try_emplace(keyOf(text, i, alphabet), move);
         }
     }

@@ -28,9 +28,9 @@ constexpr const char* tapeVariable = "KORD_CONSOLE_TAPE";       ///< the tape's 
 constexpr const char* witnessVariable = "KORD_CONSOLE_WITNESS"; ///< the witness's path
 
 /// The console's programs by the words that commands begin with, and the one among them that runs others.
-inline constexpr std::array<std::string_view, 5> consolePrograms = {
-    "whoami", "/opt/brisk/bin/qmstat", "/opt/brisk/bin/qconvpd", "/opt/tarnquay/bin/mmquaycmd",
-    "/opt/tarnquay/bin/pmProblemEventPoster"};
+inline constexpr auto consolePrograms = std::to_array<std::string_view>(
+    {"whoami", "/opt/brisk/bin/qmstat", "/opt/brisk/bin/qconvpd", "/opt/tarnquay/bin/mmquaycmd",
+     "/opt/tarnquay/bin/pmProblemEventPoster"});
 constexpr std::string_view wrapper = "/opt/tarnquay/bin/mmquaycmd";
 
 /// Appends a line; does nothing where no tape is named. Bytes that are not UTF-8 become U+FFFD.

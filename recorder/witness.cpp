@@ -62,8 +62,9 @@ std::string contentOf(int file)
 
 int main(int argc, char* argv[])
 {
+    if (argc < 2) return notStarted(argv[0], EINVAL).status;
     const int output = memfd_create("output", MFD_CLOEXEC);
-    if (argc < 2 || output < 0) return notStarted(argv[0], argc < 2 ? EINVAL : errno).status;
+    if (output < 0) return notStarted(argv[0], errno).status;
     const End end = run(argv + 1, output);
     const std::string text = contentOf(output);
     append({{"program", argv[1]},

@@ -298,6 +298,9 @@ TEST_F(Recording, VerifiesItself)
     if (!kordTest::hasNamespaces()) GTEST_SKIP() << "a replay within a run needs namespaces";
     const Left recorded = record(facilityWith("facility.json", json::array()), {"--verify"});
     EXPECT_EQ(recorded.outcome.status, 3) << recorded.outcome.error;
+    const Left plain = run(folder / "facility.json", "plain", {}, arguments);
+    EXPECT_EQ(recorded.outcome.output, plain.outcome.output);
+    EXPECT_TRUE(recorded.outcome.error.starts_with("kord: repeat it with: ")) << recorded.outcome.error;
 }
 
 /// What ran twice does not repeat itself: the replay is told the program.

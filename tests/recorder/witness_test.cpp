@@ -11,6 +11,9 @@
 #include <fstream>
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
+#include <spawn.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 namespace
 {
@@ -79,6 +82,54 @@ TEST_F(Witness, PassesOnAnyBytes)
     const kordTest::Outcome outcome = run({"printf", "\\000\\377\\n\\n"});
     EXPECT_EQ(outcome.output, std::string("\0\xFF\n\n", 4));
     EXPECT_EQ(kordTest::parseJson(heard())["output"], std::string("\0\uFFFD\n\n", 6));
+}
+
+/// As waitpid tells it.
+int endOf(Texts command)
+{
+    command.insert(command.begin(), witness);
+    std::vector<char*> arguments;
+    for (std::string& word : command)
+        arguments.push_back(word.data());
+    arguments.push_back(nullptr);
+    pid_t child = 0;
+    int end = 0;
+    EXPECT_EQ(posix_spawn(&child, witness.c_str(), nullptr, nullptr, arguments.data(), environ), 0);
+    EXPECT_EQ(waitpid(child, &end, 0), child);
+    return end;
+}
+
+TEST_F(Witness, EndsByTheSameSignal)
+{
+    const Texts killed = {"env", "--default-signal=TERM", "sh", "-c", "kill -TERM $$"};
+    int end = endOf(killed);
+    EXPECT_TRUE(WIFSIGNALED(end) && WTERMSIG(end) == SIGTERM) << end;
+    std::signal(SIGTERM, SIG_IGN); // the witness ignores it as well, its program does not
+    end = endOf(killed);
+    std::signal(SIGTERM, SIG_DFL);
+    EXPECT_TRUE(WIFSIGNALED(end) && WTERMSIG(end) == SIGTERM) << end;
+    end = endOf({"sh", "-c", "kill -HUP $$"});
+    EXPECT_TRUE(WIFSIGNALED(end) && WTERMSIG(end) == SIGHUP) << end;
+    end = endOf({"sh", "-c", "exit 143"});
+    EXPECT_TRUE(WIFEXITED(end) && WEXITSTATUS(end) == 143) << end;
+}
+
+/// Where the ends of children are thrown away, a program's end counts as a success; where standard input is
+/// closed, the first free number for a file is 0.
+TEST_F(Witness, BearsWhatItInherits)
+{
+    for (const char* script : {"trap '' CHLD; exec \"$@\"", "exec \"$@\" <&-"}) {
+        std::ofstream(tape).close();
+        const kordTest::Outcome outcome =
+            kordTest::runProcess({.arguments = {"/bin/sh", "-c", script, "sh", witness, "printf", "x"},
+                                  .folder = temporary.path(),
+                                  .limit = std::chrono::seconds(10)});
+        EXPECT_FALSE(outcome.timedOut);
+        EXPECT_EQ(outcome.status, 0) << script << outcome.error;
+        EXPECT_EQ(outcome.output, "x");
+        EXPECT_EQ(kordTest::parseJson(heard()),
+                  json({{"program", "printf"}, {"arguments", {"x"}}, {"status", 0}, {"output", "x"}}));
+    }
 }
 
 TEST_F(Witness, NeedsAProgram)
