@@ -210,7 +210,6 @@ int32_t vale_end_session(ValeSessionHandle session)
     static auto* const next = nextOf<decltype(vale_end_session)>("vale_end_session");
     json line = lineOf("end_session", session);
     const int32_t result = next(session);
-    if (result == 0) scopes.erase(session);
     return finish(std::move(line), result);
 }
 

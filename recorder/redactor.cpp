@@ -21,6 +21,7 @@ namespace
 {
 
 using nlohmann::json;
+using namespace std::string_view_literals;
 
 /// MTMS in any of their forms, and domains named after one: the type-model stays, the serial goes.
 constexpr std::string_view mtmsAttributes[] = {
@@ -227,7 +228,7 @@ std::string Redactor::vitalData(const std::string& line)
 
 std::string Redactor::outputOf(const std::string& program, const std::string& output)
 {
-    return inPieces(output, std::string_view("\n\0", 2), [&](const std::string& line) {
+    return inPieces(output, "\n\0"sv, [&](const std::string& line) {
         if (program == "qconvpd") return vitalData(line);
         if (program == "whoami") return line == superuser ? line : unlike(superuser, line);
         return isAmong(line, states) ? line : unlike(operating, line);

@@ -90,7 +90,7 @@ class Equivalent:
     reason: str
     file: str  # a folder: all of its files
     old: str
-    new: str  # "(anything)": whatever it becomes
+    new: str  # "(anything)": whatever it becomes; a kind in brackets: by any such change that touches the line
 
     def files(self, top):
         place = top / self.file
@@ -98,6 +98,8 @@ class Equivalent:
 
     def covers(self, change):
         there = change.file.startswith(self.file) if self.file.endswith("/") else change.file == self.file
+        if self.new == f"({change.kind})":
+            return there and self.old in change.old
         return there and change.old == self.old and self.new in (change.new, "(anything)")
 
 

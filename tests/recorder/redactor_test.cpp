@@ -218,6 +218,7 @@ TEST(Redacted, EndsWhereEveryStandInWouldMislead)
         {R"({"Abcdefghj": "Operating"})", program("/opt/brisk/bin/qmstat", "Abcdefghj\n")},
         {R"({"AB": "TM"})", program("/opt/brisk/bin/qconvpd", "*SE x AB\n")},
         {R"({"AB": "SE"})", program("/opt/brisk/bin/qconvpd", "*TM x AB\n")},
+        {R"({"ABC": "TMD"})", program("/opt/brisk/bin/qconvpd", "ABC\n")},
     };
     for (const Case& given : misleading) {
         StandIns standIns;
@@ -236,6 +237,79 @@ TEST(Redacted, EndsWhereEveryStandInWouldMislead)
     Redactor(standIns).redact(tape);
     EXPECT_EQ(tape[0]["output"], "root\n");
     EXPECT_EQ(tape[1]["output"], "TM\n");
+}
+
+/// Also where somebody is called the same.
+TEST(Redacted, KeepsWhatTheCollectorLooksForThoughItIsAName)
+{
+    const json named = part({{"lparName", "root"}, {"Hostname", "Operating"}, {"ddmname", "locationCode"}});
+    const Tape tape =
+        redacted({query({named}, "locationCode=\"U9999.B2C.7ABCD12-P1\""), program("whoami", "root\n"),
+                  program("/opt/brisk/bin/qmstat", "Operating\n")});
+    EXPECT_TRUE(tape[0]["selection"].get<std::string>().starts_with("locationCode=\"U9999.B2C.")) << tape[0];
+    EXPECT_EQ(tape[1]["output"], "root\n");
+    EXPECT_EQ(tape[2]["output"], "Operating\n");
+}
+
+/// The event tool's output and messages are not read, and keep what is nobody's name.
+TEST(Redacted, ReplacesNamesInWhatIsOnlyShown)
+{
+    constexpr const char* poster = "/opt/tarnquay/bin/pmProblemEventPoster";
+    const Tape tape = redacted({query({part({{"Hostname", "ledger-01"}})}),
+                                program(poster, "filed for ledger-01\n"),
+                                program("/opt/tarnquay/bin/mmquaycmd", "filed for ledger-01\n", {poster}),
+                                {{"vale", "get_errmsg"}, {"message", "filed for ledger-01\n"}}});
+    const std::string standIn = tape[0]["responses"][0]["attributes"][0][1];
+    EXPECT_NE(standIn, "ledger-01");
+    EXPECT_EQ(tape[1]["output"], "filed for " + standIn + "\n");
+    EXPECT_EQ(tape[2]["output"], tape[1]["output"]);
+    EXPECT_EQ(tape[3]["message"], tape[1]["output"]);
+}
+
+TEST(Redacted, KnowsTheSystemInAProgramsArguments)
+{
+    const Tape tape = redacted({program("whoami", "", {"-m", "9999-B2C*7ABCD12", "-M", "word", "-m"})});
+    const json& arguments = tape[0]["arguments"];
+    const std::string system = arguments[1];
+    EXPECT_EQ(system.substr(0, 9), "9999-B2C*");
+    EXPECT_NE(system.substr(9), "7ABCD12");
+    EXPECT_EQ(arguments, json({"-m", system, "-M", "word", "-m"}));
+}
+
+/// Such a stand-in would be taken for the other text, and replaced once more in messages.
+TEST(Redacted, HasNoStandInThatIsAnOriginal)
+{
+    const std::set<std::string> originals = {"104", "217", "389", "450", "562",
+                                             "618", "733", "871", "926", "095"};
+    for (int i = 0; i < 100; ++i) {
+        std::vector<std::pair<json, json>> attributes;
+        for (const std::string& original : originals)
+            attributes.emplace_back("serialNumber", original);
+        const Tape tape = redacted({query({part(attributes)})});
+        for (const json& attribute : tape[0]["responses"][0]["attributes"])
+            ASSERT_FALSE(originals.contains(attribute[1])) << tape;
+    }
+}
+
+TEST(Redacted, KeepsTheFormOfVitalData)
+{
+    for (const std::string line : {"*DS Hall-Seven", "*XX Hall  \tSeven", "*SE10TMCDE", "-*SEHall",
+                                   "DS AB CD", "*SE x AB", "HallSeven x", "*TM Hall *SE Seven"}) {
+        const std::string vpd = outputOf("/opt/brisk/bin/qconvpd", line);
+        ASSERT_EQ(vpd.size(), line.size()) << vpd;
+        const size_t keyword = std::min({line.find("DS"), line.find("XX"), line.find("SE"), line.find("TM")});
+        if (keyword <= 2) {
+            EXPECT_EQ(vpd.substr(0, keyword + 2), line.substr(0, keyword + 2));
+        }
+        for (const char* word : {"Hall", "Seven", "10TM", "AB", "CD", " x"}) {
+            const size_t at = line.find(word);
+            if (at != std::string::npos) {
+                EXPECT_NE(vpd.substr(at, std::string_view(word).size()), word) << vpd;
+            }
+        }
+        for (size_t i = 0; i < line.size(); ++i)
+            EXPECT_EQ(vpd[i] == ' ' || vpd[i] == '\t', line[i] == ' ' || line[i] == '\t') << vpd;
+    }
 }
 
 TEST(Redacted, KeepsTheConsolesSerialAndItsLocationCodeTogether)
@@ -378,6 +452,9 @@ TEST(Redacted, KnowsMtmsInTheWordsOfACommand)
     const auto option = [&](const std::string& word) {
         return redactor.commandLine({"addTarnKord", word, "9999-B2C*7ABCD12"})[1];
     };
+    const std::string cut = redactor.commandLine({"addTarnKord", "-t", "9999-B2C"})[2];
+    EXPECT_EQ(cut, standIns.of("9999-B2C"));
+    EXPECT_EQ(cut.size(), 8U);
     EXPECT_EQ(option("-t"), "-t");
     EXPECT_EQ(option("ab"), "ab");
     EXPECT_NE(option("abc"), "abc");

@@ -187,6 +187,24 @@ TEST_F(Tapes, TellTheMessageOfAFailedCall)
     }
 }
 
+/// A resource has what the selection that found it demands, whatever its answer says then.
+TEST_F(Tapes, GiveAResourceWhatItWasFoundBy)
+{
+    json line = drive(1, "ANSWERED");
+    line["scope"] = 4;
+    line["selection"] = "serialNumber=\"DEMANDED\"";
+    tell("first", {line});
+    record({});
+    EXPECT_EQ(recorded()["resources"]["Orvik.TarnDDM"][0]["serialNumber"], "DEMANDED");
+    line["attributes"] = json::array({"partNumber"});
+    line["responses"][0]["attributes"] = json::array();
+    line["selection"] = "serialNumber=\"A\" && (partNumber=\"B\" || partNumber=\"C\") && diskCapacity=7";
+    tell("first", {line});
+    record({});
+    EXPECT_EQ(recorded()["resources"]["Orvik.TarnDDM"][0],
+              json({{"serialNumber", "A"}, {"partNumber", "B"}, {"diskCapacity", 7}}));
+}
+
 TEST_F(Tapes, ThatAreNoneEndTheRecording)
 {
     const std::regex cut("an error\nkord: (/tmp/kord-record\\.[A-Za-z0-9]{6})/tape\\.jsonl: the recording is "
