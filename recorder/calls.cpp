@@ -44,7 +44,7 @@ Call readClientCall(json& line)
             call.resources.push_back(takeResources(response));
     }
     call.attributes = line.value("attributes", std::vector<std::string>());
-    call.resource = line.value("handle", uint64_t{0});
+    call.resource = line.value("handle", call.resource);
     return call;
 }
 

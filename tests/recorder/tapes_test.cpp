@@ -1,6 +1,9 @@
 // What kord record makes of a tape, and what it says: the tapes are written by a script in place of a
 // collector.
 
+#include "recorder/builder.h"
+#include "recorder/gatherer.h"
+
 #include "consoleRun.h"
 #include "parseJson.h"
 #include "process.h"
@@ -295,6 +298,162 @@ TEST_F(Tapes, AreRedactedByAMapThatCanBeReadOrMade)
         EXPECT_EQ(outcome.error, "kord: " + std::string(map) + ": " + reason + "\n");
         EXPECT_FALSE(fs::exists(folder / "ran")); // nothing was run in vain
     }
+}
+
+// ---- what is gathered ----
+
+json valueOf(const char* className, const char* attribute, const json& value)
+{
+    const json response = {{"handle", 1}, {"attributes", json::array({json::array({attribute, value})})}};
+    return {{"vale", "query_p_select"}, {"scope", 2},  {"class", className},
+            {"selection", nullptr},     {"result", 0}, {"responses", json::array({response})}};
+}
+
+json gatheredFrom(const std::vector<json>& tape)
+{
+    recorder::Gatherer gatherer;
+    for (const recorder::Call& call : recorder::readCalls(tape))
+        gatherer.take(call);
+    return gatherer.facility();
+}
+
+/// A facility file could not have any other.
+TEST(Gathered, AreValuesOfTheTypesThatConsolesHave)
+{
+    struct Case {
+        const char* className;
+        const char* attribute;
+        std::vector<json> fitting;
+        std::vector<json> others;
+    };
+    const std::vector<Case> cases = {
+        {"Orvik.TarnStorageFacility",
+         "PowerState",
+         {0, -2147483648LL, 2147483647},
+         {-2147483649LL, 2147483648LL, "1", 1.5, nullptr, json::array({1})}},
+        {"Orvik.TarnRack", "rackIdentifier", {0, 4294967295LL}, {-1, 4294967296LL, "1", 1.5}},
+        {"Orvik.TarnIODrawer",
+         "interfaceIdentifier",
+         {json::array(), json::array({1, -1})},
+         {1, json::array({1, "a"}), json::array({2147483648LL})}},
+        {"Orvik.TarnArray",
+         "arraySiteConfiguration",
+         {json::array(), json::array({"a", "b"})},
+         {"a", json::array({"a", 1})}},
+        {"Orvik.TarnServerPartition",
+         "runningImageLevel",
+         {json::array({0, "5.1"})},
+         {"5.1", json::array({nullptr})}},
+        {"Orvik.ManagedNode", "HWModel", {"", "a"}, {1, json::array({"a"}), nullptr}},
+        {"Orvik.ManagedNode", "noAttribute", {}, {"a"}},
+    };
+    for (const Case& given : cases) {
+        for (const json& value : given.fitting) {
+            const json resources =
+                gatheredFrom({valueOf(given.className, given.attribute, value)})["resources"];
+            EXPECT_EQ(resources[given.className][0], json({{given.attribute, value}}));
+        }
+        for (const json& value : given.others) {
+            const json resources =
+                gatheredFrom({valueOf(given.className, given.attribute, value)})["resources"];
+            EXPECT_EQ(resources[given.className][0], json::object()) << given.attribute << ' ' << value;
+        }
+    }
+    EXPECT_EQ(gatheredFrom({valueOf("Orvik.NoClass", "HWModel", "a")})["resources"], json::object());
+}
+
+/// What was found between others stands between them; a second answer brings none that the first had not.
+TEST(Gathered, AreResourcesInTheirOrder)
+{
+    const auto found = [](const std::vector<int>& numbers, const json& selection) {
+        json line = drives({1});
+        line["vale"] = "query_p_select";
+        line["selection"] = selection;
+        line["responses"] = json::array();
+        for (const int number : numbers)
+            line["responses"].push_back(
+                {{"handle", number},
+                 {"attributes", json::array({json::array({"serialNumber", std::to_string(number)})})}});
+        return line;
+    };
+    const auto serials = [](const std::vector<json>& tape) {
+        std::string text;
+        const json facility = gatheredFrom(tape);
+        for (const json& resource : facility["resources"]["Orvik.TarnDDM"])
+            text += resource["serialNumber"].get<std::string>();
+        return text;
+    };
+    EXPECT_EQ(serials({found({1, 2, 3}, nullptr)}), "123");
+    EXPECT_EQ(serials({found({1, 3}, nullptr), found({1, 2, 3}, "diskCapacity=1")}), "123");
+    EXPECT_EQ(serials({found({1, 2}, nullptr), found({3, 2}, "diskCapacity=1")}), "132");
+    EXPECT_EQ(serials({found({2}, nullptr), found({2, 3}, "diskCapacity=1")}), "23");
+    EXPECT_EQ(serials({found({1, 2}, nullptr), found({3, 4, 5}, nullptr)}), "12");
+}
+
+TEST(Gathered, IsTheStateOfTheSystemThatWasAskedFor)
+{
+    const Texts asks = {"-r", "sys", "-m", "9999-B2C*7ABCD12", "-F", "state"};
+    EXPECT_EQ(recorder::systemAskedFor(asks), asks[3]);
+    for (size_t i = 0; i < asks.size(); ++i) {
+        Texts other = asks;
+        other[i] = "other";
+        EXPECT_EQ(recorder::systemAskedFor(other), i == 3 ? "other" : "") << i;
+        other = asks;
+        other.resize(i);
+        EXPECT_EQ(recorder::systemAskedFor(other), "");
+    }
+    Texts more = asks;
+    more.emplace_back("more");
+    EXPECT_EQ(recorder::systemAskedFor(more), "");
+}
+
+/// For whoever reads it, compares two or looks for a line: what is one of many has a line.
+TEST(Gathered, IsWrittenALineEach)
+{
+    recorder::Origin origin;
+    origin.command = {"addTarnKord", "-t", "9999-B2C*7ABCD12"};
+    origin.system = "9999-B2C*7ABCD12";
+    origin.date = "2026-11-22T10:00:00Z";
+    origin.status = 3;
+    origin.versions = {{"machine", "Linux"}, {"kord", "1"}};
+    json racks = valueOf("Orvik.TarnRack", "rackIdentifier", 7);
+    racks["responses"].push_back(racks["responses"][0]);
+    racks["responses"][1]["handle"] = 2;
+    racks["attributes"] = json::array({"rackIdentifier"});
+    json node = valueOf("Orvik.ManagedNode", "HWModel", "9999-B2C");
+    node["scope"] = 1;
+    node["attributes"] = json::array({"HWModel"});
+    const std::vector<json> tape = {
+        printed("whoami", "root\n"), stateOf(origin.system), sessionStart(5), sessionStart(6), racks, node};
+    EXPECT_EQ(recorder::toText(recorder::buildFacility(origin, recorder::readCalls(tape))), R"({
+  "recording": {"command":["addTarnKord","-t","9999-B2C*7ABCD12"],"system":"9999-B2C*7ABCD12","date":"2026-11-22T10:00:00Z","status":3,"versions":{"kord":"1","machine":"Linux"}},
+  "console": {"user":"root"},
+  "systems": {"9999-B2C*7ABCD12":"Operating"},
+  "resources": {
+    "Orvik.TarnRack": [
+      {"rackIdentifier":7},
+      {"rackIdentifier":7}
+    ],
+    "Orvik.ManagedNode": [
+      {"HWModel":"9999-B2C"}
+    ]
+  },
+  "faults": [
+    {"call":"start_session","fails":{"code":5},"nth":1,"scope":1},
+    {"call":"start_session","fails":{"code":6},"nth":2,"scope":1}
+  ]
+}
+)");
+    origin.system.clear();
+    EXPECT_EQ(recorder::toText(recorder::buildFacility(origin, {})), R"({
+  "recording": {"command":["addTarnKord","-t","9999-B2C*7ABCD12"],"date":"2026-11-22T10:00:00Z","status":3,"versions":{"kord":"1","machine":"Linux"}},
+  "console": {},
+  "systems": {},
+  "resources": {
+  },
+  "faults": []
+}
+)");
 }
 
 } // namespace
