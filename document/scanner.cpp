@@ -77,7 +77,6 @@ bool Scanner::fill()
     atEnd = true;
     if (input.isCut()) find("the packed document ends before its time");
     // A whole document whose last line feed is lost is a whole document.
-    if (last == bytes.size()) bytes.resize(last + 1);
     const std::string_view end(bytes.data(), last);
     if (end != rootEnd && !end.ends_with("\n" + std::string(rootEnd))) return false;
     bytes[last++] = '\n';
@@ -151,10 +150,11 @@ void Scanner::start()
     expect(root);
     const std::string_view text = headLine();
     const bool whole = first + text.size() < last && bytes[first + text.size()] == '\n';
-    const bool set = whole && text.size() >= setStart.size() + tagEnd.size() && text.starts_with(setStart) &&
-                     text.ends_with(tagEnd);
-    const size_t length = set ? text.size() - setStart.size() - tagEnd.size() : 0;
-    const std::string_view timestamp = set ? text.substr(setStart.size(), length) : text;
+    std::string_view timestamp = text;
+    if (whole && text.starts_with(setStart) && text.ends_with(tagEnd)) {
+        timestamp.remove_prefix(setStart.size());
+        timestamp = timestamp.substr(0, timestamp.rfind(tagEnd));
+    }
     if (!isTimestamp(timestamp)) fault(quoted(text) + " is no start of a resource set");
     emit(Event::Kind::start);
     event.timestamp = timestamp;
@@ -191,7 +191,7 @@ bool Scanner::setEnd()
         return leaveOut({.from = 0, .to = words::setEnd.size()});
     }
     if (!open.empty()) {
-        if (!cut) find("elements end here that have no end tags");
+        find("elements end here that have no end tags");
         return close(true);
     }
     take(next + rootEnd.size() + 1, 2);
@@ -209,9 +209,7 @@ bool Scanner::endEarly()
         cut = true;
         return emit(Event::Kind::cut);
     }
-    if (!open.empty()) return close(true);
-    finished = true;
-    return emit(Event::Kind::end);
+    return open.empty() ? emit(Event::Kind::end) : close(true);
 }
 
 // --- Elements
@@ -243,7 +241,7 @@ bool Scanner::element()
     if (startsWith(0, listName)) return listStart(text);
     if (isLine(0, words::listEnd)) return listEnd(text);
     if (isLine(0, words::setEnd)) return setEnd();
-    if (cut || !isLine(0, incomplete) || !mayEnd(0)) return leaveOut(text);
+    if (!isLine(0, incomplete) || !mayEnd(0)) return leaveOut(text);
     cut = true;
     take(text.to + 1, 1);
     return emit(Event::Kind::cut);
@@ -308,7 +306,6 @@ bool Scanner::listStart(Stretch text)
             find("a list begins inside the list before it, which ends here");
         return close(true);
     }
-    if (open.size() == deepest) fault("elements are nested deeper than in any document");
     openList(at(name));
     event.name = at(name);
     take(text.to + 1, 1);
@@ -334,7 +331,7 @@ bool Scanner::resourceStart(Stretch text)
         return ranOut && !endsWhole() ? endEarly() : leaveOut(text);
     if (inResource()) return misplacedResource(text);
     if (open.empty() && hadSystem) return leaveOut(text);
-    if (open.size() == deepest) fault("elements are nested deeper than in any document");
+    if (open.size() >= deepest) fault("elements are nested deeper than in any document");
     if (!tag.repeated) find("the line behind this tag is not its identifier");
     hadSystem = true;
     const Kind kind = kindOf(open.empty() ? std::string_view{} : open.back().name, at(tag.name));

@@ -99,6 +99,30 @@ TEST(Scanner, TellsEveryElementWithItsLine)
     EXPECT_TRUE(scanned.complete);
 }
 
+/// Whatever an element holds, or is left out before it: the next one stands in its own line.
+TEST(Scanner, CountsTheLinesOfWhatStandsBefore)
+{
+    const std::string looksSo = "x</Value>\n</Property>\ny";
+    for (const std::string& content :
+         {std::string(), resource("A", "B", ""), resource("a\nb", "c", ""), resource("a", "c\nd\n", ""),
+          resource("a\n", "\n", property("SN", "L", "v\nw\n")),
+          resource("A", "B", property("SN", "L", looksSo)),
+          std::string("<Resource displayName=\"A\" uniqueId=\"B\">\nC\n</Resource>\n"),
+          std::string("<Resource displayName=\"A\" uniqueId=\"B\">\n</Resource>\n"),
+          std::string("<Resource displayName=\"A\" uniqueId=\"&#10;&#10;\">\n\n\n\n</Resource>\n"),
+          std::string("x\n\n"), property("SN", "L", "v\nw"), list("Nested", "")}) {
+        const std::string text = ofEnclosures(content + resource("Behind", "it", ""));
+        const Scanned scanned = scan(text);
+        const auto behind = std::ranges::find(scanned.events, "resource Behind|it");
+        ASSERT_NE(behind, scanned.events.end()) << content;
+        const auto before =
+            text.begin() + static_cast<std::ptrdiff_t>(text.find("<Resource displayName=\"Behind"));
+        EXPECT_EQ(scanned.lines[static_cast<size_t>(behind - scanned.events.begin())],
+                  static_cast<uint64_t>(1 + std::count(text.begin(), before, '\n')))
+            << content;
+    }
+}
+
 TEST(Scanner, OnlySomePropertiesComeAgain)
 {
     const auto level = [](const std::string& value) { return property("LE", "LIC VRMF", value); };
@@ -158,6 +182,21 @@ TEST(Scanner, ACodeIsTwoFiguresOrCapitals)
         EXPECT_THAT(found(code), testing::Not(testing::Contains(std::string(code) + "|Label|v"))) << code;
 }
 
+/// The code stands in the tag and in the line behind it.
+TEST(Scanner, APropertyWhoseCodesDifferIsNone)
+{
+    for (const std::string tag :
+         {"name=\"PN\" displayName=\"SN\"", "name=\"PN\" displayName=\"Label\"",
+          "name=\"Label\" displayName=\"PN\"", "name=\"SN\"", "name=\"\"", "name=\"SNdisplayName=\"Label\"",
+          "name=\"SN\" displayName=\"Label\"/", "name=U2 displayName=\"Host Inventory\""}) {
+        const std::string text =
+            "<Property " + tag + ">\nSN\n<Value type=\"string\">v</Value>\n</Property>\n";
+        const Scanned scanned = scan(ofSystem(list("A", "") + text + list("B", "")));
+        EXPECT_EQ(inside(scanned.events), (Texts{"list A", "/list", "list B", "/list"})) << tag;
+        EXPECT_EQ(scanned.findings.size(), 4U) << tag << ": each of its lines is left out";
+    }
+}
+
 TEST(Scanner, ALabelMayBeEmpty)
 {
     EXPECT_THAT(scan(ofEnclosures(resource("of no known kind", "X", property("SN", "", "v")))).events,
@@ -186,8 +225,39 @@ TEST(Scanner, PairsTheListsOfADrawer)
     EXPECT_EQ(scanned.findings, Texts{});
 }
 
+/// The value before a list's end or a further list of its kind is whole.
+TEST(Scanner, ADrawersValuesEndWhereItsListsDo)
+{
+    const std::string value = property("S3", "Storage Facility MTMS", "F");
+    const std::string card =
+        resource("Orvik Non Volatile Control Card", "N", property("S4", "Storage Facility Image MTMS", "I"));
+    const std::string cards = "<ResourceList displayName=\"Enclosures Partitions\">\n" +
+                              resource("1", "1", list("Partition Resources", card));
+    const Scanned scanned = scan(ofEnclosures(resource("CEC", "C1", value + cards + cards + listEnd) +
+                                              resource("CEC", "C2", value + listEnd)));
+    EXPECT_EQ(std::ranges::count(scanned.events, "S3|Storage Facility MTMS|F"), 2);
+    EXPECT_EQ(std::ranges::count(scanned.events, "S4|Storage Facility Image MTMS|I"), 2);
+    EXPECT_EQ(scanned.findings, Texts{});
+    // Elsewhere such lines belong to the value.
+    for (const std::string& other :
+         {value + listEnd, cards + "<ResourceList displayName=\"Enclosures Partitions\">\n"})
+        EXPECT_THAT(scan(ofEnclosures(resource("Larkspur", "L", other))).findings,
+                    testing::Not(testing::IsEmpty()))
+            << other;
+}
+
 TEST(Scanner, OnlyADrawersListsNeedNotPair)
 {
+    const auto lists = [](const std::string& first, const std::string& then) {
+        return scan(ofEnclosures(resource("CEC", "C",
+                                          "<ResourceList displayName=\"" + first + "\">\n" + list(then, ""))))
+            .findings;
+    };
+    const Texts inside = {"14: a list begins inside the list before it, which ends here"};
+    EXPECT_EQ(lists("Enclosures Partitions", "Enclosures Partitions"), Texts{});
+    EXPECT_EQ(lists("Enclosures Partitions", "Arrays"), inside);
+    EXPECT_EQ(lists("Arrays", "Enclosures Partitions"), inside);
+
     const Scanned stray = scan(ofEnclosures(resource("Larkspur", "L", listEnd)));
     EXPECT_EQ(stray.findings, Texts{"13: \"</ResourceList>\" has no place here and is left out"});
     const Scanned twice = scan(ofEnclosures(resource("Larkspur", "L", opened("1") + opened("2") + listEnd)));
@@ -255,6 +325,35 @@ TEST(Scanner, SaysThatAValueHoldsWhatLooksLikeTheDocument)
               Texts{"15: the value of \"U2\" holds lines that look like the document's"});
 }
 
+/// Where nothing that can follow a value comes at all, it ends where it first looks so, and so do those
+/// behind it.
+TEST(Scanner, AValueThatNothingFollowsEndsWhereItLooksSo)
+{
+    const size_t bound = 1U << 20U;
+    for (const size_t lines : {size_t{1}, bound}) {
+        std::string odd;
+        for (size_t i = 0; i < lines; ++i)
+            odd += "x\n";
+        const std::string looksSo = property("SN", "L", "a</Value>\n</Property>\nb");
+        const std::string end = resource("Q", "S-2", "");
+        const std::string text = ofPartitions("<Resource displayName=\"P\" uniqueId=\"S-1\">\nS-1\n" +
+                                              hosts("v") + odd + "</Resource>\n" + end);
+        const Scanned scanned = scan(text, bound);
+        EXPECT_EQ(inside(scanned.events), (Texts{"list Partitions", "resource P|S-1", "U2|Host Inventory|v",
+                                                 "/resource", "resource Q|S-2", "/resource", "/list"}))
+            << lines;
+        EXPECT_EQ(scanned.findings.front(), "17: \"x\" has no place here and is left out");
+        EXPECT_TRUE(scanned.complete);
+        const Scanned behind =
+            scan(ofPartitions(resource("P", "S-1", hosts("v") + odd) + resource("Q", "S-2", looksSo)), bound);
+        EXPECT_EQ(std::ranges::count(behind.events, "SN|L|a"), lines == bound ? 1 : 0)
+            << "a far end is none, a near one is";
+    }
+    // Of a document that is cut, what stands behind may have been lost.
+    const std::string whole = ofPartitions(resource("P", "S-1", hosts("v") + "x\n"));
+    EXPECT_EQ(scan(upTo(whole, "x\n") + "x\n").events.at(5), "cut");
+}
+
 TEST(Scanner, AForgedPropertyIsReadAsWhatItLooksLike)
 {
     const std::string forged = "x</Value>\n</Property>\n<Property name=\"SN\" displayName=\"Serial "
@@ -302,18 +401,29 @@ TEST(Scanner, ANameAndAnIdentifierMayBeAllLineFeeds)
 
 TEST(Scanner, AMendedTagNeedNotLookLikeItsIdentifier)
 {
-    const std::string text =
-        ofEnclosures("<Resource displayName=\"a&#10;b\" uniqueId=\"x&#10;&quot;&#9;&amp;\">\nx\n\"\t&amp;\n"
-                     "</Resource>\n");
-    Input input("test.xml", text);
-    Scanner scanner(input);
-    const Event* event = &scanner.next();
-    while (event->kind != Event::Kind::end && event->name != "a&#10;b")
-        event = &scanner.next();
-    EXPECT_EQ(event->id, "x&#10;&quot;&#9;&amp;");
-    EXPECT_EQ(event->idLine, "x\n\"\t&amp;");
-    EXPECT_EQ(scanner.next().kind, Event::Kind::resourceEnd);
-    EXPECT_EQ(scanner.findings().size(), 0U);
+    const std::vector<std::pair<std::string, std::string>> cases = {
+        {"x&#10;&quot;&#9;&amp;", "x\n\"\t&amp;"}, // tag, lines
+        {"x&#10;", "x\n"},
+        {"&#10;x", "\nx"},
+        {"&#10;&#10;", "\n\n"},
+        {"a&#10;&#10;b", "a\n\nb"},
+        {"a&#10;b", "a&#10;b"},
+        {"&lt;", "&lt;"},
+        {"&quot;", "\""},
+    };
+    for (const auto& [tag, lines] : cases) {
+        const std::string text = ofEnclosures("<Resource displayName=\"a&#10;b\" uniqueId=\"" + tag +
+                                              "\">\n" + lines + "\n</Resource>\n");
+        Input input("test.xml", text);
+        Scanner scanner(input);
+        const Event* event = &scanner.next();
+        while (event->kind != Event::Kind::end && event->name != "a&#10;b")
+            event = &scanner.next();
+        EXPECT_EQ(event->id, tag);
+        EXPECT_EQ(event->idLine, lines);
+        EXPECT_EQ(scanner.next().kind, Event::Kind::resourceEnd);
+        EXPECT_EQ(scanner.findings().size(), 0U) << tag;
+    }
 }
 
 // --- What has no place
@@ -331,7 +441,12 @@ TEST(Scanner, LeavesOutWhatHasNoPlace)
         {"</ResourceList>\n", "\"</ResourceList>\""},
         {"<Property name=\"SN\" displayName=\"L\">\n", "\"<Property name=\"SN\" displayName=\"L\">\""},
         {"<Resource displayName=\"A\">\n", "\"<Resource displayName=\"A\">\""},
+        {"<Resource displayName=\"A\" uniqueId=\"B\"\n", "\"<Resource displayName=\"A\" uniqueId=\"B\"\""},
+        {"<Resource displayName=\">\n", "\"<Resource displayName=\">\""},
+        {"<Resource displayName=\"\">\n", "\"<Resource displayName=\"\">\""},
         {"<ResourceList displayName=\"A\"\n", "\"<ResourceList displayName=\"A\"\""},
+        {"<ResourceList displayName=\">\n", "\"<ResourceList displayName=\">\""},
+        {"<?kord incomplete?>\n", "\"<?kord incomplete?>\""},
     };
     for (const auto& [content, what] : odd) {
         const Scanned scanned = scan(ofSystem(list("Arrays", "") + content + list("Ranks", "")));
@@ -339,6 +454,38 @@ TEST(Scanner, LeavesOutWhatHasNoPlace)
         EXPECT_EQ(scanned.findings, Texts{"12: " + what + " has no place here and is left out"});
         EXPECT_TRUE(scanned.complete) << content;
     }
+}
+
+/// A name's end belongs to it alone.
+TEST(Scanner, ATagHasRoomForItsNameAndItsIdentifier)
+{
+    for (const std::string odd :
+         {"<Resource displayName=\" uniqueId=\"X\">\nX\n", "<Resource displayName=\"A\n"}) {
+        const Scanned scanned = scan(ofEnclosures(odd + resource("B", "C", "")));
+        EXPECT_EQ(inside(scanned.events), (Texts{"list Enclosures", "resource B|C", "/resource", "/list"}))
+            << odd;
+        EXPECT_THAT(scanned.findings.at(0), testing::StartsWith("11: \"<Resource displayName=\"")) << odd;
+    }
+    // Names of several lines are short.
+    const auto named = [](size_t length) {
+        return scan(ofEnclosures(resource(std::string(length, 'n') + "\nm", "I", ""))).findings.empty();
+    };
+    EXPECT_TRUE(named(1000));
+    EXPECT_FALSE(named(1010));
+    EXPECT_THAT(scan(ofEnclosures(resource(std::string(5000, 'n'), "I", ""))).findings, testing::IsEmpty());
+}
+
+TEST(Scanner, NothingStandsOutsideTheManagedSystem)
+{
+    const std::string second = resource("T", "T", "");
+    const Scanned before = scan(inventory("</Resource>\n</ResourceList>\n" + list("A", "") + "x\n" +
+                                          property("SN", "L", "S") + resource("S", "S", "")));
+    EXPECT_EQ(before.events, (Texts{"start 1795268463.5", "resource S|S", "/resource", "end"}));
+    EXPECT_EQ(before.findings.size(), 6U);
+    const Scanned behind = scan(inventory(resource("S", "S", "") + "</ResourceSet>\n" + second));
+    EXPECT_EQ(behind.events, before.events);
+    EXPECT_EQ(behind.findings.size(), 4U);
+    EXPECT_TRUE(behind.complete);
 }
 
 TEST(Scanner, APropertyStandsInAResourceOnce)
@@ -358,15 +505,41 @@ TEST(Scanner, APropertyStandsInAResourceOnce)
 TEST(Scanner, FindsTheElementsBehindWrongNesting)
 {
     const std::string open = "<Resource displayName=\"1\" uniqueId=\"1\">\n1\n";
-    EXPECT_EQ(inside(scan(ofEnclosures(open + resource("2", "2", ""))).events),
-              (Texts{"list Enclosures", "resource 1|1", "!/resource", "resource 2|2", "/resource", "/list"}));
-    EXPECT_EQ(inside(scan(ofSystem(list("A", "") + "<ResourceList displayName=\"B\">\n")).events),
-              (Texts{"list A", "/list", "list B", "!/list"}));
-    EXPECT_EQ(inside(scan(ofSystem(list("A", "") + resource("1", "1", ""))).events),
-              (Texts{"list A", "/list", "!list A", "resource 1|1", "/resource", "!/list"}));
     const std::string whole = ofSystem(list("A", ""));
-    EXPECT_EQ(inside(scan(upTo(whole, "</Resource>") + "</ResourceSet>\n</com.orvik.inventory>\n").events),
-              (Texts{"list A", "/list"}));
+    const std::string nested = list("B", resource("1", "1", list("C", "")));
+    struct Case {
+        std::string text;
+        Texts events;
+        Texts findings;
+    };
+    const std::vector<Case> cases = {
+        {ofEnclosures(open + resource("2", "2", "")),
+         {"list Enclosures", "resource 1|1", "!/resource", "resource 2|2", "/resource", "/list"},
+         {"13: a resource begins inside the resource before it, which ends here"}},
+        {ofSystem(list("A", "") + "<ResourceList displayName=\"B\">\n"),
+         {"list A", "/list", "list B", "!/list"},
+         {"13: a resource ends inside a list, which ends here"}},
+        {ofSystem(list("A", "") + nested + resource("1", "1", "")),
+         {"list A", "/list", "list B", "resource 1|1", "list C", "/list", "/resource", "/list", "!list B",
+          "resource 1|1", "/resource", "!/list"},
+         {"19: a resource begins behind its list, which begins again",
+          "22: a resource ends inside a list, which ends here"}},
+        {upTo(whole, "</Resource>") + "</ResourceSet>\n</com.orvik.inventory>\n",
+         {"list A", "/list"},
+         {"12: elements end here that have no end tags"}},
+        {whole + "x", {"list A", "/list"}, {"15: there is more after the end, which is left out"}},
+        {ofSystem(resource("1", "1", "") + list("A", "")),
+         {"list A", "/list"},
+         {"10: \"<Resource displayName=\"1\" uniqueId=\"1\">\" has no place here and is left out",
+          "11: \"1\" has no place here and is left out",
+          "12: \"</Resource>\" has no place here and is left out"}},
+    };
+    for (const Case& one : cases) {
+        const Scanned scanned = scan(one.text);
+        EXPECT_EQ(inside(scanned.events), one.events);
+        EXPECT_EQ(scanned.findings, one.findings);
+        EXPECT_TRUE(scanned.complete);
+    }
 }
 
 TEST(Scanner, AWrongIdentifierLineIsTold)
@@ -381,6 +554,25 @@ TEST(Scanner, AWrongIdentifierLineIsTold)
               (Texts{"list Enclosures", "resource A|B", "SN|L|S", "/resource", "/list"}));
     EXPECT_EQ(missing.findings, scanned.findings);
     EXPECT_TRUE(missing.complete);
+    // A mended tag has one identifier.
+    const Scanned two = scan(ofEnclosures(
+        "<Resource displayName=\"A\" uniqueId=\"B\" uniqueId=\"x&#38;\">\nx&amp;\n</Resource>\n"));
+    EXPECT_THAT(two.events, testing::Contains("resource A\" uniqueId=\"B|x&#38;"));
+    EXPECT_EQ(two.findings, scanned.findings);
+}
+
+TEST(Scanner, ShowsTheStartOfWhatItLeavesOut)
+{
+    const auto shown = [](const std::string& odd) {
+        return scan(ofSystem(list("A", "") + odd + '\n')).findings.at(0);
+    };
+    std::string wide;
+    for (size_t i = 0; i < 60; ++i)
+        wide += "\U0001D538";
+    const std::string behind = "\" has no place here and is left out";
+    EXPECT_EQ(shown(std::string(60, 'x')), "12: \"" + std::string(60, 'x') + behind);
+    EXPECT_EQ(shown(std::string(61, 'x')), "12: \"" + std::string(57, 'x') + "..." + behind);
+    EXPECT_EQ(shown(wide), "12: \"" + wide + behind);
 }
 
 TEST(Scanner, KeepsTheFirstFindingsAndCountsAll)
@@ -413,23 +605,43 @@ size_t headSize(const std::string& text)
 
 TEST(Scanner, ACutDocumentGivesWhatItHasAndIsBalanced)
 {
-    const std::string text = wholeDocument();
-    const Texts whole = scan(text).events;
-    const size_t rootEndWithoutFeed = text.size() - 1;
-    for (size_t length = headSize(text); length < rootEndWithoutFeed; ++length) {
-        const Scanned scanned = scan(text.substr(0, length));
-        EXPECT_FALSE(scanned.complete) << length;
-        EXPECT_EQ(scanned.findings, Texts{}) << length;
-        const auto cut = std::ranges::find(scanned.events, "cut");
-        ASSERT_NE(cut, scanned.events.end());
-        const auto before = cut - scanned.events.begin();
-        EXPECT_TRUE(std::equal(scanned.events.begin(), cut, whole.begin(), whole.begin() + before)) << length;
-        EXPECT_TRUE(std::all_of(cut + 1, scanned.events.end() - 1, [](const std::string& event) {
-            return event == "!/list" || event == "!/resource";
-        })) << length;
+    // What the buffer holds behind the last byte must not pass for the rest of the last identifier's lines.
+    for (const std::string& text :
+         {wholeDocument(), ofPartitions(resource("P", std::string(300, '\n'), ""))}) {
+        const Texts whole = scan(text).events;
+        const size_t rootEndWithoutFeed = text.size() - 1;
+        for (size_t length = headSize(text); length < rootEndWithoutFeed; ++length) {
+            const Scanned scanned = scan(text.substr(0, length));
+            EXPECT_FALSE(scanned.complete) << length;
+            EXPECT_EQ(scanned.findings, Texts{}) << length;
+            const auto cut = std::ranges::find(scanned.events, "cut");
+            ASSERT_NE(cut, scanned.events.end());
+            const auto before = cut - scanned.events.begin();
+            EXPECT_TRUE(std::equal(scanned.events.begin(), cut, whole.begin(), whole.begin() + before))
+                << length;
+            EXPECT_TRUE(std::all_of(cut + 1, scanned.events.end() - 1, [](const std::string& event) {
+                return event == "!/list" || event == "!/resource";
+            })) << length;
+        }
+        EXPECT_TRUE(scan(text.substr(0, rootEndWithoutFeed)).complete);
+        EXPECT_EQ(scan(text.substr(0, rootEndWithoutFeed)).events, whole);
     }
-    EXPECT_TRUE(scan(text.substr(0, rootEndWithoutFeed)).complete);
-    EXPECT_EQ(scan(text.substr(0, rootEndWithoutFeed)).events, whole);
+}
+
+/// However much of it is read at once.
+TEST(Scanner, ALastLineNeedsNoFeed)
+{
+    for (const size_t length : {size_t{1}, size_t{5000}}) {
+        const std::string text = upTo(ofSystem(list("A", std::string(length, '\n'))), "</ResourceSet>");
+        for (const std::string& end :
+             {std::string("x\n</com.orvik.inventory>"), std::string("</com.orvik.inventory>")}) {
+            const Scanned scanned = scan(text + end);
+            const Scanned withFeed = scan(text + end + '\n');
+            EXPECT_EQ(scanned.events, withFeed.events) << length << end;
+            EXPECT_EQ(scanned.findings, withFeed.findings) << length << end;
+            EXPECT_FALSE(scanned.complete);
+        }
+    }
 }
 
 TEST(Scanner, ADocumentCutInItsHeadIsNone)
@@ -450,6 +662,43 @@ TEST(Scanner, AMendedDocumentSaysThatItWasCut)
     EXPECT_THAT(scanned.events, testing::Contains("cut"));
 }
 
+/// Wherever it was cut: its end tags are written, and stand behind the mark.
+TEST(Scanner, AMendedDocumentIsWhatWasCut)
+{
+    const std::string text = wholeDocument();
+    const std::string mark = "<?kord incomplete?>\n";
+    const std::string end = "</ResourceSet>\n</com.orvik.inventory>\n";
+    for (size_t length = headSize(text); length < text.find(end); length = text.find('\n', length) + 1) {
+        const Scanned cut = scan(text.substr(0, length));
+        const auto behind = std::ranges::find(cut.events, "cut");
+        Texts events(cut.events.begin(), behind);
+        std::string tags;
+        for (auto event = behind; event != cut.events.end(); ++event) {
+            if (*event == "!/list") tags += "</ResourceList>\n";
+            if (*event == "!/resource") tags += "</Resource>\n";
+            events.push_back(event->substr(event->starts_with('!') ? 1 : 0));
+        }
+        const auto at = text.begin() + static_cast<std::ptrdiff_t>(length);
+        const auto line = static_cast<uint64_t>(1 + std::count(text.begin(), at, '\n'));
+        if (cut.lines[static_cast<size_t>(behind - cut.events.begin())] != line)
+            continue; // inside an element
+        const Scanned mended = scan(text.substr(0, length) + mark + tags + end);
+        EXPECT_EQ(mended.events, events) << length;
+        EXPECT_EQ(mended.findings, Texts{}) << length;
+        EXPECT_FALSE(mended.complete) << length;
+    }
+}
+
+TEST(Scanner, AMarkWithMoreThanEndsBehindItIsNone)
+{
+    const std::string marked = ofSystem(list("A", "") + "<?kord incomplete?>\n");
+    EXPECT_FALSE(scan(marked).complete);
+    const Scanned more = scan(marked + "x");
+    EXPECT_TRUE(more.complete);
+    EXPECT_EQ(more.findings, (Texts{"12: \"<?kord incomplete?>\" has no place here and is left out",
+                                    "16: there is more after the end, which is left out"}));
+}
+
 // --- Bytes that are no document
 
 TEST(Scanner, SaysWhatIsNoDocumentAndWhere)
@@ -460,8 +709,13 @@ TEST(Scanner, SaysWhatIsNoDocumentAndWhere)
         return text.replace(text.find(part), part.size(), by);
     };
     const std::vector<std::pair<std::string, std::string>> none = {
-        {"", "test.xml:1: the end stands where"},
-        {"hello\n", "test.xml:1: \"hello\" stands where"},
+        {"", "test.xml:1: the end stands where \"<?xml version=\"1.0\" encoding=\"UTF-8\"?>\" should"},
+        {"hello\n",
+         "test.xml:1: \"hello\" stands where \"<?xml version=\"1.0\" encoding=\"UTF-8\"?>\" should"},
+        {upTo(whole, "<ResourceSet"), "test.xml:3: the document ends before its first part"},
+        {replaced("<ResourceSet", "<Set>\n"), "test.xml:3: \"<Set>\" is no start of a resource set"},
+        {replaced("\"1795268463.5\"", "\""), "test.xml:3: \"<ResourceSet class="},
+        {replaced(".5\">", ".5\""), "test.xml:3: \"<ResourceSet class="},
         {replaced("?>\n", "?>\r\n"), "test.xml:1: \"<?xml"},
         {replaced("verion", "version"), "test.xml:2: "},
         {replaced("Hardware\" type", "Software\" type"), "test.xml:3: "},
@@ -488,14 +742,33 @@ TEST(Scanner, AnElementHasABound)
     EXPECT_THROW(scan(value + std::string(3 * bound, '\n'), bound), Malformed);
     EXPECT_THROW(scan(start + std::string(3 * bound, '\0'), bound), Malformed);
     EXPECT_NO_THROW(scan(ofSystem(property("SN", "L", std::string(bound / 2, 'x'))), bound));
+    const size_t around = property("SN", "L", "").size();
+    const std::string longest = property("SN", "L", std::string(bound - around, 'x'));
+    EXPECT_NO_THROW(scan(ofSystem(longest + property("PN", "L", std::string(bound / 2, 'x'))), bound));
+    try {
+        scan(value + std::string(3 * bound, 'x'), bound);
+    } catch (const Malformed& fault) {
+        EXPECT_STREQ(fault.what(), "test.xml:10: an element is longer than 1 MiB");
+    }
 }
 
 TEST(Scanner, NestingHasABound)
 {
-    std::string deep;
-    for (int i = 0; i < 40; ++i)
-        deep += "<ResourceList displayName=\"L\">\n<Resource displayName=\"N\" uniqueId=\"I\">\nI\n";
-    EXPECT_THROW(scan(ofSystem(deep)), Malformed);
+    // Documents are 7 elements deep; the managed system is one of these, its lists and their parts are the
+    // rest.
+    const auto nested = [](size_t pairs) {
+        std::string content;
+        for (size_t i = 0; i < pairs; ++i)
+            content = list("L", resource("N", "I", content));
+        return scan(ofSystem(content)).findings;
+    };
+    EXPECT_EQ(nested(15), Texts{});
+    try {
+        nested(16);
+        ADD_FAILURE();
+    } catch (const Malformed& fault) {
+        EXPECT_STREQ(fault.what(), "test.xml:56: elements are nested deeper than in any document");
+    }
 }
 
 TEST(Scanner, ReadsAcrossItsBlocks)
@@ -507,8 +780,10 @@ TEST(Scanner, ReadsAcrossItsBlocks)
         const std::string value(i * 37 % 1009, 'v');
         const std::string id = "D" + std::to_string(i);
         content += resource("Larkspur", id, property("SN", "Serial Number", value));
-        expected.insert(expected.end(),
-                        {"resource Larkspur|" + id, "SN|Serial Number|" + value, "/resource"});
+        const std::string lines = id + '\n' + std::string(i * 37 % 409, 'i');
+        content += resource("Larkspur", lines, "");
+        expected.insert(expected.end(), {"resource Larkspur|" + id, "SN|Serial Number|" + value, "/resource",
+                                         "resource Larkspur|" + lines, "/resource"});
     }
     Texts events = scan(ofEnclosures(content)).events;
     events.erase(events.begin(), events.begin() + 4);

@@ -23,10 +23,10 @@ TEST(Hosts, AreReadWithWhateverIsInTheirDescriptions)
     EXPECT_EQ(parseHosts("web=2,mail=1,"), (std::vector<Host>{{"web", 2}, {"mail", 1}}));
     EXPECT_EQ(parseHosts("=3,"), (std::vector<Host>{{"", 3}}));
     EXPECT_EQ(parseHosts("a,b=c, d=2,x=1,"), (std::vector<Host>{{"a,b=c, d", 2}, {"x", 1}}));
-    EXPECT_EQ(parseHosts("web=2"), std::nullopt);
-    EXPECT_EQ(parseHosts("web,"), std::nullopt);
-    EXPECT_EQ(parseHosts("web=x,"), std::nullopt);
-    EXPECT_EQ(parseHosts("web=99999999999999999999,"), std::nullopt);
+    EXPECT_EQ(parseHosts("web=-2,a-b=0,"), (std::vector<Host>{{"web", -2}, {"a-b", 0}}));
+    for (const char* text : {"web=2", "web,", "web=x,", "web=99999999999999999999,", "web=,", "web=-,", "-,",
+                             "web=_2,", "web-2,", "2,", "-2,", "web=--2,", "web=/,", "web=:,"})
+        EXPECT_EQ(parseHosts(text), std::nullopt) << text;
 }
 
 } // namespace
