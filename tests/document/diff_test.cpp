@@ -251,6 +251,26 @@ TEST(Diff, FansThatAreListedForEachPartitionAreOne)
               Lines{"changed   fan tray R-A1 (rack 1): Part Number F1 -> F2"});
 }
 
+TEST(Diff, WhatIsListedTwiceIsOneWhereAllIsTheSame)
+{
+    const auto removed = [](const std::string& one, const std::string& other) {
+        const document::Document old = parse(ofMachine(one + other));
+        const document::Document now = parse(ofMachine(""));
+        size_t listed = 0;
+        for (const Change& change : document::diff(old, now).found)
+            listed += change.listed;
+        return listed;
+    };
+    const auto tray = [](const std::string& serial, const std::string& name = "Fan Tray") {
+        return resource(name, "F", property("SN", "Serial Number", serial));
+    };
+    EXPECT_EQ(removed(tray("1"), tray("1")), 1U);
+    EXPECT_EQ(removed(tray("1"), tray("2")), 2U);
+    EXPECT_EQ(removed(tray("1"), tray("1", "Something New")), 2U);
+    EXPECT_EQ(removed(tray("1"), resource("Fan Tray", "G", property("SN", "Serial Number", "1"))), 2U);
+    EXPECT_EQ(removed(tray("1"), resource("Fan Tray", "F", "")), 2U);
+}
+
 TEST(Diff, AnEmptyElementIsNoPart)
 {
     const auto supply = [](const std::string& id, const std::string& serial) {

@@ -224,6 +224,48 @@ TEST(Explain, ASecondEndWithoutAStartIsThatOfARunBesideIt)
     EXPECT_EQ(runs[1].mixedWith, 1U);
 }
 
+/// Runs that write side by side are kept apart, the four newest of them; of the others no more is awaited.
+TEST(Explain, FourRunsAreFollowedAtOnce)
+{
+    const auto toldOf = [](size_t starts, bool oldestWrites) {
+        size_t told = 0;
+        document::Explainer explainer([&](const TracedRun& run) {
+            EXPECT_EQ(run.number, ++told);
+            EXPECT_EQ(run.end, RunEnd::brokenOff);
+        });
+        Log log;
+        log.checks().entry("addCecEnclKord").entry("addIoEnclKord").entry("addStorEnclKord");
+        for (size_t i = 1; i < starts; ++i) {
+            log.start();
+            if (oldestWrites) log.line("0322 ", "storageFacilityMTMS=\"9999-A01*00XY1230\" ");
+        }
+        explainer.read(log.log);
+        return told;
+    };
+    EXPECT_EQ(toldOf(4, true), 0U);
+    EXPECT_EQ(toldOf(5, true), 3U) << "the oldest goes, and with it those that wrote nothing";
+    EXPECT_EQ(toldOf(2, false), 0U);
+    EXPECT_EQ(toldOf(3, false), 1U) << "it wrote nothing since the next one started";
+    EXPECT_EQ(toldOf(4, false), 2U);
+}
+
+/// A line that none of them can have written is of a run whose start was lost.
+TEST(Explain, ALineOfNoRunThatIsOpenBeginsOne)
+{
+    Log log;
+    log.line("SRCV", "155968_quay1 07-15-05  " + system1);
+    log.checks().finalChecks().exit(3);
+    log.line("0322 ", "storageFacilityMTMS=\"9999-A01*00XY1230\" ");
+    const auto runs = runsIn(log.log);
+    ASSERT_THAT(runs, SizeIs(3));
+    EXPECT_EQ(runs[0].end, RunEnd::brokenOff);
+    EXPECT_FALSE(runs[0].startLost);
+    EXPECT_EQ(runs[1].end, RunEnd::closed);
+    EXPECT_TRUE(runs[2].startLost);
+    EXPECT_EQ(runs[2].firstLine, runs[2].lastLine);
+    EXPECT_EQ(runs[2].mixedWith, std::nullopt);
+}
+
 TEST(Explain, ALogThatEndsInsideALineSaysSo)
 {
     Log log;
@@ -232,6 +274,14 @@ TEST(Explain, ALogThatEndsInsideALineSaysSo)
     const TracedRun run = runIn(log);
     EXPECT_TRUE(run.lastLineCut);
     EXPECT_THAT(document::explanation(run, 1), HasSubstr("The log ends inside a line"));
+    Log two;
+    two.checks().checks();
+    const auto runs = runsIn(two.log + "112126 13:41:03 >>:  openSys");
+    ASSERT_THAT(runs, SizeIs(2));
+    EXPECT_FALSE(runs[0].lastLineCut) << "only the newest can go on";
+    EXPECT_TRUE(runs[1].lastLineCut);
+    two.exit(3);
+    EXPECT_FALSE(runsIn(two.log).back().lastLineCut);
 }
 
 // ---- calls ----
@@ -258,6 +308,51 @@ TEST(Explain, ACallThatFailed)
     EXPECT_EQ(document::missingBy(runIn(log), problem), "what comes behind it in the document: the rest of "
                                                         "the storage enclosures, the racks, the consoles and "
                                                         "the partitions");
+}
+
+/// Where no line tells the selection, it is what the run is known to ask for.
+TEST(Explain, ASelectionThatNoLineTellsIsWorkedOut)
+{
+    const auto asked = [](const std::string& partner, size_t entries) {
+        Log log;
+        log.start().line("0109", "wwnn=1, server=0 ").line("0109", " partner " + partner);
+        for (size_t i = 0; i < entries; ++i)
+            log.entry("queryPartition");
+        log.line("0697", "no res  array_cnt_sfp=0");
+        return runIn(log).problems.back();
+    };
+    EXPECT_EQ(asked("P*1", 1).selection, "managedSystemMTMS=\"9999-B2C*7ABCD12\" ");
+    EXPECT_EQ(asked("P*1", 2).selection, "managedSystemMTMS=\"P*1\" ");
+    EXPECT_EQ(asked("", 2).selection, "managedSystemMTMS=\"\" ");
+    EXPECT_TRUE(asked("", 2).workedOut);
+    Log lost;
+    lost.entry("queryPartition").line("0697", "no res  array_cnt_sfp=0");
+    EXPECT_EQ(problemIn(lost).selection, std::nullopt) << "the start would name the system";
+    Log told = drivesAsked();
+    told.line("0302 ", "no res  array_cnt_ddm=0");
+    EXPECT_FALSE(problemIn(told).workedOut);
+}
+
+/// An action is asked of what was found just before.
+TEST(Explain, AnActionHasTheSelectionBeforeIt)
+{
+    const std::string selection = "locationCode=\"U\" && ActivePeerDomain=\"D\"";
+    Log log;
+    log.checks().entry("enumerateVRMF").line("0607", "  " + selection).line("0612", " 7, gone");
+    const Problem problem = problemIn(log);
+    EXPECT_EQ(problem.kind, "callFailed");
+    EXPECT_EQ(problem.call, "action");
+    EXPECT_EQ(problem.selection, selection);
+    EXPECT_FALSE(problem.workedOut);
+}
+
+TEST(Explain, NothingFoundIsNoNumber)
+{
+    for (const int count : {-1, 0, 3}) {
+        Log log = drivesAsked();
+        log.line("0302 ", "no res  array_cnt_ddm=" + std::to_string(count));
+        EXPECT_EQ(problemIn(log).kind, count > 0 ? "unexpectedAnswer" : "nothingFound") << count;
+    }
 }
 
 TEST(Explain, AnErrorOfTheFacilityIsMinor)
@@ -312,6 +407,73 @@ TEST(Explain, AnEventThatCouldNotBeFiled)
     ASSERT_THAT(problem.events, SizeIs(1));
     EXPECT_EQ(problem.events[0].toolStatus, 4);
     EXPECT_EQ(problem.events[0].command, "/opt/tarnquay/bin/pmProblemEventPoster  -f \"x\"");
+}
+
+/// The tool's line tells of the event before it, whether the line that tells why it was filed stood before it
+/// or comes behind.
+TEST(Explain, AnEventThatCouldNotBeFiledBeforeItsReason)
+{
+    const std::string tool = "/opt/tarnquay/bin/pmProblemEventPoster  -f \"x\"";
+    Log local;
+    local.line("SRCV", "155968_quay1 07-15-05  " + system1)
+        .line("0004", "start local session ")
+        .event("addTarnKord", "r")
+        .line("050", tool + ", 4")
+        .line("0004", " LC scope session failed with error 9, none\n, exit -1");
+    const Problem session = problemIn(local);
+    EXPECT_EQ(session.kind, "sessionFailed");
+    ASSERT_THAT(session.events, SizeIs(1));
+    EXPECT_EQ(session.events[0].toolStatus, 4);
+    EXPECT_EQ(session.events[0].command, tool);
+
+    Log both = drivesAsked();
+    both.event("first", "e")
+        .line("0302 ", "no res  array_cnt_ddm=0")
+        .event("second", "e")
+        .line("051", tool + " 5");
+    const TracedRun run = runIn(both);
+    ASSERT_THAT(run.problems, SizeIs(2));
+    ASSERT_THAT(run.problems[0].events, SizeIs(1));
+    EXPECT_EQ(run.problems[0].kind, "eventUnexplained");
+    EXPECT_EQ(run.problems[0].severity, Severity::filed);
+    EXPECT_EQ(run.problems[0].code, "==>");
+    EXPECT_EQ(run.problems[0].text, " handleErrKord first, e");
+    EXPECT_EQ(run.problems[0].events[0].name, "first");
+    EXPECT_EQ(run.problems[0].events[0].toolStatus, std::nullopt);
+    ASSERT_THAT(run.problems[1].events, SizeIs(1));
+    EXPECT_EQ(run.problems[1].events[0].name, "second");
+    EXPECT_EQ(run.problems[1].events[0].toolStatus, 5);
+    ASSERT_THAT(run.events, SizeIs(2));
+    EXPECT_EQ(run.events[0].toolStatus, std::nullopt);
+    EXPECT_EQ(run.events[1].toolStatus, 5);
+
+    // One that is filed behind a reason that had its event already is another matter.
+    Log late = drivesAsked();
+    late.line("0302 ", "no res  array_cnt_ddm=0")
+        .event("queryDDM", "e")
+        .event("late", "m")
+        .line("050", tool + ", 6");
+    const TracedRun memory = runIn(late);
+    ASSERT_THAT(memory.problems, SizeIs(2));
+    EXPECT_EQ(memory.problems[0].events.at(0).toolStatus, std::nullopt);
+    EXPECT_EQ(memory.problems[1].kind, "outOfMemory");
+    EXPECT_EQ(memory.problems[1].severity, Severity::fatal);
+    EXPECT_EQ(memory.problems[1].events.at(0).toolStatus, 6);
+    EXPECT_EQ(memory.problems[1].events.at(0).referenceCode, "BED00005");
+}
+
+/// An event takes 499 characters of its text: a blank, which takes the place of the message's line feed, is
+/// the last.
+TEST(Explain, AnEventsTextIsCut)
+{
+    for (const size_t length : {size_t{0}, size_t{10}, size_t{470}, size_t{485}, size_t{600}}) {
+        Log log = drivesAsked();
+        log.line("0303", " response 7, " + std::string(length, 'm') + "\n")
+            .event("Orvik.TarnDDM", "r")
+            .exit(-1);
+        const std::string whole = "Orvik.TarnDDM : " + std::string(length, 'm') + ' ';
+        EXPECT_EQ(problemIn(log).events.at(0).text, whole.substr(0, 499)) << length;
+    }
 }
 
 TEST(Explain, LinesOfOneCodeAreToldApartByWhatWasAsked)
@@ -551,8 +713,34 @@ TEST(Explain, EndsOfListsTellWhatHasNotCome)
     };
     const std::string none = "valueMissing Orvik.TarnHA interfaceIdentifier";
     EXPECT_THAT(adapters({"1, 3", "2, 4", "2, 4,1"}), IsEmpty());
+    EXPECT_THAT(adapters({"1, 3", "1, 4"}), IsEmpty());
+    EXPECT_THAT(adapters({"2, 3", "2, 3,1", "1, 4"}), IsEmpty());
     EXPECT_THAT(adapters({"2, 3", "2, 3,1"}), ElementsAre(none));
+    EXPECT_THAT(adapters({"3, 3", "3, 3,1", "3, 3,1,2"}), ElementsAre(none));
     EXPECT_THAT(adapters({}), ElementsAre(none));
+    // Each enclosure's adapters are counted anew.
+    const auto enclosures = [](const std::vector<size_t>& withInterfaces) {
+        Log log;
+        log.checks().entry("addIoEnclKord");
+        for (size_t i = 0; i < withInterfaces.size(); ++i) {
+            const std::string place = std::to_string(i + 1);
+            log.entry("queryHA").line("0213", " storageFacilityImageMTMS=\"I\" && locationCode =? 'U" +
+                                                  place + "%'   ");
+            log.line("0216", " array_cnt_ha=2");
+            for (size_t adapter = 0; adapter < withInterfaces[i]; ++adapter)
+                log.line("0217", " count= " + place + ", 3");
+            log.line(">>", " closePartitionResources resourcelist");
+        }
+        std::vector<std::string> selections;
+        for (const Problem& problem : runIn(log).problems)
+            selections.push_back(problem.selection.value_or("none"));
+        return selections;
+    };
+    EXPECT_THAT(enclosures({2, 4}), IsEmpty());
+    EXPECT_THAT(enclosures({2, 2}), ElementsAre(HasSubstr("'U2%'")));
+    EXPECT_THAT(enclosures({1, 4}), ElementsAre(HasSubstr("'U1%'")));
+    EXPECT_THAT(enclosures({2, 1, 6}), ElementsAre(HasSubstr("'U2%'")))
+        << "a list that broke off is none of the next";
     const auto consoles = [](bool failed, const std::vector<std::string>& found) {
         Log log;
         log.checks().entry("addQuayEnclKord").entry("getQuayFullTM").entry("getQuaySE");
@@ -616,6 +804,95 @@ TEST(Explain, SessionsThatFail)
     EXPECT_EQ(run.problems.back().kind, "sessionEndFailed");
     EXPECT_EQ(run.problems.back().session, "shared resource");
     EXPECT_EQ(run.problems.back().severity, Severity::filed);
+}
+
+/// What the console's programs answer, and the lines before the answer that tell why it is of no use.
+TEST(Explain, ConsoleProgramsWhoseAnswersAreOfNoUse)
+{
+    struct Case {
+        std::vector<std::pair<std::string, std::string>> lines;
+        std::string kind;
+        std::optional<int64_t> number;
+    };
+    using Lines = std::vector<std::pair<std::string, std::string>>;
+    const std::string vpd = "/opt/brisk/bin/qconvpd -v";
+    const std::string state = "/opt/brisk/bin/qmstat -r sys -m \"9999-B2C*7ABCD12\" -F state";
+    struct Program {
+        std::string name;
+        std::string function;
+        std::pair<std::string, std::string> none; ///< its line without an answer
+        std::vector<Case> answers;
+    };
+    const std::vector<Program> programs = {
+        {"whoami",
+         "getLoginUserName",
+         {"0068", "rc=1, xargc=0, getLoginUserName "},
+         {{{{"0068", "rc=0, xargc=2, User=root "}}, "programTalkative", 2},
+          {{{"0068", "rc=0, xargc=1, User=  "}}, "programBlank", 1}}},
+        {vpd,
+         "getQuayFullTM",
+         {"0512", " rc=1, xargc=0 "},
+         {{{{"0512", " rc=0, xargc=2,  QuayTM=4821-K7Q, len=8, 1 "}}, "programTalkative", 2},
+          {{{"0512", " rc=0, xargc=1,  QuayTM= , len=0, 1 "}}, "programBlank", 1}}},
+        {vpd,
+         "getQuaySE",
+         {"052", "rc=1, xargc=0 "},
+         {{{{"053", " rc=0, xargc=2,  QuaySE=10ABCDE "}}, "programTalkative", 2},
+          {{{"053", " rc=0, xargc=1,  QuaySE=  "}}, "programBlank", 1}}},
+        {state,
+         "checkSystemState",
+         {"0017", "rc=1, xargc=0, 9999-B2C*7ABCD12 "},
+         {{{{"0017", "rc=0, xargc=2, 9999-B2C*7ABCD12, state=Operating "}}, "programTalkative", 2}}},
+    };
+    const std::vector<std::pair<Lines, Case>> reasons = {
+        {{{"0066", "excute cmd rc=127, errno=2 "}}, {{}, "programFailed", 127}},
+        {{{"0062", "empty file 5, 0 "}, {"0067", "parse cmd rc=1 "}}, {{}, "programSilent", std::nullopt}},
+        {{{"0063", " fd  -1 errno="}}, {{}, "programUnread", std::nullopt}},
+        {{{"0064", "read  errno="}, {"0067", "parse cmd rc=1 "}}, {{}, "programUnread", std::nullopt}},
+        {{}, {{}, "programUnended", std::nullopt}},
+    };
+    for (const Program& program : programs) {
+        std::vector<Case> cases = program.answers;
+        for (const auto& [lines, reason] : reasons) {
+            cases.push_back({lines, reason.kind, reason.number});
+            cases.back().lines.push_back(program.none);
+        }
+        for (const Case& one : cases) {
+            Log log;
+            log.start();
+            for (const auto& [code, text] : one.lines)
+                log.line(code, text);
+            const Problem problem = problemIn(log);
+            EXPECT_EQ(problem.kind, one.kind) << program.name;
+            EXPECT_EQ(problem.number, one.number) << program.name << ' ' << one.kind;
+            EXPECT_EQ(problem.program, program.name) << one.kind;
+            EXPECT_EQ(problem.function, program.function) << one.kind;
+            EXPECT_EQ(problem.call, "program");
+            EXPECT_EQ(problem.severity, Severity::noted) << one.kind;
+        }
+    }
+}
+
+TEST(Explain, ConsoleProgramsThatAnswerTellOfTheConsole)
+{
+    Log log;
+    log.start()
+        .line("0512", " rc=0, xargc=1,  QuayTM=4821-K7Q, len=8, 1 ")
+        .line("053", " rc=0, xargc=1,  QuaySE=10ABCDE ");
+    const TracedRun run = runIn(log);
+    EXPECT_THAT(run.problems, IsEmpty());
+    EXPECT_EQ(run.console, "4821-K7Q-10ABCDE");
+    EXPECT_EQ(run.user, "root");
+    // Whoever is not root asks by the wrapper.
+    for (const std::string user :
+         {"rc=0, xargc=1, User=service ", "rc=1, xargc=0, getLoginUserName ", "rc=0, xargc=0, User= "}) {
+        Log other;
+        other.start().line("0068", user).line("0017", "rc=0, xargc=1, M, state=Standby ");
+        const TracedRun asked = runIn(other);
+        EXPECT_EQ(asked.user, user.ends_with("service ") ? "service" : "briskroot");
+        EXPECT_EQ(asked.problems.back().program,
+                  "/opt/tarnquay/bin/mmquaycmd /opt/brisk/bin/qmstat -r sys -m \"M\" -F state");
+    }
 }
 
 TEST(Explain, AStateProgramThatFailedIsPassedOver)
@@ -685,8 +962,13 @@ TEST(Explain, ManyProblemsAreCounted)
     for (int i = 0; i < 5000; ++i)
         log.line("0303", " response 262152, absent\n");
     const TracedRun run = runIn(log);
-    EXPECT_LE(run.problems.size(), 2000U);
-    EXPECT_EQ(run.problems.size() + run.furtherProblems, 5000U);
+    EXPECT_EQ(run.problems.size(), 2000U);
+    EXPECT_EQ(run.furtherProblems, 3000U);
+    log.line("0301", "  TarnDDM 7, gone");
+    const TracedRun ended = runIn(log);
+    EXPECT_EQ(ended.problems.size(), 2000U);
+    EXPECT_EQ(ended.problems.front().line, run.problems.front().line);
+    EXPECT_EQ(ended.problems.back().kind, "callFailed") << "what ended the run is told";
 }
 
 TEST(Explain, WhatAMachineSaidIsShownSafely)
@@ -751,6 +1033,11 @@ TEST(Tables, HoldTheCollectorsQueries)
     EXPECT_EQ(query->className, "Orvik.TarnDDM");
     EXPECT_EQ(document::tables().event("r").referenceCode, "BED00001");
     EXPECT_EQ(document::tables().event("m").referenceCode, "BED00005");
+    EXPECT_TRUE(query->tracesSelection);
+    for (const document::TableQuery& one : document::tables().queries)
+        EXPECT_EQ(one.tracesSelection,
+                  std::ranges::count(one.lines, "selection", &document::TableLine::role) > 0)
+            << one.function;
 }
 
 } // namespace

@@ -194,6 +194,9 @@ TEST(List, MicrosecondsHaveNoLeadingZerosInTheDocument)
     EXPECT_EQ(collected("1795297655.94324"), "2026-11-21T21:47:35.094324Z");
     EXPECT_EQ(collected("1795297655.5"), "2026-11-21T21:47:35.000005Z");
     EXPECT_EQ(collected("0.0"), "1970-01-01T00:00:00.000000Z");
+    EXPECT_EQ(collected("0.999999"), "1970-01-01T00:00:00.999999Z");
+    EXPECT_EQ(collected("9999999999999999999.5"), "") << "no such second";
+    EXPECT_EQ(collected("999999999999999999.5"), "") << "no such year";
     EXPECT_EQ(collected("0.1000000"), "") << "no second has so many";
 }
 
@@ -216,6 +219,81 @@ TEST(List, OnePhysicalPartIsOneRow)
     EXPECT_EQ(column(of("storage-enclosures"), "partitions", twice), Texts{"SYSTEM-1-1 SYSTEM-1-2"});
     const std::string changed = ofEnclosures(seen("I1", "1", "L") + seen("I2", "2", "M"));
     EXPECT_EQ(column(of("drives"), "ec_level", changed), (Texts{"L", "M"}));
+}
+
+/// Two elements are one part where all that they say is the same, but for the image that sees it.
+TEST(List, PartsThatDifferInAnythingAreSeveralRows)
+{
+    const auto rows = [](const std::string& one, const std::string& other, const std::string& id = "Q") {
+        return column(of("consoles"), "kind",
+                      ofEnclosures(resource("Quay", id, one) + resource("Quay", id, other)))
+            .size();
+    };
+    const std::string serial = property("SN", "Serial Number", "1");
+    const std::string part = property("PN", "Part Number", "1");
+    const std::string image = property("S4", "Image", "I1");
+    const std::string otherImage = property("S4", "Image", "I2");
+    EXPECT_EQ(rows("", ""), 1U);
+    EXPECT_EQ(rows(serial + part, serial + part), 1U);
+    EXPECT_EQ(rows(serial + image, otherImage + serial), 1U);
+    EXPECT_EQ(rows(serial + image, serial), 1U);
+    EXPECT_EQ(rows(serial, serial + part), 2U);
+    EXPECT_EQ(rows(serial + part, serial), 2U);
+    EXPECT_EQ(rows("", serial), 2U);
+    EXPECT_EQ(rows(serial, part), 2U);
+    EXPECT_EQ(rows(serial, property("SN", "Serial Number", "2")), 2U);
+    EXPECT_EQ(rows(serial + part, serial + part, ""), 2U) << "nothing tells that they are the same one";
+}
+
+TEST(List, APartitionIsNamedByItsShareOfAnEnclosure)
+{
+    const auto partitions = [](const Texts& shares) {
+        std::string lists;
+        for (const std::string& share : shares)
+            lists += resource("Share", share, "");
+        const std::string text =
+            ofEnclosures(resource("Storage Enclosure", "E", list("Enclosures Partitions", lists)));
+        return column(of("storage-enclosures"), "partitions", text).at(0);
+    };
+    EXPECT_EQ(partitions({"E-1", "E-2"}), "SYSTEM-1-1 SYSTEM-1-2");
+    EXPECT_EQ(partitions({"E-1", "E-1"}), "SYSTEM-1-1");
+    EXPECT_EQ(partitions({"F-1", "E", "E1"}), "F-1 E E1") << "they say nothing of the system";
+}
+
+/// An array is named by its array sites, the first one's number twice; its own number stands with them.
+TEST(List, ArraysAreKnownByTheirSites)
+{
+    const auto sitesOf = [](const std::string& id) {
+        ListOptions options = of("arrays", Format::lines);
+        options.columns = {"array_sites"};
+        return listed(options,
+                      {ofPartitions(resource("P", "P1", list("Arrays", resource("Array", id, ""))))});
+    };
+    EXPECT_EQ(sitesOf("I/A33"), "{\"array_sites\":[3]}\n");
+    EXPECT_EQ(sitesOf("I/A1212,13,4"), "{\"array_sites\":[12,13,4]}\n");
+    for (const std::string id :
+         {"I/A0", "I/A3", "I/A34", "I/A33,x", "I/A33,", "I/A,3", "I/Axx", "I/A", "I33"})
+        EXPECT_EQ(sitesOf(id), "{}\n") << id;
+
+    const auto in = [](const std::string& name, const std::string& id, const std::string& owner) {
+        return resource(name, "I/" + id, property("A1", "Owner", "I/" + owner));
+    };
+    const std::string text = ofPartitions(resource(
+        "P", "P1",
+        list("Array Sites",
+             in("Array Site", "S3", "A5") + in("Array Site", "S4", "A6") + in("Array Site", "S3", "A9")) +
+            list("Arrays", in("Array", "A33,4", "R7") + in("Array", "A44", "R8") + in("Array", "A99", "R7")) +
+            list("Ranks", in("Rank", "R7", "P0") + in("Rank", "R7", "P1") + in("Rank", "R8", "P0") +
+                              in("Rank", "R1", "P0"))));
+    ListOptions options = of("arrays", Format::lines);
+    options.columns = {"number", "rank"};
+    EXPECT_EQ(listed(options, {text}),
+              "{\"number\":5,\"rank\":7}\n{\"number\":6,\"rank\":8}\n{\"rank\":7}\n");
+    options.kind = "ranks";
+    options.columns = {"number", "arrays"};
+    EXPECT_EQ(listed(options, {text}), "{\"number\":7,\"arrays\":[5]}\n{\"number\":7}\n"
+                                       "{\"number\":8,\"arrays\":[6]}\n{\"number\":1}\n")
+        << "of several of one number the first has them";
 }
 
 TEST(List, AbsentPartsAreNoRows)

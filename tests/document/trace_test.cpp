@@ -71,6 +71,51 @@ TEST(TraceReader, ACodeMayCarryABlank)
                                  {"getResQuaySE", "input  a output b i=1", "", 2, true}}));
 }
 
+/// What stands before the colon, and the stamp before it: anything else is no start of a line.
+TEST(TraceReader, KnowsTheStartOfALine)
+{
+    const auto starts = [](const std::string& line) {
+        return linesOf(stamp + "0008: close file\n" + line + '\n').size() == 2;
+    };
+    for (const std::string code :
+         {"050", "0010", "999", "0302 ", "409 ", "==>", ">>", "SRCV", "getResQuaySE"})
+        EXPECT_TRUE(starts(stamp + code + ": x")) << code;
+    for (const std::string code : {"", " ", "05", "05 ", "00100", "050  ", " 050", "05a", "/050", "050:",
+                                   "=>", ">", "==>>", "SRC", "SRCV ", "getResQuaySE ", "getResQuaySE1234"})
+        EXPECT_FALSE(starts(stamp + code + ": x")) << code;
+    for (const std::string line : {"", "0010", "0010:", "0010:x", "0010 x"})
+        EXPECT_FALSE(starts(stamp + line)) << line;
+    EXPECT_FALSE(starts("112126 13:41:03"));
+    EXPECT_FALSE(starts("112126 13:41:030010: x"));
+    for (size_t at = 0; at + 1 < stamp.size(); ++at) {
+        for (const char other : {'/', ':', 'x', '0', ' '}) {
+            const bool digit = stamp[at] >= '0' && stamp[at] <= '9';
+            if (other == stamp[at] || (digit && other == '0')) continue;
+            std::string text = stamp;
+            text[at] = other;
+            EXPECT_FALSE(starts(text + "0010: x")) << text;
+        }
+    }
+}
+
+TEST(TraceReader, ALineThatIsLongerThanTheCollectorsIsBroken)
+{
+    for (const size_t length : {size_t{57}, size_t{58}}) {
+        const std::string text(length, 'x');
+        EXPECT_EQ(linesOf(stamp + "0010: " + text + '\n'),
+                  (std::vector<Line>{{"0010", text, "", 1, length == 57}}));
+    }
+    for (const size_t length : {size_t{80}, size_t{81}}) {
+        const std::string first(57, 'x');
+        const std::string second(length, 'y');
+        const auto lines = linesOf(stamp + "0010: " + first + '\n' + second + "\nz\n");
+        ASSERT_EQ(lines.size(), 1U);
+        EXPECT_EQ(lines[0].whole, length == 80);
+        EXPECT_EQ(lines[0].text, length == 80 ? first + second + 'z' : first);
+        EXPECT_EQ(lines[0].further, length == 80 ? "" : second + "\nz");
+    }
+}
+
 TEST(TraceReader, JoinsTextsOfEveryLength)
 {
     for (size_t length = 0; length < 400; ++length) {
@@ -161,6 +206,14 @@ TEST(TraceReader, KeepsALineOfAnyLengthShort)
     ASSERT_EQ(lines.size(), 2U);
     EXPECT_LT(lines[0].text.size(), 70'000U);
     EXPECT_FALSE(lines[0].whole);
+    const std::string start = std::string(10'000, 'a') + "start";
+    const std::string end = "end" + std::string(10'000, 'z');
+    for (const size_t length : {size_t{100}, size_t{50'000}, size_t{100'000}, size_t{1'000'000}}) {
+        const auto kept = linesOf(stamp + "0010: " + start + std::string(length, 'x') + end + '\n', 4099);
+        ASSERT_EQ(kept.size(), 1U);
+        EXPECT_EQ(kept[0].text.substr(0, start.size()), start) << length;
+        EXPECT_EQ(kept[0].text.substr(kept[0].text.size() - end.size()), end) << length;
+    }
     std::string many = stamp + "0010: x\n";
     for (int i = 0; i < 100'000; ++i)
         many += "0123456789\n";
@@ -193,6 +246,38 @@ TEST(TraceLine, ClosesARunWithItsStatusOnly)
     EXPECT_EQ(statusOf("0010", " exit 3x ------------------"), std::nullopt);
     EXPECT_EQ(statusOf("0011", " exit 3 ------------------"), std::nullopt);
     EXPECT_EQ(statusOf("0010", " HWModel=\"9999\""), std::nullopt);
+}
+
+TEST(TraceLine, TellsWhichSystemARunIsFor)
+{
+    const auto system = [](const std::string& code, const std::string& text) {
+        return std::string(document::systemStarted({.stamp = {}, .code = code, .text = text, .further = {}}));
+    };
+    EXPECT_EQ(system("SRCV", "155968_quay1 07-15-05  9999-B2C*7ABCD12"), "9999-B2C*7ABCD12");
+    EXPECT_EQ(system("SRCV", " 155968_quay1  9999-B2C*7ABCD12  "), "9999-B2C*7ABCD12");
+    EXPECT_EQ(system("SRCV", "9999-B2C*7ABCD12"), "9999-B2C*7ABCD12");
+    EXPECT_EQ(system("SRCV", "  "), "");
+    EXPECT_EQ(system("0003", "155968_quay1 07-15-05  9999-B2C*7ABCD12"), "");
+}
+
+/// A run that gets no session writes no closing line.
+TEST(TraceLine, EndsARunWithoutAClosingLine)
+{
+    const auto ends = [](const std::string& code, const std::string& text) {
+        return document::endsWithoutClosing({.stamp = {}, .code = code, .text = text, .further = {}});
+    };
+    const std::string local = " LC scope session failed with error 9, none, exit -1";
+    const std::string shared = " SR scope session failed with error 9, none, exit -1";
+    const std::string model = " failed to get modeltype 7ABCD12, exit 1";
+    EXPECT_TRUE(ends("0002", model));
+    EXPECT_TRUE(ends("0004", local));
+    EXPECT_TRUE(ends("0004", shared));
+    EXPECT_FALSE(ends("0004", "start local session "));
+    EXPECT_FALSE(ends("0004", " DM scope session failed with error 9, none"));
+    EXPECT_FALSE(ends("0004", model));
+    EXPECT_FALSE(ends("0002", local));
+    EXPECT_FALSE(ends("0006", local));
+    EXPECT_FALSE(ends("0006", model));
 }
 
 TEST(TraceLine, TellsSecondsBetweenStamps)
