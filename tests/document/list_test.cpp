@@ -240,6 +240,9 @@ TEST(List, PartsThatDifferInAnythingAreSeveralRows)
     EXPECT_EQ(rows(serial, serial + part), 2U);
     EXPECT_EQ(rows(serial + part, serial), 2U);
     EXPECT_EQ(rows("", serial), 2U);
+    const std::string place = property("YL", "Hardware Location Code", "Q"); // repeats the identifier
+    EXPECT_EQ(rows(serial, serial + place), 2U);
+    EXPECT_EQ(rows(serial + place, serial), 2U);
     EXPECT_EQ(rows(serial, part), 2U);
     EXPECT_EQ(rows(serial, property("SN", "Serial Number", "2")), 2U);
     EXPECT_EQ(rows(serial + part, serial + part, ""), 2U) << "nothing tells that they are the same one";
