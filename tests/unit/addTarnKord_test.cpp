@@ -1,8 +1,10 @@
 // What the run record holds, whoever reads it: its layout is an interface.
 
+#include "addProcessKord.h"
 #include "scriptedClient.h"
 #include "unit.h"
 
+#include <fcntl.h>
 #include <gtest/gtest.h>
 
 namespace
@@ -13,6 +15,17 @@ struct FieldSize {
     size_t size;
     size_t expected;
 };
+
+/// A document or a log that got the number of standard output would have the last line in it.
+TEST(Process, hasItsStandardStreamsAndNoFileMore)
+{
+    const size_t open = unit::openFiles();
+    holdStandardStreams();
+    EXPECT_EQ(unit::openFiles(), open);
+    const unit::WithoutInput closed;
+    holdStandardStreams();
+    EXPECT_GE(fcntl(STDIN_FILENO, F_GETFD), 0);
+}
 
 TEST(RunRecord, isAsWideAsItsReadersExpect)
 {

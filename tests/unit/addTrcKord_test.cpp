@@ -3,7 +3,6 @@
 #include "unit.h"
 
 #include <gtest/gtest.h>
-#include <iterator>
 #include <regex>
 #include <unistd.h>
 
@@ -38,12 +37,6 @@ std::string expectedAfterStamp(const std::string& code, const std::string& messa
     for (size_t at = first; at < message.size(); at += 80)
         text += message.substr(at, 80) + "\n";
     return text;
-}
-
-size_t openFiles()
-{
-    return static_cast<size_t>(std::distance(std::filesystem::directory_iterator("/proc/self/fd"),
-                                             std::filesystem::directory_iterator()));
 }
 
 class TraceLog : public testing::Test
@@ -206,9 +199,9 @@ TEST_P(TraceLogGrowth, isBounded)
     unit::writeFile(path, before);
     unit::writeFile(path + "00", "an earlier head\n");
     unit::writeFile(path + "01", "an earlier tail\n");
-    const size_t open = openFiles();
+    const size_t open = unit::openFiles();
     addTrcKord(name.c_str(), "0100", "text");
-    EXPECT_EQ(openFiles(), open);
+    EXPECT_EQ(unit::openFiles(), open);
     const std::string after = unit::readFile(path);
 
     if (what == Growth::removes) {

@@ -35,6 +35,13 @@ inline mode_t modeOf(const std::string& path)
     return stat(path.c_str(), &status) == 0 ? status.st_mode & 07777 : 0;
 }
 
+/// How many descriptors this process has.
+inline size_t openFiles()
+{
+    using Iterator = std::filesystem::directory_iterator;
+    return static_cast<size_t>(std::distance(Iterator("/proc/self/fd"), Iterator()));
+}
+
 inline std::string logPath(const std::string& name)
 {
     return std::string(traceFolder) + "/" + name;
