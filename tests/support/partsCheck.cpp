@@ -57,11 +57,17 @@ std::string differenceOf(const json& expected, const json& found)
     return place + " is " + is + ", not " + was;
 }
 
-void addFaults(std::vector<std::string>& faults, const std::string& what, const json& expected,
-               const json& found)
+void addDifference(std::vector<std::string>& faults, const std::string& what, const json& expected,
+                   const json& found)
 {
     const std::string difference = differenceOf(expected, found);
     if (!difference.empty()) faults.push_back(what + ' ' + difference);
+}
+
+void addFaults(std::vector<std::string>& faults, const std::string& what, const json& expected,
+               const json& found)
+{
+    addDifference(faults, what, expected, found);
     for (const std::string& fault : valueFaults(KORD_DOCUMENT_SCHEMA, found))
         faults.push_back(what + ' ' + fault);
 }
@@ -101,10 +107,8 @@ std::vector<std::string> partsFaults(Document document, const std::string& text)
                        {"missing", found.at("missing")},
                        {"system", asJson(partTree(document))}};
     addFaults(faults, "tree", tree, found);
-    if (carried(text) == text) {
-        const std::string difference = differenceOf(found, parseJson(treeOf(mendDocument(text).xml)));
-        if (!difference.empty()) faults.push_back("mended tree " + difference);
-    }
+    if (carried(text) == text)
+        addDifference(faults, "mended tree", found, parseJson(treeOf(mendDocument(text).xml)));
     return faults;
 }
 
