@@ -360,9 +360,6 @@ void RunReader::failed(const TraceLine& line, const Match& match)
     if (number != 0 || match.line->role != "noResources") problem.number = number;
     if (match.line->role == "noResources" && number > 0) problem.kind = "unexpectedAnswer";
     if (match.values.size() > 1) problem.message = match.values[1];
-    // The image's name is the one failure that its collector does not pass up.
-    if (query.function == "querySFImageWWNN" && problem.severity == Severity::fatal)
-        problem.severity = Severity::filed;
     problem.standsInstead = end->standsInstead;
     awaitsEvent = end->files;
     filesMessage = end->withMessage;

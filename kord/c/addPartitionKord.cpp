@@ -218,7 +218,8 @@ constexpr ToldQuery queries[] = {
                               "image's",
                           .advice =
                               "see that the image of the selection is configured; the rest of this partition "
-                              "and all behind it are missing from the document"}}},
+                              "and all behind it are missing from the document"}},
+     .failsAs = reported},
 };
 
 constexpr ToldFailure walkFailures[] = {

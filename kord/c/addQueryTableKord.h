@@ -23,6 +23,7 @@ struct ToldQuery {
     Explanation response = {};
     Explanation emptyFirst = {};
     Explanation success = {};
+    int32_t failsAs = failed; ///< what its caller passes on when it fails
 };
 
 /// A failure that the walk of a query finds.

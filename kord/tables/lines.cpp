@@ -21,11 +21,11 @@ constexpr const ToldLines* toldLines[] = {
     &addXmlLines,      &addErrLogLines,   &addUtilLines,      &addUncalledXmlLines,
 };
 
-ToldEnd endOf(const Query& query, Role role, const Failure& failure, uint32_t number = 0)
+ToldEnd endOf(const ToldQuery& told, Role role, const Failure& failure, uint32_t number = 0)
 {
     return {.number = number,
-            .report = reportOf(query, role, failure.report),
-            .result = failure.result,
+            .report = reportOf(*told.query, role, failure.report),
+            .result = failure.result == failed ? told.failsAs : failure.result,
             .flag = failure.flag,
             .instead = failure.instead != nullptr ? written(failure.instead) : "",
             .print = failure.print};
@@ -34,6 +34,7 @@ ToldEnd endOf(const Query& query, Role role, const Failure& failure, uint32_t nu
 /// A query's lines on their way into the model: those that the table has.
 struct Lines {
     QueryLines& of;
+    const ToldQuery& told;
 
     Line* add(const char* role, TraceText text, const Explanation& explanation)
     {
@@ -44,7 +45,7 @@ struct Lines {
     void addFailure(const char* role, Role answered, const Failure& failure, const Explanation& explanation)
     {
         if (Line* line = add(role, failure.trace, explanation))
-            line->ends.push_back(endOf(*of.query, answered, failure));
+            line->ends.push_back(endOf(told, answered, failure));
     }
 };
 
@@ -59,15 +60,15 @@ QueryLines linesOf(const char* module, const ToldQuery& told)
     const char* entry = query.entry != nullptr ? query.entry + 1 : functionOf(query);
     QueryLines all = {
         .module = module, .function = told.function != nullptr ? told.function : entry, .query = told.query};
-    Lines lines{all};
+    Lines lines{all, told};
     lines.add("entry", textOrNone("==>", query.entry), {});
     lines.add("selection", query.selectionTrace, told.selection);
     lines.addFailure("callFailed", Role::callFailed, query.callFailed, told.callFailed);
     lines.addFailure("noResources", Role::nothing, query.noResources, told.noResources);
     if (Line* line = lines.add("response", query.responseTrace, told.response)) {
         for (const ErrorCase& error : query.errors)
-            line->ends.push_back(endOf(query, Role::response, error.failure, error.number));
-        line->ends.push_back(endOf(query, Role::response, query.otherError));
+            line->ends.push_back(endOf(told, Role::response, error.failure, error.number));
+        line->ends.push_back(endOf(told, Role::response, query.otherError));
     }
     lines.addFailure("emptyFirst", Role::nothing, query.emptyFirst, told.emptyFirst);
     lines.add("success", query.success, told.success);
@@ -99,16 +100,17 @@ std::vector<QueryLines> allQueries()
             QueryLines& query = all.emplace_back(linesOf(module->module, told));
             for (const ToldFailure& failure : module->failures) {
                 if (failure.query == told.query)
-                    Lines{query}.addFailure("unexpected", Role::nothing, *failure.failure,
-                                            failure.explanation);
+                    Lines{query, told}.addFailure("unexpected", Role::nothing, *failure.failure,
+                                                  failure.explanation);
             }
             tellQuery(query, told.subject);
         }
         for (size_t i = 0; i < module->counters.size(); ++i) {
             const Counter& counter = module->counters[i];
-            QueryLines& query = all.emplace_back(linesOf(module->module, {.query = &counter.query}));
+            const ToldQuery told = {.query = &counter.query};
+            QueryLines& query = all.emplace_back(linesOf(module->module, told));
             query.isCounter = true;
-            Lines{query}.add("total", counter.total, {});
+            Lines{query, told}.add("total", counter.total, {});
             tellQuery(query, i < module->counted.size() ? module->counted[i] : ToldSubject{});
         }
     }

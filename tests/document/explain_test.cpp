@@ -1008,7 +1008,7 @@ TEST(Selection, IsTakenApart)
 
 TEST(LineFormat, TakesTextsApart)
 {
-    const auto values = [](const char* format, const char* text) {
+    const auto values = [](const char* format, std::string_view text) {
         const auto found = document::LineFormat(format).match(text);
         return found ? std::vector<std::string>(found->begin(), found->end())
                      : std::vector<std::string>{"none"};
@@ -1023,6 +1023,7 @@ TEST(LineFormat, TakesTextsApart)
     EXPECT_THAT(values("close file", "close file"), IsEmpty());
     EXPECT_THAT(values("close file", "close files"), ElementsAre("none"));
     EXPECT_THAT(values("%d", ""), ElementsAre("none"));
+    EXPECT_THAT(values("%d", std::string_view("789").substr(0, 2)), ElementsAre("78"));
     EXPECT_THAT(values(" %d, %s", " 7"), ElementsAre("none"));
 }
 

@@ -78,30 +78,37 @@ TEST(Progress, ChecksComeBeforeAndAfter)
 
 TEST(Progress, EveryPhaseBeginsWithItsLine)
 {
+    const char* const before = "state checks"; // what a line of the systems' states begins
+    const char* const after = "final checks";
     const struct {
         const char* line;
         const char* phase;
+        const char* states;
     } cases[] = {
-        {"0004: start local session ", "sessions"},
-        {"0107:  managedSystemMTMS=\"9999-B2C*7ABCD12\" ", "system checks"},
-        {"0108:  array_cnt_sfs=1", "system checks"},
-        {"0109: wwnn=500FACE000001230, server=0 ", "system checks"},
-        {"0017: rc=0, xargc=1, 9999-B2C*7ABCD12, state=Operating ", "state checks"},
-        {"==>:  queryPartition", "partition checks"},
-        {"0005: start DM session ", "domain session"},
-        {"==>:  addCecEnclKord", "processor complexes"},
-        {"==>:  addIoEnclKord", "I/O enclosures"},
-        {"==>:  queryDA", "I/O enclosures"},
-        {"==>:  addStorEnclKord", "storage enclosures"},
-        {"==>:  queryDDM", "storage enclosures"},
-        {"0400: storageFacilityMTMS=\"9999-A01*00XY1230\" ", "racks"},
-        {">>:  openRackEncl  resource", "racks"},
-        {"==>:  addQuayEnclKord", "consoles"},
-        {"==>:  addPartitionKord", "partitions"},
-        {">>:  openPartitionResource resource", "partitions"},
+        {"0004: start local session ", "sessions", before},
+        {"0107:  managedSystemMTMS=\"9999-B2C*7ABCD12\" ", "system checks", before},
+        {"0108:  array_cnt_sfs=1", "system checks", before},
+        {"0109: wwnn=500FACE000001230, server=0 ", "system checks", before},
+        {"0017: rc=0, xargc=1, 9999-B2C*7ABCD12, state=Operating ", "state checks", before},
+        {"==>:  queryPartition", "partition checks", before},
+        {"0005: start DM session ", "domain session", after},
+        {"==>:  addCecEnclKord", "processor complexes", after},
+        {"==>:  addIoEnclKord", "I/O enclosures", after},
+        {"==>:  queryDA", "I/O enclosures", after},
+        {"==>:  addStorEnclKord", "storage enclosures", after},
+        {"==>:  queryDDM", "storage enclosures", after},
+        {"0400: storageFacilityMTMS=\"9999-A01*00XY1230\" ", "racks", after},
+        {">>:  openRackEncl  resource", "racks", after},
+        {"==>:  addQuayEnclKord", "consoles", after},
+        {"==>:  addPartitionKord", "partitions", after},
+        {">>:  openPartitionResource resource", "partitions", after},
     };
-    for (const auto& [line, phase] : cases)
-        EXPECT_EQ(phaseAfter({std::string("112126 13:41:05 ") + line}), phase) << line;
+    const std::string state = "112126 13:41:06 0017: rc=0, xargc=1, 9999-B2C*7ABCD12, state=Operating ";
+    for (const auto& [text, phase, states] : cases) {
+        const std::string line = std::string("112126 13:41:05 ") + text;
+        EXPECT_EQ(phaseAfter({line}), phase) << line;
+        EXPECT_EQ(phaseAfter({line, state}), states) << line;
+    }
 }
 
 TEST(Progress, OtherLinesBeginNoPhase)
