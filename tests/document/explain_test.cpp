@@ -346,6 +346,15 @@ TEST(Explain, AnActionHasTheSelectionBeforeIt)
     EXPECT_FALSE(problem.workedOut);
 }
 
+TEST(Explain, ACallWithoutASelectionIsForTheWholeSystem)
+{
+    Log log;
+    log.checks().entry("addQuayEnclKord").line("0500", "  7, gone").event("addQuayEnclKord", "r").exit(-1);
+    const Problem problem = problemIn(log);
+    EXPECT_EQ(problem.selection, std::nullopt);
+    EXPECT_EQ(document::partWords(problem), "system 9999-B2C*7ABCD12");
+}
+
 TEST(Explain, NothingFoundIsNoNumber)
 {
     for (const int count : {-1, 0, 3}) {
@@ -1022,6 +1031,10 @@ TEST(LineFormat, TakesTextsApart)
                 ElementsAre("a", "b", "1", "1", "c"));
     EXPECT_THAT(values("close file", "close file"), IsEmpty());
     EXPECT_THAT(values("close file", "close files"), ElementsAre("none"));
+    EXPECT_THAT(values("%s, end", "x, and"), ElementsAre("none"));
+    EXPECT_THAT(values("%s, %d", "x, y"), ElementsAre("none"));
+    EXPECT_THAT(values("%s, %d", "x, -"), ElementsAre("none"));
+    EXPECT_THAT(values("%s, %d", "x, -7"), ElementsAre("x", "-7"));
     EXPECT_THAT(values("%d", ""), ElementsAre("none"));
     EXPECT_THAT(values("%d", std::string_view("789").substr(0, 2)), ElementsAre("78"));
     EXPECT_THAT(values(" %d, %s", " 7"), ElementsAre("none"));

@@ -699,6 +699,15 @@ TEST(Scanner, AMarkWithMoreThanEndsBehindItIsNone)
                                     "16: there is more after the end, which is left out"}));
 }
 
+TEST(Scanner, AValueEndsBeforeAListThatTheMarkCuts)
+{
+    const std::string start = "<ResourceList displayName=\"Arrays\">\n";
+    const std::string whole = ofPartitions(resource("P", "S-1", hosts("x") + start));
+    const Scanned scanned = scan(whole.substr(0, whole.find(start) + start.size()) + "<?kord incomplete?>\n");
+    EXPECT_THAT(scanned.events, testing::IsSupersetOf({"U2|Host Inventory|x", "list Arrays"}));
+    EXPECT_FALSE(scanned.complete);
+}
+
 // --- Bytes that are no document
 
 TEST(Scanner, SaysWhatIsNoDocumentAndWhere)

@@ -150,6 +150,8 @@ TEST(JsonSchema, SaysWhatEverythingMeans)
     EXPECT_EQ(definitions["row"]["properties"]["count"]["description"], "how many parts have these values");
     EXPECT_EQ(definitions["document"]["properties"]["timestamp"]["description"],
               "of the collection, seconds.microseconds as the document has it");
+    for (const char* object : {"document", "part", "row"})
+        EXPECT_EQ(definitions[object]["type"], "object") << object;
     const json& part = definitions["part"]["properties"];
     EXPECT_EQ(part["properties"]["description"],
               "the values of the document by their codes; of a code that stands several times a list");
