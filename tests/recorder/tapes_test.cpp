@@ -407,6 +407,20 @@ TEST(Gathered, IsTheStateOfTheSystemThatWasAskedFor)
     EXPECT_EQ(recorder::systemAskedFor(more), "");
 }
 
+TEST(Gathered, IsTheFirstRegularAnswerOfAProgram)
+{
+    const char* vpd = "/opt/brisk/bin/qconvpd";
+    json failed = printed(vpd, "none\n");
+    failed["status"] = 1;
+    json otherState = stateOf("9999-B2C*7ABCD12");
+    otherState["output"] = "Standby\n";
+    const json facility =
+        gatheredFrom({failed, printed(vpd, "a\nb\n"), printed(vpd, "c\n"), printed("whoami", "root\n"),
+                      printed("whoami", "other\n"), stateOf("9999-B2C*7ABCD12"), otherState});
+    EXPECT_EQ(facility["console"], json({{"user", "root"}, {"vpd", {"a", "b"}}}));
+    EXPECT_EQ(facility["systems"], json({{"9999-B2C*7ABCD12", "Operating"}}));
+}
+
 /// For whoever reads it, compares two or looks for a line: what is one of many has a line.
 TEST(Gathered, IsWrittenALineEach)
 {
