@@ -139,6 +139,7 @@ StandIns readMap(const std::string& path)
     if (path.empty() || (!file && errno == ENOENT)) return standIns;
     std::ostringstream text;
     if (!file) throw platform::failedOn(path);
+    if (fs::is_directory(path)) throw platform::failedOn(path, EISDIR);
     text << file.rdbuf();
     if (text.str().empty()) return standIns; // made, but not used yet
     try {

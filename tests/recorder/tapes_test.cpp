@@ -291,8 +291,10 @@ TEST_F(Tapes, AreRedactedByAMapThatCanBeReadOrMade)
     const json pairs = kordTest::parseJson(kordTest::readFile(folder / "map.json").value());
     EXPECT_EQ(recorded()["resources"]["Orvik.TarnDDM"][0]["serialNumber"], pairs["7ABCD12"]);
     put("file", "[]");
-    for (const auto& [map, reason] : {std::pair("file/map.json", "Not a directory"),
-                                      std::pair("file", "no JSON object of originals and stand-ins")}) {
+    fs::create_directory(folder / "folder");
+    for (const auto& [map, reason] :
+         {std::pair("file/map.json", "Not a directory"), std::pair("folder", "Is a directory"),
+          std::pair("file", "no JSON object of originals and stand-ins")}) {
         const kordTest::Outcome outcome = record({"--redact", "--map", map});
         EXPECT_EQ(outcome.status, 125);
         EXPECT_EQ(outcome.error, "kord: " + std::string(map) + ": " + reason + "\n");
@@ -409,16 +411,20 @@ TEST(Gathered, IsTheStateOfTheSystemThatWasAskedFor)
 
 TEST(Gathered, IsTheFirstRegularAnswerOfAProgram)
 {
+    const std::string system = "9999-B2C*7ABCD12";
     const char* vpd = "/opt/brisk/bin/qconvpd";
+    const auto state = [&](const std::string& output) {
+        json line = stateOf(system);
+        line["output"] = output;
+        return line;
+    };
     json failed = printed(vpd, "none\n");
     failed["status"] = 1;
-    json otherState = stateOf("9999-B2C*7ABCD12");
-    otherState["output"] = "Standby\n";
     const json facility =
-        gatheredFrom({failed, printed(vpd, "a\nb\n"), printed(vpd, "c\n"), printed("whoami", "root\n"),
-                      printed("whoami", "other\n"), stateOf("9999-B2C*7ABCD12"), otherState});
-    EXPECT_EQ(facility["console"], json({{"user", "root"}, {"vpd", {"a", "b"}}}));
-    EXPECT_EQ(facility["systems"], json({{"9999-B2C*7ABCD12", "Operating"}}));
+        gatheredFrom({failed, printed(vpd, "a\n"), printed(vpd, "b\nc\n"), printed("whoami", "root\n"),
+                      printed("whoami", "other\n"), state("one\ntwo\n"), state("one\n"), state("two\n")});
+    EXPECT_EQ(facility["console"], json({{"user", "root"}, {"vpd", {"a"}}}));
+    EXPECT_EQ(facility["systems"], json({{system, "one"}}));
 }
 
 /// For whoever reads it, compares two or looks for a line: what is one of many has a line.
