@@ -114,7 +114,7 @@ Waits Facility::measureWaits() const
     const std::string account = folder_ + "waits.txt";
     collect({"env", recorder(), std::string(waitsVariable) + '=' + account});
     Waits waits{};
-    std::ifstream(account) >> waits.whole >> waits.commands >> waits.client >> waits.shells;
+    std::ifstream(account) >> waits.whole >> waits.commands >> waits.client >> waits.removals >> waits.shells;
     if (waits.whole <= 0) throw std::runtime_error("the recorder kept no account of waiting");
     return waits;
 }

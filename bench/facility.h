@@ -40,7 +40,8 @@ struct Waits {
     double whole;
     double commands; ///< shells and what they run
     double client;
-    double shells; ///< as many that do nothing
+    double removals; ///< of the commands' output
+    double shells;   ///< as many that do nothing
 };
 
 class Facility

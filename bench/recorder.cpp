@@ -53,7 +53,8 @@ struct Waits {
     double start = now();
     double commands = 0;
     double client = 0;
-    int count = 0; ///< commands
+    double removals = 0; ///< of files
+    int count = 0;       ///< commands
 };
 Waits waits;
 
@@ -114,14 +115,15 @@ bool isTraceLine(const char* path, int flags)
     unsetenv("LD_PRELOAD"); // the shells that the collector starts are none of the recorder's business
 }
 
-/// Whole time, commands, client, and what as many shells take that do nothing.
+/// Whole time, commands, client, removals, and what as many shells take that do nothing.
 void writeWaits(FILE* file)
 {
     const double whole = now() - waits.start;
     double shells = 0;
     for (int i = 0; i < waits.count; ++i)
         timed(shells, [] { return real<int(const char*)>("system")(":"); });
-    std::fprintf(file, "%.0f %.0f %.0f %.0f\n", whole, waits.commands, waits.client, shells);
+    std::fprintf(file, "%.0f %.0f %.0f %.0f %.0f\n", whole, waits.commands, waits.client, waits.removals,
+                 shells);
     std::fclose(file);
 }
 
@@ -201,6 +203,12 @@ extern "C" int system(const char* command)
     if (recording != nullptr) std::fflush(recording);
     ++waits.count;
     return timed(waits.commands, [command] { return next(command); });
+}
+
+extern "C" int unlink(const char* path) noexcept
+{
+    static auto* const next = real<int(const char*)>("unlink");
+    return timed(waits.removals, [path] { return next(path); });
 }
 
 int32_t vale_start_session(const char* const* contacts, uint32_t contactCount, uint32_t scope,

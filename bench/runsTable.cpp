@@ -135,11 +135,13 @@ int reportWaits(const Facility& facility)
         waits["shells"].push_back(one.shells);
         waits["console programs"].push_back(one.commands - one.shells);
         waits["client"].push_back(one.client);
-        waits["own work"].push_back(one.whole - one.commands - one.client);
+        waits["removing their output"].push_back(one.removals);
+        waits["own work"].push_back(one.whole - one.commands - one.client - one.removals);
         waits["whole run"].push_back(one.whole);
     }
     std::vector<std::vector<std::string>> rows;
-    for (const char* what : {"shells", "console programs", "client", "own work", "whole run"})
+    for (const char* what :
+         {"shells", "console programs", "removing their output", "client", "own work", "whole run"})
         rows.push_back({what, cell(waits[what], 1e6),
                         format("%.0f %%", 100 * median(waits[what]) / median(waits["whole run"]))});
     Report report("What a run at " + drivesOf(facility) + " drives waits for, by the wall's clock");

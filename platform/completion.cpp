@@ -110,7 +110,7 @@ std::string listedItems(const std::vector<std::string>& words, const std::string
 {
     const size_t comma = typed.rfind(',');
     size_t start = comma == std::string::npos ? 0 : comma + 1;
-    if (start < typed.size() && (typed[start] == '+' || typed[start] == '-')) ++start;
+    if (typed[start] == '+' || typed[start] == '-') ++start; // at its end there is a NUL
     const std::string before = ',' + typed.substr(0, start);
     const std::string stays = name + typed.substr(0, start);
     std::vector<Offer> offers;

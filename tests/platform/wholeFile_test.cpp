@@ -43,6 +43,19 @@ protected:
     void leave(const std::string& text) const { std::ofstream(path) << text; }
 };
 
+TEST(FileDescriptorTest, ClosesStandardInputsNumberAsWell)
+{
+    const FileDescriptor kept(dup(STDIN_FILENO));
+    close(STDIN_FILENO);
+    {
+        const FileDescriptor file(open("/dev/null", O_RDONLY));
+        EXPECT_EQ(file.get(), STDIN_FILENO);
+        EXPECT_TRUE(file.isOpen());
+    }
+    EXPECT_EQ(fcntl(STDIN_FILENO, F_GETFD), -1);
+    dup2(kept.get(), STDIN_FILENO);
+}
+
 TEST_F(WholeFileTest, ShowsNothingBeforeItIsInPlace)
 {
     leave("old");
