@@ -182,6 +182,7 @@ TEST(CommandLine, SaysWhatIsWrongInOneLine)
         {{"lsit"}, 2, "no command \"lsit\": did you mean \"list\"?"},
         {{"stat", "x"}, 2, "no command \"stat\": did you mean \"start\"?"},
         {{"wherever"}, 2, "no command \"wherever\": \"sample --help\" lists them"},
+        {{"--hlep"}, 2, "no option \"--hlep\": did you mean \"--help\"?"},
         {{"--verison"}, 2, "no option \"--verison\": did you mean \"--version\"?"},
         {{"list", "--lod", "drives", "x"}, 2, "list has no option \"--lod\": did you mean \"--loud\"?"},
         {{"list", "--wher", "a=b"}, 2, "list has no option \"--wher\": did you mean \"--where\"?"},
