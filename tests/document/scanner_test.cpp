@@ -319,6 +319,23 @@ TEST(Scanner, AValueEndsWhereTheCollectorCanHaveGoneOn)
     }
 }
 
+/// In the lists of a processor complex partitions follow each other without the lists' ends.
+TEST(Scanner, AValueEndsBeforeAListWithoutTheEndOfTheOneBeforeOnlyThere)
+{
+    const std::string shares = "Enclosures Partitions";
+    const std::string looksSo =
+        "x</Value>\n</Property>\n</Resource>\n<ResourceList displayName=\"" + shares + "\">\ny";
+    const auto events = [&](const std::string& part, const std::string& name) {
+        return scan(ofEnclosures(
+                        resource(part, "C", list(name, resource("P", "P", property("S4", "L", looksSo))))))
+            .events;
+    };
+    EXPECT_THAT(events("CEC", shares), testing::Contains("S4|L|x"));
+    for (const auto& [part, name] : {std::pair("CEC", std::string("Arrays")), std::pair("Larkspur", shares),
+                                     std::pair("Larkspur", std::string("Arrays"))})
+        EXPECT_THAT(events(part, name), testing::Contains("S4|L|" + looksSo)) << part << ' ' << name;
+}
+
 TEST(Scanner, SaysThatAValueHoldsWhatLooksLikeTheDocument)
 {
     EXPECT_EQ(scan(ofPartitions(resource("P", "S-1", hosts("x</Value>\n</Property>\ny")))).findings,
@@ -668,7 +685,7 @@ TEST(Scanner, AMendedDocumentIsWhatWasCut)
     const std::string text = wholeDocument();
     const std::string mark = "<?kord incomplete?>\n";
     const std::string end = "</ResourceSet>\n</com.orvik.inventory>\n";
-    for (size_t length = headSize(text); length < text.find(end); length = text.find('\n', length) + 1) {
+    for (size_t length = headSize(text); length <= text.find(end); length = text.find('\n', length) + 1) {
         const Scanned cut = scan(text.substr(0, length));
         const auto behind = std::ranges::find(cut.events, "cut");
         Texts events(cut.events.begin(), behind);
