@@ -159,6 +159,18 @@ TEST(Tables, nameTheirModulesFiles)
     }
 }
 
+TEST(Tables, nameTheWritersOfElements)
+{
+    const std::string header = kordTest::readFile(source / "kord/c/addXmlKord.h").value();
+    Names writers;
+    for (const Json& element : tables()["elements"]) {
+        const std::string writer = element["writer"];
+        EXPECT_NE(header.find(" " + writer + "(const kordRec*"), std::string::npos) << writer;
+        writers.insert(writer);
+    }
+    EXPECT_EQ(writers.size(), tables()["elements"].size());
+}
+
 /// Who reads of a failure wants to know what it means, where it comes from and what to do.
 TEST(Tables, explainEveryLineAndAdviseOnEveryFailure)
 {
