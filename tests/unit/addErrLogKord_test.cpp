@@ -87,6 +87,11 @@ TEST(Events, cutALongMessage)
     const std::string expected = argumentsOf("BED00001", "C : " + std::string(499 - 4, 'x'));
     EXPECT_NE(journalOf([&] { return handleErrKord_new(&record, "C", "r", message.c_str()); }).find(expected),
               std::string::npos);
+    // An event without the manager's message has twice the room.
+    const std::string name(1100, 'x');
+    const std::string whole = argumentsOf("BED00001", std::string(999, 'x'));
+    EXPECT_NE(journalOf([&] { return handleErrKord(&record, name.c_str(), "r"); }).find(whole),
+              std::string::npos);
 }
 
 TEST(Events, goThroughTheWrapperForAnyoneButRoot)
