@@ -230,6 +230,38 @@ TEST_F(Import, WhatIsNoInventoryStaysAsItIs)
     EXPECT_EQ(fleet.import({file}).status, 2);
 }
 
+TEST_F(Import, ADatabaseThatCannotBeMadeSaysWhy)
+{
+    const std::string file = fleet.write("1.xml", monday);
+    const auto error = [&](const std::string& database) {
+        const Outcome outcome = Fleet::kord({"import", database, file});
+        EXPECT_EQ(outcome.status, 2);
+        return outcome.error;
+    };
+    const std::string nowhere = fleet.in("no/such.db");
+    EXPECT_EQ(error(nowhere), "kord: " + nowhere + ": No such file or directory\n");
+    std::filesystem::path far = fleet.in("");
+    for (int depth = 0; depth < 3; ++depth)
+        far /= std::string(200, 'x');
+    std::filesystem::create_directories(far);
+    const std::string farther = far / "fleet.db"; // than the library goes
+    EXPECT_EQ(error(farther), "kord: " + farther + ": unable to open database file\n");
+}
+
+TEST_F(Import, ALargeDocumentIsTakenInWhole)
+{
+    std::vector<Drive> drives;
+    for (int slot = 0; slot < 3000; ++slot)
+        drives.push_back({.slot = "-P1-D" + std::to_string(slot), .serial = std::to_string(slot)});
+    const std::string text = documentOf({.drives = drives});
+    ASSERT_GT(text.size(), size_t{2} << 20U); // it is read in pieces
+    const std::string file = fleet.write("large.xml", text);
+    import({file}, "1 document imported");
+    const Outcome wanted = Fleet::kord({"list", "all", "--format", "csv", file});
+    EXPECT_EQ(Fleet::kord({"list", "all", "--format", "csv", fleet.database()}).output, wanted.output);
+    EXPECT_THAT(fleet.ask("SELECT count(*) FROM drive"), ElementsAre("3000"));
+}
+
 TEST_F(Import, ADamagedDocumentIsTold)
 {
     const std::string file = fleet.write("1.xml", monday);
@@ -245,6 +277,20 @@ TEST_F(Import, ADamagedDocumentIsTold)
         const Outcome outcome = Fleet::kord({"list", "drives", fleet.database()});
         EXPECT_EQ(outcome.status, 2) << damage;
         EXPECT_EQ(outcome.error, says + what) << damage;
+    }
+}
+
+TEST_F(Import, ADamagedDocumentBesideANewOneIsTold)
+{
+    const std::string file = fleet.write("2.xml", tuesday);
+    for (const auto& [name, text] : {std::pair("1.xml", monday), std::pair("3.xml", wednesday)}) {
+        std::filesystem::remove(fleet.database());
+        import({file}, "1 document imported");
+        fleet.ask("UPDATE document SET content = x''");
+        const Outcome outcome = fleet.import({fleet.write(name, text)});
+        EXPECT_EQ(outcome.status, 2);
+        EXPECT_THAT(outcome.error, testing::HasSubstr(fleet.database().string() + ": " + file +
+                                                      ": the document in it is damaged\n"));
     }
 }
 

@@ -48,6 +48,19 @@ TEST(Process, HandsSignalsOn)
     }
 }
 
+TEST(Process, LeavesTheProgramWhatItsCallerHeldBack)
+{
+    sigset_t held;
+    sigset_t before;
+    sigemptyset(&held);
+    sigaddset(&held, SIGUSR1);
+    sigprocmask(SIG_BLOCK, &held, &before);
+    const std::string mask = "0000000000000200"; // SIGUSR1 is the tenth
+    EXPECT_EQ(statusOf({"grep", "-q", "^SigBlk:.*" + mask + "$", "/proc/self/status"}), 0);
+    sigprocmask(SIG_SETMASK, &before, nullptr);
+    EXPECT_EQ(statusOf({"grep", "-q", "^SigBlk:.*" + mask + "$", "/proc/self/status"}), 1);
+}
+
 TEST(Process, SaysWhyAProgramDoesNotStart)
 {
     sigset_t mask;
