@@ -516,6 +516,14 @@ void judgeHeld(const Case& run, const Plan& plan, const Result& result, Findings
     }
 }
 
+/// Want of memory for the hosts' descriptions, which ends a run, is filed.
+void judgeFiled(const Case& run, const Result& result, Findings& findings)
+{
+    if (run.fails({"calloc"}) &&
+        result.log.find("==>:  handleErrKord Orvik.TarnScsiHostPort, m\n") == std::string::npos)
+        add(findings, "no event tells that memory ran out");
+}
+
 void judgeSystem(const Case& run, const Plan& plan, const Result& result, Findings& findings)
 {
     judgeMet(run, result, findings);
@@ -528,6 +536,7 @@ void judgeSystem(const Case& run, const Plan& plan, const Result& result, Findin
     if (!run.fails({"unlink"})) judgeTemporaryFiles(plan, result, findings);
     judgeEnding(run, result, findings);
     judgeLines(run, result, findings);
+    judgeFiled(run, result, findings);
     judgeClosing(run, result, findings);
     judgeDocumentLeft(run, result, findings);
     judgeLogFiles(run, findings);

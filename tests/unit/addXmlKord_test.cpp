@@ -8,6 +8,7 @@
 namespace
 {
 
+using unit::normal;
 using unit::property;
 using unit::resource;
 
@@ -61,6 +62,24 @@ TEST(Values, ofAnyLengthAreWritten)
         EXPECT_EQ(unit::written(record, [&](kordRec* run) { writeVRMF(run, level.c_str()); }),
                   "<Property name=\"LE\" displayName=\"LIC VRMF\">\nLE\n<Value type=\"string\">" + level +
                       "</Value>\n</Property>\n");
+    }
+}
+
+TEST(Values, ofAnyLengthStandTogether)
+{
+    kordRec record = unit::freshRecord();
+    for (size_t length = 0; length < 1500; length += 7) {
+        const std::string value(length, 'v');
+        const char* const text = value.c_str();
+        EXPECT_EQ(
+            unit::written(record, [&](kordRec* run) { writeFCIC(run, "L", text, text, text, text, text); }),
+            resource("Fiber Channel Interface Card", "L") +
+                normal("S3", "Storage Facility MTMS", record.kordpStorageFacilityMTMS) +
+                normal("S4", "Storage Facility Image MTMS", value) + normal("EC", "EC Level", value) +
+                normal("LE", "Firmware Level", value) + normal("PN", "Part Number", value) +
+                normal("SN", "Serial Number", value) +
+                normal("DS", "System VPD", "Fiber Channel Interface Card") +
+                normal("YL", "Hardware Location Code", "L") + "</Resource>\n");
     }
 }
 
