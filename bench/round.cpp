@@ -81,7 +81,7 @@ int main(int argc, char* argv[])
         return 2;
     }
     try {
-        play({.mtms = argv[2], .recording = argv[3]}, static_cast<size_t>(std::atoi(argv[1])));
+        play({.mtms = argv[2], .recording = argv[3]}, std::strtoul(argv[1], nullptr, 10));
     } catch (const std::exception& failure) {
         std::fprintf(stderr, "kord-bench-round: %s\n", failure.what());
         return 2;

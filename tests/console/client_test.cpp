@@ -91,7 +91,7 @@ TEST(ClientQuery, DynamicAttributesAreReadTheSameWay)
 TEST(ClientEnumeration, GivesOneResponseWithAllHandles)
 {
     journalOf(someParts, [] {
-        const ValeSessionHandle session = startSession(2);
+        auto* const session = startSession(2);
         const Enumeration two(session, rack, "storageFacilityMTMS='F'");
         ASSERT_EQ(two.count, 1U);
         ASSERT_EQ(two[0].handleCount, 2U);
@@ -106,7 +106,7 @@ TEST(ClientEnumeration, GivesOneResponseWithAllHandles)
 TEST(ClientAction, GivesTheRunningImageLevel)
 {
     journalOf(someParts, [] {
-        const ValeSessionHandle session = startSession(4);
+        auto* const session = startSession(4);
         const Enumeration partitions(session, partition, nullptr);
         ASSERT_EQ(partitions[0].handleCount, 2U);
         const Action level(session, partitions[0].handles[0]);
@@ -125,7 +125,7 @@ TEST(ClientAction, GivesTheRunningImageLevel)
 TEST(ClientAction, FailsForAnyOtherActionOrInput)
 {
     journalOf(someParts, [] {
-        const ValeSessionHandle session = startSession(4);
+        auto* const session = startSession(4);
         const Enumeration partitions(session, partition, nullptr);
         const ValeResourceHandle resource = partitions[0].handles[0];
         Action(session, resource, "queryImageLevel").expectFailure();
@@ -143,7 +143,7 @@ TEST(ClientAction, FailsForAnyOtherActionOrInput)
 TEST(ClientFailure, OfTheWrongScopeSaysWhichClass)
 {
     const auto journal = journalOf(someParts, [] {
-        const ValeSessionHandle session = startSession(4);
+        auto* const session = startSession(4);
         Query(session, rack, nullptr, {}).expectFailure();
         EXPECT_NE(lastMessage().find(rack), std::string::npos);
         Enumeration(session, "Orvik.Nothing", nullptr).expectFailure();
@@ -173,7 +173,7 @@ TEST(ClientFailure, OfANullSessionIsJournaledWithScope0)
 TEST(ClientFailure, OfAMalformedSelectionNamesTheColumn)
 {
     journalOf(someParts, [] {
-        const ValeSessionHandle session = startSession(2);
+        auto* const session = startSession(2);
         Query(session, rack, "rackNumber=R1", {}).expectFailure();
         EXPECT_NE(lastMessage().find("column 12"), std::string::npos);
         Enumeration(session, rack, "rackNumber=\"R1\" &").expectFailure();
@@ -194,7 +194,7 @@ TEST(ClientFailure, SaysWhatIsWrong)
         {"rackNumber=\"R1\" &", "&& or || expected at column 17"},
         {"(rackNumber=\"R1\"", "a ) expected at column 17"}};
     journalOf(someParts, [&] {
-        const ValeSessionHandle session = startSession(4);
+        auto* const session = startSession(4);
         const auto expect = [](const auto& answer, const std::string& message) {
             answer.expectFailure();
             EXPECT_EQ(lastMessage(), message);
@@ -289,7 +289,7 @@ void freeTwice()
 
 void freeTwiceWithAnotherAnswerBetween()
 {
-    const ValeSessionHandle session = startSession(2);
+    auto* const session = startSession(2);
     ValeQueryResponse* first = nullptr;
     ValeQueryResponse* second = nullptr;
     uint32_t count = 0;
@@ -307,7 +307,7 @@ void freeForeign()
 
 void useEndedSession()
 {
-    const ValeSessionHandle session = startSession(2);
+    auto* const session = startSession(2);
     vale_end_session(session);
     startSession(2);
     const Enumeration answer(session, rack, nullptr);
@@ -315,7 +315,7 @@ void useEndedSession()
 
 void endTwice()
 {
-    const ValeSessionHandle session = startSession(2);
+    auto* const session = startSession(2);
     vale_end_session(session);
     vale_end_session(session);
 }
@@ -330,7 +330,7 @@ ValeErrorHandle makeError()
 
 void releaseErrorTwice()
 {
-    const ValeErrorHandle error = makeError();
+    auto* const error = makeError();
     vale_rel_error(error);
     makeError();
     vale_rel_error(error);
@@ -338,7 +338,7 @@ void releaseErrorTwice()
 
 void readReleasedError()
 {
-    const ValeErrorHandle error = makeError();
+    auto* const error = makeError();
     const char* message = nullptr;
     vale_rel_error(error);
     vale_get_errmsg(error, &message);
@@ -387,7 +387,7 @@ INSTANTIATE_TEST_SUITE_P(All, ClientViolation,
 TEST(ClientJournal, HasALineForEachCall)
 {
     const auto journal = journalOf(someParts, [] {
-        const ValeSessionHandle session = startSession(4);
+        auto* const session = startSession(4);
         {
             const Enumeration partitions(session, partition, "locationCode=?'L%'");
             const Action level(session, partitions[0].handles[0]);

@@ -200,7 +200,9 @@ FILE* countedStream(int fd)
     cookie_io_functions_t functions{};
     functions.write = writeBehind<call>;
     functions.close = call == Call::streamWrite ? closeBehind : nullptr;
-    return fopencookie(reinterpret_cast<void*>(static_cast<intptr_t>(fd)), "w", functions);
+    void* const cookie =
+        reinterpret_cast<void*>(static_cast<intptr_t>(fd)); // NOLINT(performance-no-int-to-ptr)
+    return fopencookie(cookie, "w", functions);
 }
 
 // --- The life of the process
@@ -216,7 +218,7 @@ void readEffect(const char* text)
                               {"killed", Effect::killed},
                               {"noShell", Effect::noShell},
                               {"lost", Effect::lost}};
-    fault.error = atoi(text);
+    fault.error = static_cast<int>(strtol(text, nullptr, 10));
     for (const Word& word : words) {
         if (strcmp(text, word.word) == 0) fault.effect = word.effect;
     }
@@ -281,6 +283,7 @@ int32_t callClient(Function* next, Arguments... arguments)
 
 extern "C" {
 
+// NOLINTBEGIN(bugprone-reserved-identifier): the C library's own name
 int __libc_start_main(Main main, int argc, char** argv, void (*init)(), void (*fini)(), void (*loaderFini)(),
                       void* stackEnd);
 int __libc_start_main(Main main, int argc, char** argv, void (*init)(), void (*fini)(), void (*loaderFini)(),
@@ -292,6 +295,7 @@ int __libc_start_main(Main main, int argc, char** argv, void (*init)(), void (*f
     }
     return NEXT(__libc_start_main)(main, argc, argv, init, fini, loaderFini, stackEnd);
 }
+// NOLINTEND(bugprone-reserved-identifier)
 
 // --- Memory
 

@@ -94,7 +94,7 @@ protected:
 TEST_F(Storm, KilledAtAnyMomentNothingIsHalfThere)
 {
     const char* const many = std::getenv("KORD_INVENTORY_KILLS");
-    const int kills = many == nullptr ? 12 : std::atoi(many);
+    const long kills = many == nullptr ? 12 : std::strtol(many, nullptr, 10);
     const int seed = many == nullptr ? 1 : static_cast<int>(std::random_device()());
     std::mt19937 random(static_cast<unsigned>(seed));
     SCOPED_TRACE("seed " + std::to_string(seed));
@@ -119,18 +119,24 @@ TEST_F(Storm, KilledAtAnyMomentNothingIsHalfThere)
     expectAll();
 }
 
+/// What a line that begins with a number counts.
+size_t numberIn(const std::string& line)
+{
+    return std::strtoul(line.c_str(), nullptr, 10);
+}
+
 TEST_F(Storm, SeveralImportsAtOnceAllLand)
 {
     std::vector<std::future<Outcome>> imports;
     for (int i = 0; i < 4; ++i)
         imports.push_back(std::async(std::launch::async, [&] { return fleet.import({documents()}); }));
-    int imported = 0;
+    size_t imported = 0;
     for (auto& one : imports) {
         const Outcome outcome = one.get();
         EXPECT_EQ(outcome.status, 0) << outcome.error;
-        imported += std::atoi(outcome.output.c_str());
+        imported += numberIn(outcome.output);
     }
-    EXPECT_EQ(imported, systems * nights);
+    EXPECT_EQ(imported, size_t{systems} * nights);
     expectWhole(false);
     expectAll();
 }
@@ -159,7 +165,7 @@ TEST_F(Storm, OnAFullDiskWhatWasTakenInStays)
         }
         expectWhole();
         const size_t there = fleet.ask("SELECT 1 FROM snapshot").size();
-        EXPECT_EQ(there, before + static_cast<size_t>(std::atoi(outcome.output.c_str())));
+        EXPECT_EQ(there, before + numberIn(outcome.output));
         EXPECT_GT(there, before);
     }
     EXPECT_EQ(fleet.import({documents()}).status, 0);

@@ -90,7 +90,7 @@ TEST(Process, TellsACommandAsAShellTakesIt)
 TEST(Installation, FindsCompanionsWhereTheyAreInstalledFirst)
 {
     const kordTest::TempFolder temporary;
-    const fs::path top = temporary.path();
+    const fs::path& top = temporary.path();
     const platform::Installation installation = {.executable = top / "bin/kord", .bin = top / "bin"};
     const auto put = [&](const fs::path& file) {
         fs::create_directories(file.parent_path());
@@ -116,7 +116,7 @@ TEST(Installation, FindsCompanionsWhereTheyAreInstalledFirst)
 TEST(Installation, ABareNameMeansAProgramOfTheOwnFolder)
 {
     const kordTest::TempFolder temporary;
-    const fs::path bin = temporary.path();
+    const fs::path& bin = temporary.path();
     const platform::Installation installation = {.executable = bin / "kord", .bin = bin};
     using Command = std::vector<std::string>;
     std::ofstream{bin / "other"} << "";

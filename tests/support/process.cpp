@@ -76,7 +76,7 @@ bool drain(int end, std::string& text)
 std::chrono::milliseconds patient(std::chrono::milliseconds limit)
 {
     const char* times = std::getenv("KORD_PATIENCE");
-    return times == nullptr ? limit : limit * std::max(1, std::atoi(times));
+    return times == nullptr ? limit : limit * std::max(1L, std::strtol(times, nullptr, 10));
 }
 
 /// Reads both pipes to their end. False when the limit passed first.

@@ -14,7 +14,7 @@ namespace
 template <typename Report>
 std::string journalOf(Report report)
 {
-    const std::string journal = std::string(getenv("KORD_CONSOLE_ROOT")) + "/journal.jsonl";
+    const std::string journal = unit::journalPath();
     const size_t before = unit::readFile(journal).size();
     EXPECT_EQ(report(), -1);
     return unit::readFile(journal).substr(before);

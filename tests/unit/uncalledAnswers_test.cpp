@@ -99,7 +99,7 @@ Left leftBy(const Collector& collector)
 {
     kordRec record = unit::freshRecord();
     copyText(record.activePeerDomain_quay, "quay");
-    const std::string journal = std::string(getenv("KORD_CONSOLE_ROOT")) + "/journal.jsonl";
+    const std::string journal = unit::journalPath();
     const size_t before = unit::readFile(journal).size();
     Left left;
     left.document = unit::written(record, [&](kordRec* run) { left.result = collector.call(run); });

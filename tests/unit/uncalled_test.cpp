@@ -28,7 +28,7 @@ protected:
     template <typename Call>
     std::string asked(Call call)
     {
-        const std::string journal = std::string(getenv("KORD_CONSOLE_ROOT")) + "/journal.jsonl";
+        const std::string journal = unit::journalPath();
         const size_t before = unit::readFile(journal).size();
         call(&record);
         const std::string added = unit::readFile(journal).substr(before);

@@ -9,6 +9,7 @@
 #include <fstream>
 #include <iterator>
 #include <sstream>
+#include <stdexcept>
 #include <string>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -33,6 +34,14 @@ inline mode_t modeOf(const std::string& path)
     struct stat status {
     };
     return stat(path.c_str(), &status) == 0 ? status.st_mode & 07777 : 0;
+}
+
+/// What the simulated console tells of the run's calls and programs.
+inline std::string journalPath()
+{
+    const char* const root = getenv("KORD_CONSOLE_ROOT");
+    if (root == nullptr) throw std::runtime_error("these tests run on the simulated console");
+    return std::string(root) + "/journal.jsonl";
 }
 
 /// How many descriptors this process has.
