@@ -58,6 +58,15 @@ TEST_F(ConsolePrograms, QmstatPrintsTheStateOfASystem)
     EXPECT_EQ(lastLine()["status"], 1);
 }
 
+TEST_F(ConsolePrograms, WithoutStandardInputTellTheJournal)
+{
+    useRules("");
+    const Outcome outcome = kordTest::runProcess(
+        {.arguments = {"/bin/sh", "-c", "exec \"$0\" <&-", libexec() / "whoami"}, .folder = {}});
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_EQ(lastLine()["program"], "whoami");
+}
+
 TEST_F(ConsolePrograms, QconvpdPrintsTheVpdLines)
 {
     useRules("");

@@ -535,6 +535,21 @@ TEST(Facility, BundledFilesHaveNoFaults)
     EXPECT_GE(count, 2U);
 }
 
+/// However many others stand between: an image of a large facility would hold most texts many times.
+TEST(Facility, ATextStandsInTheImageOnce)
+{
+    std::string racks;
+    for (int rack = 0; rack < 5000; ++rack)
+        racks += std::string(rack == 0 ? "" : ",") + R"({"rackNumber": "number )" + std::to_string(rack) +
+                 R"(", "storageFacilityMTMS": "of every rack"})";
+    const std::string image = compile(R"({"resources": {"Orvik.TarnRack": [)" + racks + "]}}").image;
+    for (const std::string text : {"of every rack", "number 0", "number 4999"}) {
+        const size_t first = image.find(text + '\0');
+        EXPECT_NE(first, std::string::npos) << text;
+        EXPECT_EQ(image.find(text + '\0', first + 1), std::string::npos) << text;
+    }
+}
+
 TEST(Facility, FaultsStayOnOneLine)
 {
     const Compilation compilation = compile("{\"a\\nb\": 1}");

@@ -126,6 +126,7 @@ TEST_F(SelectionTest, AndBindsTighterThanOr)
 TEST_F(SelectionTest, BlanksStandAnywhereBetweenTokens)
 {
     EXPECT_EQ(matching("  (  rank  =  1  )  ||  rank\t=\t2  "), "013");
+    EXPECT_EQ(matching("rank\n=\r\n1 \r||\nrank=2\n"), "013");
     EXPECT_EQ(matching("(rank=1)||rank=2"), "013");
     EXPECT_EQ(matching(R"(ActivePeerDomain=" two")"), "") << "blanks inside a text count";
 }
