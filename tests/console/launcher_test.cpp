@@ -118,6 +118,15 @@ TEST_F(Launcher, BringsTheFoldersToTheirPlaces)
         EXPECT_EQ(textOf(root / folder / "mark"), "here\n");
 }
 
+/// What one folder lacks of the console's is made in one mirror of it.
+TEST_F(Launcher, MirrorsAFolderOnce)
+{
+    const Outcome outcome =
+        runScript("awk '$1 == \"kord-console\" {print $2}' /proc/self/mounts | sort | uniq -d");
+    EXPECT_EQ(outcome.status, 0) << outcome.error;
+    EXPECT_EQ(outcome.output, "");
+}
+
 TEST_F(Launcher, LeavesTheMachineAsItIs)
 {
     const std::string listing = "ls -A /opt /var; ls /var/lib";

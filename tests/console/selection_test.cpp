@@ -102,6 +102,7 @@ TEST_F(SelectionTest, LackingAttributesAndListsNeverMatch)
 {
     EXPECT_EQ(matching(R"(nothing="")"), "");
     EXPECT_EQ(matching(R"(nothing=?"%")"), "");
+    EXPECT_EQ(matching("azAZ09_=1"), "") << "the letters of a name";
     EXPECT_EQ(matching("arraySites=1"), "");
     EXPECT_EQ(matching(R"(ActivePeerDomain=?"%")"), "0123");
 }

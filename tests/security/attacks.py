@@ -28,7 +28,8 @@ DOCUMENT = f"var/adm/stockmere/VPD/addTarnKord_{MTMS}.xml"
 SECRET = "a private file\n"
 LIMIT = 30  # seconds; a run takes a tenth of one
 NOBODY = 65534
-AS_NOBODY = ("setpriv", f"--reuid={NOBODY}", f"--regid={NOBODY}", "--clear-groups", "--no-new-privs")
+NOBODYS_GROUP = 65533  # of another number than the user, so that one is not taken for the other
+AS_NOBODY = ("setpriv", f"--reuid={NOBODY}", f"--regid={NOBODYS_GROUP}", "--clear-groups", "--no-new-privs")
 
 programs, source = (pathlib.Path(argument).resolve() for argument in sys.argv[1:3])
 wanted = sys.argv[3:]
@@ -550,7 +551,7 @@ def planted_file(name, plant):
 
 
 def given_away(place):
-    os.chown(place, NOBODY, NOBODY, follow_symlinks=False)
+    os.chown(place, NOBODY, NOBODYS_GROUP, follow_symlinks=False)
 
 
 def folder_of_another(place, _):
