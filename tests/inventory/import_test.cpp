@@ -248,6 +248,22 @@ TEST_F(Import, ADatabaseThatCannotBeMadeSaysWhy)
     EXPECT_EQ(error(farther), "kord: " + farther + ": unable to open database file\n");
 }
 
+TEST_F(Import, ADatabaseWhoseFilesAreInTheWaySaysWhy)
+{
+    const std::string file = fleet.write("1.xml", monday);
+    import({file}, "1 document imported");
+    for (const auto& [ending, says] : {std::pair("-journal", "disk I/O error: Is a directory\n"),
+                                       std::pair("-wal", "unable to open database file: Is a directory\n")}) {
+        const std::string folder = fleet.database().string() + ending;
+        std::filesystem::remove(folder);
+        std::filesystem::create_directory(folder);
+        const Outcome outcome = fleet.import({file});
+        std::filesystem::remove(folder);
+        EXPECT_EQ(outcome.status, 2);
+        EXPECT_EQ(outcome.error, "kord: " + fleet.database().string() + ": " + says);
+    }
+}
+
 TEST_F(Import, ALargeDocumentIsTakenInWhole)
 {
     std::vector<Drive> drives;
