@@ -60,8 +60,8 @@ TEST_F(WholeFileTest, ShowsNothingBeforeItIsInPlace)
 {
     leave("old");
     WholeFile file(path);
-    file.write("new ");
-    file.write("text");
+    file.write("n"); // a byte by itself
+    file.write("ew text");
     EXPECT_EQ(textOf(path), "old");
     file.putInPlace();
     EXPECT_EQ(textOf(path), "new text");
