@@ -184,6 +184,7 @@ TEST(CommandLine, SaysWhatIsWrongInOneLine)
         {{"wherever"}, 2, "no command \"wherever\": \"sample --help\" lists them"},
         {{"--hlep"}, 2, "no option \"--hlep\": did you mean \"--help\"?"},
         {{"--verison"}, 2, "no option \"--verison\": did you mean \"--version\"?"},
+        {{"list", "--hepl"}, 2, "list has no option \"--hepl\": did you mean \"--help\"?"},
         {{"list", "--lod", "drives", "x"}, 2, "list has no option \"--lod\": did you mean \"--loud\"?"},
         {{"list", "--wher", "a=b"}, 2, "list has no option \"--wher\": did you mean \"--where\"?"},
         {{"list", "--col=x"}, 2, "list has no option \"--col\": did you mean \"--color\"?"},

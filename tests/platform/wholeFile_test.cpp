@@ -12,6 +12,7 @@
 #include <fstream>
 #include <gtest/gtest.h>
 #include <iterator>
+#include <memory>
 #include <sys/resource.h>
 #include <thread>
 
@@ -66,6 +67,18 @@ TEST_F(WholeFileTest, ShowsNothingBeforeItIsInPlace)
     file.putInPlace();
     EXPECT_EQ(textOf(path), "new text");
     EXPECT_EQ(entries(), 1U);
+}
+
+TEST_F(WholeFileTest, InPlaceIsLeftInPeaceByTheOneBefore)
+{
+    auto first = std::make_unique<WholeFile>(path);
+    first->putInPlace();
+    WholeFile second(folder / "other");
+    first.reset();
+    second.write("text");
+    second.putInPlace();
+    EXPECT_EQ(textOf(folder / "other"), "text");
+    EXPECT_EQ(entries(), 2U);
 }
 
 TEST_F(WholeFileTest, GivenUpLeavesWhatWasThere)
