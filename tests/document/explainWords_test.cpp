@@ -591,6 +591,7 @@ TEST(Selection, TakesKeysAndValuesAsTheyAre)
     };
     EXPECT_THAT(taken("azAZ09=\"v\""), ElementsAre("azAZ09=v"));
     EXPECT_THAT(taken("a=\"1%\" && b =? '2%' && c =? '3'"), ElementsAre("a=1%", "b?2", "c?3"));
+    EXPECT_THAT(taken("a=?'4%'"), ElementsAre("a?4"));
     EXPECT_THAT(taken("a  =  1)b=2"), ElementsAre("a=1", "b=2"));
     EXPECT_THAT(taken("a='x\"y'"), ElementsAre("a=x\"y"));
     EXPECT_EQ(document::valueIn("a=\"1\" && b=\"2\" && b=\"3\"", "b"), "2");

@@ -932,6 +932,7 @@ TEST(Explain, ASystemThatIsNotOperating)
     ASSERT_THAT(run.problems, SizeIs(1));
     EXPECT_EQ(run.problems[0].kind, "notOperating");
     EXPECT_EQ(run.problems[0].message, "Standby");
+    EXPECT_EQ(document::partWords(run.problems[0]), "system 9999-B2C*7ABCD12");
     EXPECT_THAT(run.problems[0].events, SizeIs(1));
     EXPECT_EQ(document::missingBy(run, run.problems[0]),
               "all: no document was started, one of an earlier run lies there as it was");
