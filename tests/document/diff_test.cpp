@@ -619,6 +619,20 @@ TEST(Report, NamesTheColumnOfAnArraysRank)
     EXPECT_EQ(found[0]["values"][0]["column"], "rank");
 }
 
+TEST(Report, NamesTheColumnOfEveryItemOfAProperty)
+{
+    const std::string before = ofEnclosures(with({driveA}));
+    for (const auto& [item, column] : {std::pair("DI=", "name"), std::pair("DM=", "manufacturer"),
+                                       std::pair("DC=", "capacity_mb"), std::pair("ST=", "state")}) {
+        std::string after = before;
+        after.insert(after.find(item) + 3, "1");
+        const nlohmann::json found = jsonOf(before, after)["changes"];
+        ASSERT_EQ(found.size(), 1U) << item;
+        ASSERT_EQ(found[0]["values"].size(), 1U) << item;
+        EXPECT_EQ(found[0]["values"][0]["column"], column);
+    }
+}
+
 TEST(Report, IsJsonToBeRead)
 {
     using Writer = void (*)(const document::Changes&, const document::Write&);

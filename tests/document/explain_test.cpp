@@ -516,6 +516,14 @@ TEST(Explain, TheChecksOfAllNodesAskWithTheSameWords)
         .line("0013", "response 7, a, SF1");
     EXPECT_EQ(problemIn(status).function, "queryValeStatus");
     EXPECT_EQ(problemIn(status).message, "a");
+    Log second; // of two partitions each is asked for its image first
+    second.start()
+        .entry("queryPartition")
+        .line("0697", "num_contacts =2")
+        .line("0010", Log::node)
+        .line("0010", " HWModel=\"9999-B2C\" && HWSerialNum=\"7ABCD12\" && LParID=\"2\"")
+        .line("0013", "response 7, a, b\n");
+    EXPECT_EQ(problemIn(second).function, "queryValeId");
     Log partner;
     partner.checks().finalChecks().line("0012", " error array_cnt 0, SF2");
     EXPECT_EQ(problemIn(partner).function, "queryValePartnerStatus");

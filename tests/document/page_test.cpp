@@ -206,6 +206,21 @@ TEST(Page, TellsColumnsAndWhatIsAroundAPart)
     EXPECT_EQ(page.data["changes"], nullptr);
 }
 
+/// A script's numbers are exact up to 53 bits.
+TEST(Page, TellsANumberThatAScriptCannotHoldAsAText)
+{
+    const std::vector<std::pair<std::string, json>> cases = {{"9007199254740991", 9007199254740991},
+                                                             {"9007199254740992", "9007199254740992"},
+                                                             {"-9007199254740991", -9007199254740991},
+                                                             {"-9007199254740992", "-9007199254740992"}};
+    for (const auto& [number, told] : cases) {
+        const std::string space = property("DP", "Disk Space Characteristics", "DC=" + number + "MB");
+        const PageReader page(
+            document::page(parse(ofEnclosures(resource("OSK Physical Disk Drive", "U", space)))));
+        EXPECT_EQ(page.value(page.first("drive"), "capacity_mb"), told) << number;
+    }
+}
+
 /// Drives that differ in what real drives differ in.
 std::string drives(size_t count)
 {
