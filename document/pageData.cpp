@@ -186,10 +186,10 @@ public:
         return write(text, 0, "");
     }
 
+    /// The first text that is asked for.
     std::string identifier()
     {
         const std::string_view text = of.row.part->id;
-        pieces.clear();
         for (const Holder& holder : holders) {
             if (holder.column->source.from == From::idEnd) find(holder, text);
         }
