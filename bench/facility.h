@@ -35,12 +35,12 @@ struct Times {
     double client;
 };
 
-/// Nanoseconds by the wall's clock.
+/// Nanoseconds by the wall clock.
 struct Waits {
     double whole;
     double commands; ///< shells and what they run
     double client;
-    double removals; ///< of the commands' output
+    double removals; ///< of files, which are the commands' output as long as no log is cut
     double shells;   ///< as many that do nothing
 };
 

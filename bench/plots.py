@@ -150,7 +150,7 @@ def pictures(found):
     for file, start, title, name, unit in (
         ("document-writers.svg", "Writing the document", "Writing a document of 10,000 drives", "ms", "ms"),
         ("start.svg", "The start", "The start", "processor time, µs", "µs"),
-        ("waiting.svg", "What a run at", "What a run at 100 drives waits for, by the wall's clock", "ms", "ms"),
+        ("waiting.svg", "What a run at", "What a run at 100 drives waits for, by the wall clock", "ms", "ms"),
     ):
         table = next(rows for heading, rows in found.items() if heading.startswith(start))
         yield file, bars(title, list(zip([row[0] for row in table[1:]], column(table, name))), unit)

@@ -40,7 +40,7 @@ Function* real(const char* name)
     return reinterpret_cast<Function*>(dlsym(RTLD_NEXT, name));
 }
 
-/// Nanoseconds by the wall's clock.
+/// Nanoseconds by the wall clock.
 double now()
 {
     timespec time{};

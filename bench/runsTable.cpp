@@ -125,7 +125,7 @@ int reportCounts(const std::vector<Facility>& facilities)
     return report.status();
 }
 
-/// What the wall's clock says of a run, by what the collector waits for.
+/// What the wall clock says of a run, by what the collector waits for.
 int reportWaits(const Facility& facility)
 {
     std::map<std::string, Series> waits;
@@ -144,7 +144,7 @@ int reportWaits(const Facility& facility)
          {"shells", "console programs", "removing their output", "client", "own work", "whole run"})
         rows.push_back({what, cell(waits[what], 1e6),
                         format("%.0f %%", 100 * median(waits[what]) / median(waits["whole run"]))});
-    Report report("What a run at " + drivesOf(facility) + " drives waits for, by the wall's clock");
+    Report report("What a run at " + drivesOf(facility) + " drives waits for, by the wall clock");
     report.table({"", "ms", "share"}, rows);
     return report.status();
 }

@@ -26,8 +26,9 @@ Database::Database(std::string file, Access access) : shownName(platform::shown(
     // A reader too may have to undo what a killed writer left; where it must not write, it is opened for
     // reading.
     const int flags = SQLITE_OPEN_READWRITE | (access == Access::write ? SQLITE_OPEN_CREATE : 0);
-    errno =
-        0; // an earlier call's would be told where the system refuses nothing, as of a path that is too long
+    // SQLite refuses a path that is too long without asking the system: no earlier call's reason is told
+    // then.
+    errno = 0;
     if (sqlite3_open_v2(file.c_str(), &handle, flags, nullptr) == SQLITE_OK) {
         sqlite3_busy_timeout(handle, patience);
         if (access == Access::read) run("PRAGMA query_only = ON");

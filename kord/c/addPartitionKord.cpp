@@ -219,6 +219,13 @@ constexpr ToldQuery queries[] = {
                           .advice =
                               "see that the image of the selection is configured; the rest of this partition "
                               "and all behind it are missing from the document"}},
+     .callFailed = {.advice =
+                        "see that a node of the domain in the selection is online and reachable from the "
+                        "console, then run again; the rest of this partition and all behind it are missing "
+                        "from the document"},
+     .response = {.advice =
+                      "act on the message; where it is no minor error, the rest of this partition and all "
+                      "behind it are missing from the document"},
      .failsAs = reported},
 };
 

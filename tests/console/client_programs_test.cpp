@@ -64,7 +64,9 @@ TEST_F(ConsolePrograms, WithoutStandardInputTellTheJournal)
     const Outcome outcome = kordTest::runProcess(
         {.arguments = {"/bin/sh", "-c", "exec \"$0\" <&-", libexec() / "whoami"}, .folder = {}});
     EXPECT_EQ(outcome.status, 0);
-    EXPECT_EQ(lastLine()["program"], "whoami");
+    EXPECT_EQ(outcome.output, start({"whoami"}).output);
+    EXPECT_EQ(outcome.error, "");
+    EXPECT_EQ(folder->journal().size(), 2U);
 }
 
 TEST_F(ConsolePrograms, QconvpdPrintsTheVpdLines)

@@ -541,6 +541,7 @@ TEST(Facility, ATextStandsInTheImageOnce)
     std::string racks;
     for (int rack = 0; rack < 5000; ++rack)
         racks += std::string(rack == 0 ? "" : ",") + R"({"rackNumber": "number )" + std::to_string(rack) +
+                 R"(", "locationCode": "number )" + std::to_string(rack) +
                  R"(", "storageFacilityMTMS": "of every rack"})";
     const std::string image = compile(R"({"resources": {"Orvik.TarnRack": [)" + racks + "]}}").image;
     for (const std::string text : {"of every rack", "number 0", "number 4999"}) {

@@ -524,6 +524,9 @@ TEST(Explain, TheChecksOfAllNodesAskWithTheSameWords)
         .line("0010", " HWModel=\"9999-B2C\" && HWSerialNum=\"7ABCD12\" && LParID=\"2\"")
         .line("0013", "response 7, a, b\n");
     EXPECT_EQ(problemIn(second).function, "queryValeId");
+    Log system;
+    system.start().line("0109", "wwnn=1, server=0 ").line("0108", " response 5, bad");
+    EXPECT_EQ(problemIn(system).function, "queryPartnerSystem");
     Log partner;
     partner.checks().finalChecks().line("0012", " error array_cnt 0, SF2");
     EXPECT_EQ(problemIn(partner).function, "queryValePartnerStatus");

@@ -78,30 +78,31 @@ TEST(Progress, ChecksComeBeforeAndAfter)
 
 TEST(Progress, EveryPhaseBeginsWithItsLine)
 {
-    const char* const before = "state checks"; // what a line of the systems' states begins
-    const char* const after = "final checks";
+    // The phase that a line of the systems' states begins.
+    const char* const checksBefore = "state checks";
+    const char* const checksAfter = "final checks";
     const struct {
         const char* line;
         const char* phase;
         const char* states;
     } cases[] = {
-        {"0004: start local session ", "sessions", before},
-        {"0107:  managedSystemMTMS=\"9999-B2C*7ABCD12\" ", "system checks", before},
-        {"0108:  array_cnt_sfs=1", "system checks", before},
-        {"0109: wwnn=500FACE000001230, server=0 ", "system checks", before},
-        {"0017: rc=0, xargc=1, 9999-B2C*7ABCD12, state=Operating ", "state checks", before},
-        {"==>:  queryPartition", "partition checks", before},
-        {"0005: start DM session ", "domain session", after},
-        {"==>:  addCecEnclKord", "processor complexes", after},
-        {"==>:  addIoEnclKord", "I/O enclosures", after},
-        {"==>:  queryDA", "I/O enclosures", after},
-        {"==>:  addStorEnclKord", "storage enclosures", after},
-        {"==>:  queryDDM", "storage enclosures", after},
-        {"0400: storageFacilityMTMS=\"9999-A01*00XY1230\" ", "racks", after},
-        {">>:  openRackEncl  resource", "racks", after},
-        {"==>:  addQuayEnclKord", "consoles", after},
-        {"==>:  addPartitionKord", "partitions", after},
-        {">>:  openPartitionResource resource", "partitions", after},
+        {"0004: start local session ", "sessions", checksBefore},
+        {"0107:  managedSystemMTMS=\"9999-B2C*7ABCD12\" ", "system checks", checksBefore},
+        {"0108:  array_cnt_sfs=1", "system checks", checksBefore},
+        {"0109: wwnn=500FACE000001230, server=0 ", "system checks", checksBefore},
+        {"0017: rc=0, xargc=1, 9999-B2C*7ABCD12, state=Operating ", "state checks", checksBefore},
+        {"==>:  queryPartition", "partition checks", checksBefore},
+        {"0005: start DM session ", "domain session", checksAfter},
+        {"==>:  addCecEnclKord", "processor complexes", checksAfter},
+        {"==>:  addIoEnclKord", "I/O enclosures", checksAfter},
+        {"==>:  queryDA", "I/O enclosures", checksAfter},
+        {"==>:  addStorEnclKord", "storage enclosures", checksAfter},
+        {"==>:  queryDDM", "storage enclosures", checksAfter},
+        {"0400: storageFacilityMTMS=\"9999-A01*00XY1230\" ", "racks", checksAfter},
+        {">>:  openRackEncl  resource", "racks", checksAfter},
+        {"==>:  addQuayEnclKord", "consoles", checksAfter},
+        {"==>:  addPartitionKord", "partitions", checksAfter},
+        {">>:  openPartitionResource resource", "partitions", checksAfter},
     };
     const std::string state = "112126 13:41:06 0017: rc=0, xargc=1, 9999-B2C*7ABCD12, state=Operating ";
     for (const auto& [text, phase, states] : cases) {

@@ -516,8 +516,8 @@ void judgeHeld(const Case& run, const Plan& plan, const Result& result, Findings
     }
 }
 
-/// Want of memory for the hosts' descriptions, which ends a run, is filed.
-void judgeFiled(const Case& run, const Result& result, Findings& findings)
+/// Running out of memory for the hosts' descriptions ends the run, and is filed.
+void judgeMemoryFiled(const Case& run, const Result& result, Findings& findings)
 {
     if (run.fails({"calloc"}) &&
         result.log.find("==>:  handleErrKord Orvik.TarnScsiHostPort, m\n") == std::string::npos)
@@ -536,7 +536,7 @@ void judgeSystem(const Case& run, const Plan& plan, const Result& result, Findin
     if (!run.fails({"unlink"})) judgeTemporaryFiles(plan, result, findings);
     judgeEnding(run, result, findings);
     judgeLines(run, result, findings);
-    judgeFiled(run, result, findings);
+    judgeMemoryFiled(run, result, findings);
     judgeClosing(run, result, findings);
     judgeDocumentLeft(run, result, findings);
     judgeLogFiles(run, findings);

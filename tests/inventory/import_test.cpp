@@ -4,6 +4,7 @@
 
 #include "consoleRun.h"
 #include "inventory/packing.h"
+#include "inventory/sqlite.h"
 #include "parseJson.h"
 
 #include <algorithm>
@@ -244,8 +245,8 @@ TEST_F(Import, ADatabaseThatCannotBeMadeSaysWhy)
     for (int depth = 0; depth < 3; ++depth)
         far /= std::string(200, 'x');
     std::filesystem::create_directories(far);
-    const std::string farther = far / "fleet.db"; // than the library goes
-    EXPECT_EQ(error(farther), "kord: " + farther + ": unable to open database file\n");
+    const std::string tooLong = far / "fleet.db"; // for SQLite
+    EXPECT_EQ(error(tooLong), "kord: " + tooLong + ": unable to open database file\n");
 }
 
 TEST_F(Import, ADatabaseWhoseFilesAreInTheWaySaysWhy)
@@ -274,7 +275,10 @@ TEST_F(Import, ALargeDocumentIsTakenInWhole)
     const std::string file = fleet.write("large.xml", text);
     import({file}, "1 document imported");
     const Outcome wanted = Fleet::kord({"list", "all", "--format", "csv", file});
-    EXPECT_EQ(Fleet::kord({"list", "all", "--format", "csv", fleet.database()}).output, wanted.output);
+    const Outcome outcome = Fleet::kord({"list", "all", "--format", "csv", fleet.database()});
+    EXPECT_EQ(outcome.status, 0) << outcome.error;
+    EXPECT_EQ(outcome.output, wanted.output);
+    EXPECT_GT(outcome.output.size(), drives.size());
     EXPECT_THAT(fleet.ask("SELECT count(*) FROM drive"), ElementsAre("3000"));
 }
 
@@ -305,9 +309,42 @@ TEST_F(Import, ADamagedDocumentBesideANewOneIsTold)
         fleet.ask("UPDATE document SET content = x''");
         const Outcome outcome = fleet.import({fleet.write(name, text)});
         EXPECT_EQ(outcome.status, 2);
+        EXPECT_EQ(outcome.output, "0 documents imported\n");
         EXPECT_THAT(outcome.error, testing::HasSubstr(fleet.database().string() + ": " + file +
                                                       ": the document in it is damaged\n"));
+        EXPECT_THAT(fleet.ask("SELECT count(*) FROM snapshot"), ElementsAre("1"));
     }
+}
+
+/// What was begun is undone, and the next file begins anew.
+TEST_F(Import, AfterAFileInTroubleTheOthersAreTakenIn)
+{
+    const std::string file = fleet.write("2.xml", tuesday);
+    const std::string other =
+        fleet.write("o.xml", documentOf({.system = "SYSTEM-0", .day = 2, .drives = {driveC}}));
+    import({file}, "1 document imported");
+    std::string content = "x'";
+    for (const char byte : inventory::packed("no document")) {
+        constexpr const char* digits = "0123456789abcdef";
+        const auto number = static_cast<unsigned char>(byte);
+        content.append({digits[number >> 4U], digits[number & 0xFU]});
+    }
+    fleet.ask("UPDATE document SET content = " + content + "'");
+    const Outcome outcome = fleet.import({fleet.write("3.xml", wednesday), other});
+    EXPECT_EQ(outcome.status, 2);
+    EXPECT_EQ(outcome.output, "1 document imported\n");
+    EXPECT_THAT(fleet.ask("SELECT file FROM snapshot ORDER BY 1"), ElementsAre(file, other));
+}
+
+TEST_F(Import, ADocumentThatIsThereWaitsForNobody)
+{
+    const std::string file = fleet.write("1.xml", monday);
+    import({file}, "1 document imported");
+    inventory::Database database(fleet.database(), inventory::Database::Access::write);
+    const inventory::Transaction transaction(database);
+    const Outcome outcome = Fleet::kord({"import", fleet.database(), file}, std::chrono::seconds(20));
+    EXPECT_EQ(outcome.status, 0) << outcome.error;
+    EXPECT_EQ(outcome.output, "0 documents imported, 1 there already\n");
 }
 
 TEST_F(Import, BytesThatAreNoTextDoNoHarm)

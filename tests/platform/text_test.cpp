@@ -24,7 +24,7 @@ TEST(Text, ShowsWhatATerminalMayShow)
 // NOLINTBEGIN(misc-misleading-bidirectional): that is what is shown
 TEST(Text, ShowsWhatControlsATerminalOrHides)
 {
-    EXPECT_EQ(shown("\xC2\x80"), "\\u{80}");            // the first behind those of one byte
+    EXPECT_EQ(shown("\xC2\x80"), "\\u{80}");            // the first character of two bytes
     EXPECT_EQ(shown("\xC2\x9B"), "\\u{9B}");            // control sequences begin with it, as with ESC [
     EXPECT_EQ(shown("\xE2\x80\xAE"), "\\u{202E}");      // turns the text around
     EXPECT_EQ(shown("\xE2\x81\xA6"), "\\u{2066}");      // isolates it

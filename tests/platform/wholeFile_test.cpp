@@ -69,7 +69,7 @@ TEST_F(WholeFileTest, ShowsNothingBeforeItIsInPlace)
     EXPECT_EQ(entries(), 1U);
 }
 
-TEST_F(WholeFileTest, InPlaceIsLeftInPeaceByTheOneBefore)
+TEST_F(WholeFileTest, InPlaceRemovesNoOthersTemporaryFile)
 {
     auto first = std::make_unique<WholeFile>(path);
     first->putInPlace();
