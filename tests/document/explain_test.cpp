@@ -379,6 +379,14 @@ TEST(Explain, AnErrorOfTheFacilityIsMinor)
     EXPECT_EQ(document::answerWords(run.problems[0]),
               "the first answer is in error 0x40008 (262152), \"absent\"");
     EXPECT_THAT(document::explanation(run, 1), HasSubstr("It ended with status 3 and minor errors."));
+    EXPECT_FALSE(run.problems[0].standsInstead);
+    Log name;
+    name.checks()
+        .entry("SFIamgeWWNN")
+        .line("0621", "  storageFacilityImageMTMS=\"I\" && ActivePeerDomain=\"D\"")
+        .line("0624", " response 262152, absent\n");
+    EXPECT_EQ(problemIn(name).severity, Severity::minor);
+    EXPECT_TRUE(problemIn(name).standsInstead);
 }
 
 TEST(Explain, AnErrorWithItsMessageFiled)
