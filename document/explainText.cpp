@@ -189,11 +189,11 @@ std::string missingParts(const Problem& problem)
 
 void addField(std::string& text, std::string_view label, const std::string& value)
 {
-    constexpr size_t width = 12;
+    constexpr size_t width = 12; // of the longest label, and two blanks
     if (value.empty()) return;
     text += "  ";
     text += label;
-    text.append(width - std::min(width - 1, label.size()), ' ');
+    text.append(width - label.size(), ' ');
     text += value + '\n';
 }
 

@@ -1067,6 +1067,7 @@ TEST(Tables, HoldTheCollectorsQueries)
     EXPECT_EQ(query->className, "Orvik.TarnDDM");
     EXPECT_EQ(document::tables().event("r").referenceCode, "BED00001");
     EXPECT_EQ(document::tables().event("m").referenceCode, "BED00005");
+    EXPECT_THAT(document::tables().event("s").advice, HasSubstr("run again"));
     EXPECT_TRUE(query->tracesSelection);
     for (const document::TableQuery& one : document::tables().queries)
         EXPECT_EQ(one.tracesSelection,
