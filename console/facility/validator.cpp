@@ -4,6 +4,7 @@
 #include "facility/validator.h"
 
 #include <algorithm>
+#include <limits>
 #include <span>
 
 #include <valijson/adapters/nlohmann_json_adapter.hpp>
@@ -110,6 +111,23 @@ void add(Faults& faults, Fault fault)
     if (!known) faults.push_back(std::move(fault));
 }
 
+/// The library takes every integer for one of 64 bits with a sign. What is larger becomes a number that is
+/// none.
+void loosenLargest(json& value)
+{
+    std::vector<json*> left = {&value};
+    while (!left.empty()) {
+        json& one = *left.back();
+        left.pop_back();
+        if (one.is_structured()) {
+            for (json& inner : one)
+                left.push_back(&inner);
+        } else if (one.is_number_unsigned() && one.get<uint64_t>() > std::numeric_limits<int64_t>::max()) {
+            one = one.get<double>();
+        }
+    }
+}
+
 } // namespace
 
 Validator::Validator(json schemaJson)
@@ -122,6 +140,7 @@ Validator::~Validator() = default;
 
 void Validator::check(json& value, const std::string& pointer, Faults& faults) const
 {
+    loosenLargest(value);
     // Of several alternatives all are tried where what is wrong is asked for, though one of them holds.
     valijson::Validator validator(valijson::Validator::kStrongTypes);
     if (validator.validate(*schema, Adapter(value), nullptr)) return;

@@ -557,6 +557,31 @@ TEST(Facility, FaultsStayOnOneLine)
     EXPECT_EQ(lines(compilation.faults), "/a?b: is not known here\n");
 }
 
+/// What looks like a resource that was good before is one only where every number has the size of its.
+TEST(Facility, ANumberTooLargeIsFoundBehindGoodOnes)
+{
+    const auto faultyPlaces = [](const std::string& name, const std::string& attribute,
+                                 const std::string& number) {
+        std::string places;
+        const std::string start = "{\"resources\": {\"" + name + "\": [{\"" + attribute + "\": 5}, {\"";
+        for (const auto& fault : compile(start + attribute + "\": " + number + "}]}}").faults)
+            places += fault.pointer + ' ';
+        return places;
+    };
+    for (const char* number : {"2147483647", "-2147483648", "-0", "7"})
+        EXPECT_EQ(faultyPlaces("Orvik.TarnDDM", "diskCapacity", number), "") << number;
+    for (const char* number : {"2147483648", "4294967296", "18446744073709551615", "-2147483649"})
+        EXPECT_EQ(faultyPlaces("Orvik.TarnDDM", "diskCapacity", number),
+                  "/resources/Orvik.TarnDDM/1/diskCapacity ")
+            << number;
+    for (const char* number : {"4294967295", "0"})
+        EXPECT_EQ(faultyPlaces("Orvik.TarnRack", "rackIdentifier", number), "") << number;
+    for (const char* number : {"4294967296", "18446744073709551615", "-1"})
+        EXPECT_EQ(faultyPlaces("Orvik.TarnRack", "rackIdentifier", number),
+                  "/resources/Orvik.TarnRack/1/rackIdentifier ")
+            << number;
+}
+
 /// A deep file must not exhaust the stack, whoever walks it.
 TEST(Facility, DeepNestingIsRefusedInGoodOrder)
 {

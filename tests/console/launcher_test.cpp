@@ -136,6 +136,14 @@ TEST_F(Launcher, MirrorsAFolderOnce)
               fs::exists("/var/brisk") && fs::exists("/var/tarnquay") && fs::exists("/var/adm") ? 0 : 1);
 }
 
+TEST_F(Launcher, OpensTheWayToItsFoldersToAll)
+{
+    if (!kordTest::hasNamespaces()) GTEST_SKIP() << "the folders are the machine's";
+    if (fs::exists("/opt/brisk")) GTEST_SKIP() << "it is the machine's";
+    const Outcome outcome = inShell("umask 077; " + runText() + "stat -c %a /opt/brisk");
+    EXPECT_EQ(outcome.output, "755\n") << outcome.error;
+}
+
 TEST_F(Launcher, LeavesTheMachineAsItIs)
 {
     const std::string listing = "ls -A /opt /var; ls /var/lib";
