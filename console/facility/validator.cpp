@@ -111,8 +111,8 @@ void add(Faults& faults, Fault fault)
     if (!known) faults.push_back(std::move(fault));
 }
 
-/// The library takes every integer for one of 64 bits with a sign. What is larger becomes a number that is
-/// none.
+/// The library reads every integer as a signed one of 64 bits. A larger one is given to it as a
+/// floating-point number, which no schema takes for an integer.
 void loosenLargest(json& value)
 {
     std::vector<json*> left = {&value};

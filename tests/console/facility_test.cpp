@@ -557,7 +557,7 @@ TEST(Facility, FaultsStayOnOneLine)
     EXPECT_EQ(lines(compilation.faults), "/a?b: is not known here\n");
 }
 
-/// What looks like a resource that was good before is one only where every number has the size of its.
+/// A resource with the attributes of a good one needs no closer look, unless a number is too large.
 TEST(Facility, ANumberTooLargeIsFoundBehindGoodOnes)
 {
     const auto faultyPlaces = [](const std::string& name, const std::string& attribute,
