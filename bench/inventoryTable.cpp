@@ -80,6 +80,7 @@ public:
         transaction.commit();
     }
 
+    // NOLINTNEXTLINE(cert-err58-cpp)
     static inline const std::vector<std::string> relations = {"snapshot", "document", "part", "change"};
 
 private:
@@ -97,6 +98,7 @@ private:
         statement.run();
     }
 
+    // NOLINTNEXTLINE(cert-err58-cpp)
     static inline const std::vector<std::string> marks = {
         "?, ?, ?, ?, ?, ?, ?, ?", "?, ?", "?, ?, ?, ?, ?, ?, ?, ?, ?", "?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?"};
 

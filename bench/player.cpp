@@ -52,8 +52,10 @@ int32_t Player::act(const CallHead& head, const char* texts)
     const ValeStructuredData input{.count = 1, .elements = &element};
     ValeActionResponse* responses = nullptr;
     uint32_t count = 0;
-    const int32_t rc = vale_invoke_action(session(head.session), &responses, &count,
-                                          reinterpret_cast<ValeResourceHandle>(head.handle), action, &input);
+    // NOLINTNEXTLINE(performance-no-int-to-ptr)
+    auto* const resource = reinterpret_cast<ValeResourceHandle>(head.handle);
+    const int32_t rc =
+        vale_invoke_action(session(head.session), &responses, &count, resource, action, &input);
     answers_.push_back(responses);
     return rc;
 }

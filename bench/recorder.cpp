@@ -41,7 +41,7 @@ Function* real(const char* name)
 }
 
 /// Nanoseconds by the wall clock.
-double now()
+double now() noexcept
 {
     timespec time{};
     clock_gettime(CLOCK_MONOTONIC, &time);

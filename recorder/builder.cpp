@@ -111,7 +111,7 @@ ordered_json buildFacility(const Origin& origin, std::vector<Call> calls)
     Gatherer gatherer;
     for (const Call& call : calls)
         gatherer.take(call);
-    json rules = rulesFor(calls, RegularConsole(gatherer));
+    const json rules = rulesFor(calls, RegularConsole(gatherer));
     calls = {}; // they are as large as the facility, which is still to be made
     ordered_json facility = gatherer.facility();
     ordered_json& recording = facility["recording"];
@@ -120,7 +120,7 @@ ordered_json buildFacility(const Origin& origin, std::vector<Call> calls)
     recording["date"] = origin.date;
     recording["status"] = origin.status;
     recording["versions"] = origin.versions;
-    facility["faults"] = std::move(rules);
+    facility["faults"] = rules;
     return facility;
 }
 

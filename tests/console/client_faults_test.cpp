@@ -47,7 +47,7 @@ TEST(FaultRules, MatchByCallClassScopeAndSelection)
                                        EXPECT_EQ(vale_start_session(nullptr, 0, 2, &shared), 10);
                                        EXPECT_EQ(shared, nullptr);
                                        EXPECT_EQ(lastMessage(), "ten\n");
-                                       const ValeSessionHandle session = startSession(4);
+                                       auto* const session = startSession(4);
                                        EXPECT_EQ(Enumeration(session, ddm, "serialNumber=\"A\" ").result, 11)
                                            << "the first rule decides";
                                        EXPECT_EQ(Query(session, ddm, "serialNumber=\"A\" ", {}).result, 12);
@@ -71,7 +71,7 @@ TEST(FaultRules, CountEveryCallThatTheirFieldsMatch)
         {"class": "Orvik.TarnDDM", "nth": 9, "fails": {"code": 9, "message": ""}},
         {"program": "qmstat", "status": 1, "output": ""})"),
                                    [] {
-                                       const ValeSessionHandle session = startSession(4);
+                                       auto* const session = startSession(4);
                                        for (int i = 0; i < 4; ++i)
                                            Query(session, ddm, nullptr, {});
                                    });
@@ -124,7 +124,7 @@ TEST(FaultError, ExtendsAnAnswerThatIsTooShort)
         facilityWith(R"({"call": "query_p_select", "error": {"number": 8, "message": "x", "response": 3}},
                         {"call": "enumerate_resources", "error": {"number": 9, "response": 1}})"),
         [] {
-            const ValeSessionHandle session = startSession(4);
+            auto* const session = startSession(4);
             const Query answer(session, ddm, "serialNumber='B'", {"serialNumber"});
             ASSERT_EQ(answer.count, 4U);
             EXPECT_EQ(brief(answer[0]), "serialNumber=\"B\"");
@@ -154,7 +154,7 @@ TEST(FaultAnswer, OfAQueryGivesExactlyItsAttributes)
             {"error": {"number": 262154, "message": "gone\n"}},
             {}]})"),
               [] {
-                  const ValeSessionHandle session = startSession(4);
+                  auto* const session = startSession(4);
                   const Query answer(session, "Orvik.Unknown", "malformed", {"requested"});
                   ASSERT_EQ(answer.count, 3U);
                   EXPECT_EQ(brief(answer[0]), "b=\"text\" a=(null) n=-5 u=4294967295u i=[1][2] t=[\"x\"]");
@@ -172,7 +172,7 @@ TEST(FaultAnswer, OfAnEnumerationGivesHandlesThatActionsTake)
         {"call": "invoke_action", "class": "Orvik.TarnServerPartition", "nth": 2,
          "answer": [{"elements": [7, "text", null]}, {"error": {"number": 4}}]})"),
                                    [] {
-                                       const ValeSessionHandle session = startSession(4);
+                                       auto* const session = startSession(4);
                                        const Enumeration handles(session, partition, nullptr);
                                        ASSERT_EQ(handles.count, 2U);
                                        ASSERT_EQ(handles[0].handleCount, 3U);
@@ -198,7 +198,7 @@ TEST(FaultAnswer, OfAnEnumerationGivesHandlesThatActionsTake)
 TEST(FaultAnswer, OfNothingIsASuccessfulAnswer)
 {
     journalOf(facilityWith(R"({"class": "Orvik.TarnDDM", "answer": []})"), [] {
-        const ValeSessionHandle session = startSession(4);
+        auto* const session = startSession(4);
         const Query query(session, ddm, nullptr, {"serialNumber"});
         EXPECT_EQ(query.result, 0);
         EXPECT_EQ(query.count, 0U);
@@ -213,7 +213,7 @@ TEST(FaultDelay, AloneLeavesTheRegularAnswer)
     journalOf(facilityWith(R"({"class": "Orvik.TarnDDM", "delay": 50},
                               {"class": "Orvik.TarnDDM", "fails": {"code": 3, "message": ""}})"),
               [] {
-                  const ValeSessionHandle session = startSession(4);
+                  auto* const session = startSession(4);
                   const auto start = std::chrono::steady_clock::now();
                   const Query answer(session, ddm, nullptr, {});
                   EXPECT_GE(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(50));

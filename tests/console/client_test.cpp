@@ -128,7 +128,7 @@ TEST(ClientAction, FailsForAnyOtherActionOrInput)
     journalOf(someParts, [] {
         auto* const session = startSession(4);
         const Enumeration partitions(session, partition, nullptr);
-        const ValeResourceHandle resource = partitions[0].handles[0];
+        auto* const resource = partitions[0].handles[0];
         Action(session, resource, "queryImageLevel").expectFailure();
         Action(session, resource, nullptr).expectFailure();
         Action(session, resource, "queryRunningImageLevel", "s").expectFailure();
@@ -210,12 +210,12 @@ TEST(ClientFailure, SaysWhatIsWrong)
                "class \"" + std::string(rack) +
                    "\" is not served to a session of scope 4, only to one of scope 2\n");
         const Enumeration partitions(session, partition, nullptr);
-        const ValeResourceHandle resource = partitions[0].handles[0];
+        auto* const resource = partitions[0].handles[0];
         expect(Action(session, resource, "queryImageLevel"), "action \"queryImageLevel\" is unknown\n");
         expect(Action(session, resource, nullptr), "action (null) is unknown\n");
         expect(Action(session, resource, "queryRunningImageLevel", "s"),
                "queryRunningImageLevel takes the one text \"S\"\n");
-        const ValeSessionHandle racks = startSession(2);
+        auto* const racks = startSession(2);
         for (const auto& [selection, says] : malformed)
             expect(Query(racks, rack, selection.c_str(), {}),
                    "malformed selection: " + says + ": " + selection + '\n');

@@ -510,11 +510,12 @@ TEST(Scanner, APropertyStandsInAResourceOnce)
     const std::string twice = property("SN", "L", "1") + property("PN", "L", "2") + property("SN", "L", "3");
     const Scanned scanned = scan(ofSystem(
         list("Arrays", "") + list("Enclosures", property("SN", "L", "S") + resource("Gadget", "Q", twice))));
-    EXPECT_EQ(inside(scanned.events),
-              (Texts{"list Arrays", "/list", "list Enclosures", "resource Gadget|Q", "SN|L|1",
-                     "PN|L|2</Value>\n</Property>\n<Property name=\"SN\" "
-                     "displayName=\"L\">\nSN\n<Value type=\"string\">3",
-                     "/resource", "/list"}));
+    EXPECT_EQ(
+        inside(scanned.events),
+        (Texts{"list Arrays", "/list", "list Enclosures", "resource Gadget|Q", "SN|L|1",
+               "PN|L|2</Value>\n</Property>\n" +
+                   std::string("<Property name=\"SN\" displayName=\"L\">\nSN\n<Value type=\"string\">3"),
+               "/resource", "/list"}));
     EXPECT_EQ(scanned.findings, (Texts{"13: the property \"SN\" has no place here and is left out",
                                        "25: the value of \"PN\" holds lines that look like the document's"}));
 }
@@ -746,7 +747,7 @@ TEST(Scanner, SaysWhatIsNoDocumentAndWhere)
         {replaced("verion", "version"), "test.xml:2: "},
         {replaced("Hardware\" type", "Software\" type"), "test.xml:3: "},
         {replaced("1795268463.5", "now"), "test.xml:3: "},
-        {std::string(100'000'000, '\0'), "test.xml:1: \"\\x00"},
+        {std::string().append(100'000'000, '\0'), "test.xml:1: \"\\x00"},
     };
     for (const auto& [text, says] : none) {
         try {

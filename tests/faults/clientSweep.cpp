@@ -22,7 +22,7 @@ struct Recorded {
     size_t occurrence = 0; ///< how often it was made by then, itself included
 };
 
-struct Recording {
+struct Recording { // NOLINT(bugprone-exception-escape): JSON can be moved
     json facility;
     std::vector<Recorded> calls; ///< the client calls in order
     std::shared_ptr<const std::string> log;

@@ -73,7 +73,7 @@ struct Plan {
 };
 
 /// What a run left.
-struct Result {
+struct Result {    // NOLINT(bugprone-exception-escape): JSON can be moved
     json facility; ///< as it was run, with its fault rules
     kordTest::Outcome outcome;
     std::vector<json> journal;

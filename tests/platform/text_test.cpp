@@ -21,7 +21,6 @@ TEST(Text, ShowsWhatATerminalMayShow)
     EXPECT_EQ(shown(std::string_view("\0", 1)), "\\x00");
 }
 
-// NOLINTBEGIN(misc-misleading-bidirectional): that is what is shown
 TEST(Text, ShowsWhatControlsATerminalOrHides)
 {
     EXPECT_EQ(shown("\xC2\x80"), "\\u{80}");            // the first character of two bytes
@@ -35,7 +34,6 @@ TEST(Text, ShowsWhatControlsATerminalOrHides)
     EXPECT_EQ(shown("\xF3\xA0\x81\x81"), "\\u{E0041}"); // a tag: text that nothing draws
     EXPECT_EQ(shown("\xC2\xA0\xC2\xA1"), "\xC2\xA0\xC2\xA1"); // the first that are no control characters
 }
-// NOLINTEND(misc-misleading-bidirectional)
 
 /// What Unicode calls default-ignorable, its separators of lines and paragraphs, and the marks of
 /// annotations: the first and the last of each range, and that their neighbours are shown.

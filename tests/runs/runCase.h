@@ -54,7 +54,7 @@ struct DocumentState {
     int extraClosings = 0;
 };
 
-struct RunCase {
+struct RunCase { // NOLINT(bugprone-exception-escape): JSON can be moved
     std::string name;
     std::string why;
     std::string broken; ///< not empty: the case file itself is at fault, and this is how

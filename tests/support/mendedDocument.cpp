@@ -216,8 +216,7 @@ std::string differenceOf(const std::vector<Element>& raw, const std::vector<Elem
                 return before.code + " of \"" + one.displayName + "\" became " + after.code + " \"" +
                        after.value + '"';
         }
-        if (const std::string inside = differenceOf(one.children, other.children); !inside.empty())
-            return inside;
+        if (std::string inside = differenceOf(one.children, other.children); !inside.empty()) return inside;
     }
     return "";
 }
