@@ -86,7 +86,7 @@ protected:
             "(SELECT * FROM change WHERE change.snapshot = one.snapshot ORDER BY id)) "
             "FROM snapshot AS one ORDER BY system, time";
         const Lines wanted = calm->ask(content);
-        ASSERT_EQ(wanted.size(), size_t{systems * nights});
+        ASSERT_EQ(wanted.size(), size_t{systems} * nights);
         EXPECT_EQ(fleet.ask(content), wanted);
     }
 };

@@ -201,7 +201,7 @@ TEST(StandIn, EndsWhereItsOriginalDoes)
     StandIns standIns;
     const std::string standIn = standIns.of(std::string_view("ledger7").substr(0, 6));
     EXPECT_EQ(standIn, standIns.of("ledger"));
-    EXPECT_EQ(std::string(standIn.c_str()), standIn);
+    EXPECT_EQ(standIn.find('\0'), std::string::npos);
     const std::string_view cut = std::string_view("\U0001F4BE").substr(0, 3);
     EXPECT_NE(standIns.of(cut), cut);
 }

@@ -20,7 +20,6 @@ namespace fs = std::filesystem;
 using kordTest::Outcome;
 using nlohmann::json;
 using toolTest::expected;
-using toolTest::kord;
 using toolTest::run;
 using Texts = std::vector<std::string>;
 
