@@ -313,6 +313,9 @@ TEST(Diff, Hosts)
               Lines{"changed   host web of Tarn01: Host Inventory web=2 -> www=2"});
     EXPECT_EQ(changes(partition("5", "web=2,mail=1,"), partition("5", "web=1,www=1,mail=1,")),
               Lines{"changed   host web of Tarn01: Host Inventory web=1 -> www=1"});
+    EXPECT_EQ(changes(partition("5", "a=2,b=2,"), partition("5", "c=2,d=2,")),
+              (Lines{"changed   host a of Tarn01: Host Inventory a=2 -> c=2",
+                     "changed   host b of Tarn01: Host Inventory b=2 -> d=2"}));
     EXPECT_EQ(changes(partition("5", ""), partition("5", "a, b=c=2,")),
               Lines{"added     host a, b=c of Tarn01: Host Inventory ports (none) -> 2"});
 }

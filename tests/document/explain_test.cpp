@@ -481,6 +481,24 @@ TEST(Explain, AnEventThatCouldNotBeFiledBeforeItsReason)
 
 /// An event takes 499 characters of its text: a blank, which takes the place of the message's line feed, is
 /// the last.
+TEST(Explain, MemoryThatRanOutForAHostIsFatal)
+{
+    Log log;
+    log.checks()
+        .entry("addPartitionKord")
+        .entry("queryScsiHostPort")
+        .line("0677", "  storageFacilityImageMTMS=\"I\" && ActivePeerDomain=\"D\" ")
+        .line("0679", " array_cnt_shp=1")
+        .line("0677", " add web")
+        .event("Orvik.TarnScsiHostPort", "m")
+        .exit(-1);
+    const Problem problem = problemIn(log);
+    EXPECT_EQ(problem.kind, "outOfMemory");
+    EXPECT_EQ(problem.severity, Severity::fatal);
+    EXPECT_EQ(problem.text, " add web");
+    EXPECT_THAT(problem.events, SizeIs(1));
+}
+
 TEST(Explain, AnEventsTextIsCut)
 {
     for (const size_t length : {size_t{0}, size_t{10}, size_t{470}, size_t{485}, size_t{600}}) {

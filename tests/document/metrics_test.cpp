@@ -84,7 +84,15 @@ TEST_F(MetricsText, TellsHowTheRunWent)
          {"kord_run_start_timestamp_seconds" + system + "1795261263\n",
           "kord_run_end_timestamp_seconds" + system + "1795261269\n", "kord_run_status" + system + "3\n",
           "kord_run_success" + system + "1\n", "kord_run_minor_errors" + system + "2\n",
-          "kord_run_events" + system + "1\n"})
+          "kord_run_events" + system + "1\n",
+          std::string("# HELP kord_run_start_timestamp_seconds When the newest collection started, by the "
+                      "console's clock.\n"),
+          std::string("# HELP kord_run_end_timestamp_seconds When the newest collection ended; none where it "
+                      "has not.\n"),
+          std::string("# HELP kord_run_status Exit status of the newest collection: 3 is success.\n"),
+          std::string("# HELP kord_run_success Whether the newest collection ended with success.\n"),
+          std::string("# HELP kord_run_minor_errors Minor errors of the newest collection.\n"),
+          std::string("# HELP kord_run_events Events that the newest collection filed.\n")})
         EXPECT_NE(text.find('\n' + line), std::string::npos) << line << text;
 }
 
