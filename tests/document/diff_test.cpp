@@ -604,7 +604,6 @@ TEST(Report, IsJsonForPrograms)
     EXPECT_EQ(jsonOf(before, before)["changes"], nlohmann::json::array());
 }
 
-/// The form is for people, too: a change a block, a value a line.
 /// What an array site tells of its array's number is not the array's own.
 TEST(Report, NamesTheColumnOfAnArraysRank)
 {
@@ -636,6 +635,7 @@ TEST(Report, NamesTheColumnOfEveryItemOfAProperty)
     }
 }
 
+/// The form is for people, too: a change a block, a value a line.
 TEST(Report, IsJsonToBeRead)
 {
     using Writer = void (*)(const document::Changes&, const document::Write&);

@@ -479,8 +479,6 @@ TEST(Explain, AnEventThatCouldNotBeFiledBeforeItsReason)
     EXPECT_EQ(memory.problems[1].events.at(0).referenceCode, "BED00005");
 }
 
-/// An event takes 499 characters of its text: a blank, which takes the place of the message's line feed, is
-/// the last.
 TEST(Explain, MemoryThatRanOutForAHostIsFatal)
 {
     Log log;
@@ -499,6 +497,8 @@ TEST(Explain, MemoryThatRanOutForAHostIsFatal)
     EXPECT_THAT(problem.events, SizeIs(1));
 }
 
+/// An event takes 499 characters of its text: a blank, which takes the place of the message's line feed, is
+/// the last.
 TEST(Explain, AnEventsTextIsCut)
 {
     for (const size_t length : {size_t{0}, size_t{10}, size_t{470}, size_t{485}, size_t{600}}) {

@@ -14,10 +14,7 @@ namespace
 template <typename Report>
 std::string journalOf(Report report)
 {
-    const std::string journal = unit::journalPath();
-    const size_t before = unit::readFile(journal).size();
-    EXPECT_EQ(report(), -1);
-    return unit::readFile(journal).substr(before);
+    return unit::journaled([&] { EXPECT_EQ(report(), -1); });
 }
 
 /// The tool's arguments as the journal shows them; `text` is the event's, as JSON.

@@ -99,12 +99,11 @@ Left leftBy(const Collector& collector)
 {
     kordRec record = unit::freshRecord();
     copyText(record.activePeerDomain_quay, "quay");
-    const std::string journal = unit::journalPath();
-    const size_t before = unit::readFile(journal).size();
     Left left;
-    left.document = unit::written(record, [&](kordRec* run) { left.result = collector.call(run); });
+    left.events = eventsOf(unit::journaled([&] {
+        left.document = unit::written(record, [&](kordRec* run) { left.result = collector.call(run); });
+    }));
     left.trace = unit::traceOf(record);
-    left.events = eventsOf(unit::readFile(journal).substr(before));
     return left;
 }
 

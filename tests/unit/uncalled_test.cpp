@@ -28,10 +28,7 @@ protected:
     template <typename Call>
     std::string asked(Call call)
     {
-        const std::string journal = unit::journalPath();
-        const size_t before = unit::readFile(journal).size();
-        call(&record);
-        const std::string added = unit::readFile(journal).substr(before);
+        const std::string added = unit::journaled([&] { call(&record); });
         const size_t begin = added.find("\"vale\":");
         return added.substr(begin, added.find(",\"result\"") - begin);
     }

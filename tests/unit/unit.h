@@ -36,12 +36,16 @@ inline mode_t modeOf(const std::string& path)
     return stat(path.c_str(), &status) == 0 ? status.st_mode & 07777 : 0;
 }
 
-/// What the simulated console tells of the run's calls and programs.
-inline std::string journalPath()
+/// The lines of the simulated console's journal that `act` adds.
+template <typename Act>
+std::string journaled(Act act)
 {
     const char* const root = getenv("KORD_CONSOLE_ROOT");
     if (root == nullptr) throw std::runtime_error("these tests run on the simulated console");
-    return std::string(root) + "/journal.jsonl";
+    const std::string journal = std::string(root) + "/journal.jsonl";
+    const size_t before = readFile(journal).size();
+    act();
+    return readFile(journal).substr(before);
 }
 
 /// How many descriptors this process has.
