@@ -360,7 +360,9 @@ TEST(Explain, NothingFoundIsNoNumber)
     for (const int count : {-1, 0, 3}) {
         Log log = drivesAsked();
         log.line("0302 ", "no res  array_cnt_ddm=" + std::to_string(count));
-        EXPECT_EQ(problemIn(log).kind, count > 0 ? "unexpectedAnswer" : "nothingFound") << count;
+        const Problem problem = problemIn(log);
+        EXPECT_EQ(problem.kind, count > 0 ? "unexpectedAnswer" : "nothingFound") << count;
+        EXPECT_EQ(problem.number, count == 0 ? std::nullopt : std::optional(count));
     }
 }
 

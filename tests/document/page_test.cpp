@@ -206,6 +206,19 @@ TEST(Page, TellsColumnsAndWhatIsAroundAPart)
     EXPECT_EQ(page.data["changes"], nullptr);
 }
 
+TEST(Page, TellsWhatTheDocumentIs)
+{
+    Document document = parse(ofEnclosures("odd\n"));
+    document.name = "nightly.xml";
+    const json data = PageReader(document::page(document)).data;
+    EXPECT_EQ(data["system"], "SYSTEM-1");
+    EXPECT_EQ(data["timestamp"], "1795268463.5");
+    EXPECT_EQ(data["source"], "nightly.xml");
+    EXPECT_EQ(data["missing"], json({"the partitions"}));
+    EXPECT_EQ(data["findingCount"], 1);
+    EXPECT_EQ(data["findings"], json({"line 11: \"odd\" has no place here and is left out"}));
+}
+
 /// A script's numbers are exact up to 53 bits.
 TEST(Page, TellsANumberThatAScriptCannotHoldAsAText)
 {

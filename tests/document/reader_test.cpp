@@ -162,6 +162,21 @@ TEST(Reader, NoDocumentThatIsCutIsTakenForAWholeOne)
     }
 }
 
+TEST(Reader, ALostLastLineFeedIsNothingMissing)
+{
+    // In a short document the end has been looked at with the head; in a long one it is met by the last tag.
+    for (const size_t enclosures : {1, 400}) {
+        std::string text;
+        for (size_t i = 0; i < enclosures; ++i)
+            text += enclosure({.id = "E" + std::to_string(i), .serial = "S", .location = "R-1"}, "");
+        std::string whole = ofSystem(list("Enclosures", text) +
+                                     list("Partitions", resource("P1", "SYSTEM-1-1", "") + resource("P2", "SYSTEM-1-2", "")));
+        ASSERT_TRUE(parse(whole).missing.nothing());
+        whole.pop_back();
+        EXPECT_TRUE(parse(whole).missing.nothing()) << enclosures;
+    }
+}
+
 TEST(Reader, TellsWhatTheCollectorWouldNotHaveWritten)
 {
     const Document document = parse(ofEnclosures("<Foo>\n" + resource("Quay", "Q", "")));

@@ -662,6 +662,15 @@ TEST(Scanner, ALastLineNeedsNoFeed)
     }
 }
 
+TEST(Scanner, ACutDocumentLosesNothingBehindATagThatCannotBeRead)
+{
+    const std::string whole = ofPartitions("<Resource displayName=\"P\n" + resource("Q", "S-2", ""));
+    const Scanned scanned = scan(upTo(whole, "S-2\n") + "S-2\n");
+    EXPECT_EQ(inside(scanned.events), (Texts{"list Partitions", "resource Q|S-2", "cut", "!/resource", "!/list"}));
+    EXPECT_THAT(scanned.findings.front(), testing::EndsWith("has no place here and is left out"));
+    EXPECT_FALSE(scanned.complete);
+}
+
 TEST(Scanner, ADocumentCutInItsHeadIsNone)
 {
     const std::string text = wholeDocument();
@@ -854,6 +863,7 @@ TEST(References, MeanTheirCharacterAndOthersThemselves)
     EXPECT_EQ(meant("a &amp; b"), "a & b");
     EXPECT_EQ(meant("&lt;&gt;&quot;&apos;"), "<>\"'");
     EXPECT_EQ(meant("&#65;&#x42;&#13;&#233;&#x20AC;&#x1F600;"), "AB\r\u00e9\u20ac\U0001F600");
+    EXPECT_EQ(meant("&#x4a;&#x4F;&#xe9;&#xfF;"), "JO\u00e9\u00ff");
     EXPECT_EQ(meant("&amp;amp;"), "&amp;");
     for (const std::string other :
          {"&", "&&", "&;", "&x;", "&amp", "&AMP;", "&#;", "&#x;", "&#0;", "&#1;", "&#X41;", "&#xD800;",

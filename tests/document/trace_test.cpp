@@ -280,6 +280,14 @@ TEST(TraceLine, EndsARunWithoutAClosingLine)
     EXPECT_FALSE(ends("0006", model));
 }
 
+TEST(TraceLine, TellsTheNumberThatATextStartsWith)
+{
+    EXPECT_EQ(document::numberOf("12 of them"), 12);
+    EXPECT_EQ(document::numberOf("-1"), -1);
+    for (const char* text : {"", "none", "99999999999999999999"})
+        EXPECT_EQ(document::numberOf(text), 0) << text;
+}
+
 TEST(TraceLine, TellsSecondsBetweenStamps)
 {
     EXPECT_EQ(document::secondsBetween("112126 23:59:59", "112226 00:00:01"), 2);

@@ -199,6 +199,7 @@ TEST(CommandLine, SaysWhatIsWrongInOneLine)
         {{"list", "a", "b", "-n", "-1"}, 2, "--count: \"-1\" is no number from 1 to 8"},
         {{"list", "a", "b", "-n", "4294967297"}, 2, "--count: \"4294967297\" is no number from 1 to 8"},
         {{"list", "a", "b", "--where"}, 2, "--where: 1 required WHAT missing"},
+        {{"list", "--lod", "a", "b", "--where"}, 2, "list has no option \"--lod\": did you mean \"--loud\"?"},
         {{"start", "x", "--", "p"},
          125,
          "\"x\" is one too many: sample start [OPTION]... -- PROGRAM [ARGUMENT]..."},

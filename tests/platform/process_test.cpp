@@ -48,6 +48,18 @@ TEST(Process, HandsSignalsOn)
     }
 }
 
+TEST(Process, EndsAsTheProgramDoesWhereItsCallerIgnoresChildren)
+{
+    const pid_t caller = fork();
+    if (caller == 0) {
+        std::signal(SIGCHLD, SIG_IGN); // the kernel would keep no child's status then
+        _exit(platform::runProgram({"sh", "-c", "exit 77"}, platform::holdSignals()));
+    }
+    int status = 0;
+    ASSERT_EQ(waitpid(caller, &status, 0), caller);
+    EXPECT_EQ(WEXITSTATUS(status), 77);
+}
+
 TEST(Process, LeavesTheProgramWhatItsCallerHeldBack)
 {
     sigset_t held;
