@@ -57,16 +57,15 @@ struct Element {
         add(property.value);
         add(endProperty);
     }
-    /// In place: a piece that the compiler knows is an instruction or two.
+    /// The first pieces, in place: one that the compiler knows is an instruction or two.
     template <typename... Pieces>
-    [[gnu::always_inline]] void addAll(Pieces... pieces)
+    [[gnu::always_inline]] void begin(Pieces... pieces)
     {
         const size_t size = (pieces.size() + ...);
-        if (size > sizeof bytes - used) flush();
         if (size > sizeof bytes) return (add(pieces), ...);
-        char* at = bytes + used;
+        char* at = bytes;
         ((memmove(at, pieces.data(), pieces.size()), at += pieces.size()), ...);
-        used += size;
+        used = size;
     }
     void flush();
     void write(std::string_view text) const;
@@ -93,7 +92,7 @@ const char* nameOf(const Frame& frame, const char* uniqueId)
 void addResource(Element& element, std::string_view displayName, std::string_view id,
                  const Properties& properties)
 {
-    element.addAll("<Resource displayName=\""sv, displayName, "\" uniqueId=\""sv, id, "\">\n"sv, id, "\n"sv);
+    element.begin("<Resource displayName=\""sv, displayName, "\" uniqueId=\""sv, id, "\">\n"sv, id, "\n"sv);
     element.add(properties);
 }
 

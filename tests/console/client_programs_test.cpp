@@ -1,6 +1,7 @@
 // The console's programs: what they print, the status they end with, and their lines in the journal.
 
 #include "client_run.h"
+#include "parseJson.h"
 #include "process.h"
 
 #include <gtest/gtest.h>
@@ -48,7 +49,7 @@ TEST_F(ConsolePrograms, QmstatPrintsTheStateOfASystem)
     const Outcome known = start({"qmstat", "-r", "sys", "-m", "9999-B2C*7ABCD12", "-F", "state"});
     EXPECT_EQ(known.status, 0);
     EXPECT_EQ(known.output, "Operating\n");
-    EXPECT_EQ(lastLine(), Json::parse(R"({"program": "/opt/brisk/bin/qmstat",
+    EXPECT_EQ(lastLine(), kordTest::parseJson(R"({"program": "/opt/brisk/bin/qmstat",
         "arguments": ["-r", "sys", "-m", "9999-B2C*7ABCD12", "-F", "state"], "status": 0})"));
 
     const Outcome unknown = start({"qmstat", "-r", "sys", "-m", "9999-B2C*7", "-F", "state"});
@@ -74,7 +75,7 @@ TEST_F(ConsolePrograms, QconvpdPrintsTheVpdLines)
     useRules("");
     EXPECT_EQ(start({"qconvpd", "-v"}).output, "*TM 4821-K7Q\n*SE 10ABCDE\n");
     EXPECT_EQ(lastLine(),
-              Json::parse(R"({"program": "/opt/brisk/bin/qconvpd", "arguments": ["-v"], "status": 0})"));
+              kordTest::parseJson(R"({"program": "/opt/brisk/bin/qconvpd", "arguments": ["-v"], "status": 0})"));
     use(R"({"console": {"vpd": []}})");
     EXPECT_EQ(start({"qconvpd", "-v"}).status, 0) << "no lines are not the same as none to be had";
     use("{}");
@@ -85,7 +86,7 @@ TEST_F(ConsolePrograms, WhoamiPrintsTheUser)
 {
     useRules("");
     EXPECT_EQ(start({"whoami"}).output, "root\n");
-    EXPECT_EQ(lastLine(), Json::parse(R"({"program": "whoami", "arguments": [], "status": 0})"));
+    EXPECT_EQ(lastLine(), kordTest::parseJson(R"({"program": "whoami", "arguments": [], "status": 0})"));
     setenv(console::image::userVariable, "operator", 1);
     EXPECT_EQ(start({"whoami"}).output, "operator\n");
     unsetenv(console::image::userVariable);

@@ -1,11 +1,12 @@
 // The simulated client as a collector sees it: answers, failures, what must be released, and the journal.
 
 #include "client_run.h"
+#include "parseJson.h"
+#include "pattern.h"
 
 #include <csignal>
 
 #include <gtest/gtest.h>
-#include <regex>
 
 using namespace clientTest;
 
@@ -84,7 +85,7 @@ TEST(ClientQuery, DynamicAttributesAreReadTheSameWay)
         ASSERT_EQ(answer.count, 1U);
         EXPECT_EQ(brief(answer[0]), "Status=1");
     });
-    EXPECT_EQ(withoutNumber(journal.at(1)), Json::parse(R"({"vale": "query_d_select", "scope": 1,
+    EXPECT_EQ(withoutNumber(journal.at(1)), kordTest::parseJson(R"({"vale": "query_d_select", "scope": 1,
         "class": "Orvik.ManagedNode", "selection": "LParID=\"1\"", "attributes": ["Status"],
         "result": 0, "count": 1})"));
 }
@@ -380,8 +381,8 @@ TEST_P(ClientViolation, EndsTheProcess)
     const int status = folder.play(GetParam().commit);
     ASSERT_TRUE(WIFSIGNALED(status));
     EXPECT_EQ(WTERMSIG(status), SIGABRT);
-    const std::regex line(std::string("vale: ") + GetParam().says + " \\((0x[0-9a-f]+|\\(nil\\))\\)\n");
-    EXPECT_TRUE(std::regex_match(folder.error, line)) << folder.error;
+    const kordTest::Pattern line(std::string("vale: ") + GetParam().says + " \\((0x[0-9a-f]+|\\(nil\\))\\)\n");
+    EXPECT_TRUE(line.matches(folder.error)) << folder.error;
 }
 
 constexpr const char* freed = "a response not of this client, or freed twice";
@@ -416,7 +417,7 @@ TEST(ClientJournal, HasALineForEachCall)
         lastMessage();
         vale_end_session(session);
     });
-    const auto expected = Json::parse(R"([
+    const auto expected = kordTest::parseJson(R"([
         {"seq": 1, "vale": "start_session", "scope": 4, "result": 0},
         {"seq": 2, "vale": "enumerate_resources", "scope": 4, "class": "Orvik.TarnServerPartition",
          "selection": "locationCode=?'L%'", "result": 0, "count": 1, "handles": 2},
@@ -447,7 +448,7 @@ TEST(ClientJournal, TellsWhatWasNeverReleased)
         vale_get_errmsg(makeError(), &message);
         makeError();
     });
-    EXPECT_EQ(withoutNumber(journal.back()), Json::parse(R"({"vale": "exit", "sessions": [4, 2, 1],
+    EXPECT_EQ(withoutNumber(journal.back()), kordTest::parseJson(R"({"vale": "exit", "sessions": [4, 2, 1],
         "responses": [3, 5], "errors": 2, "messages": 1, "unused": []})"));
 }
 

@@ -3,12 +3,12 @@
 #include "facility/compile.h"
 #include "facility/fault.h"
 #include "image/run.h"
+#include "pattern.h"
 
 #include <algorithm>
 #include <filesystem>
 #include <fstream>
 #include <gtest/gtest.h>
-#include <regex>
 #include <sstream>
 
 namespace
@@ -629,14 +629,12 @@ TEST(CompiledFacility, HoldsEveryClassWithItsScope)
     const Compiled compiled("{}");
     const std::string schema =
         read(std::filesystem::path(KORD_SOURCE_DIR) / "console/schema/facility.schema.json");
-    const std::regex form(R"re("(Orvik\.\w+)": \{\s*"x-scope": (\d))re");
-    size_t classes = 0;
-    for (std::sregex_iterator at(schema.begin(), schema.end(), form), end; at != end; ++at, ++classes) {
-        const std::string name = (*at)[1];
-        EXPECT_EQ(std::to_string(compiled.classNamed(name.c_str()).scope), (*at)[2]) << name;
-    }
-    EXPECT_EQ(compiled.image.classes().size(), classes);
-    EXPECT_GT(classes, 30U);
+    const kordTest::Pattern form(R"re("(Orvik\.\w+)": \{\s*"x-scope": (\d))re");
+    const std::vector<kordTest::Pattern::Match> classes = form.all(schema);
+    for (const kordTest::Pattern::Match& match : classes)
+        EXPECT_EQ(std::to_string(compiled.classNamed(match[1].c_str()).scope), match[2]) << match[1];
+    EXPECT_EQ(compiled.image.classes().size(), classes.size());
+    EXPECT_GT(classes.size(), 30U);
 }
 
 TEST(CompiledFacility, KeepsTheOrderOfTheFile)

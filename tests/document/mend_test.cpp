@@ -4,13 +4,13 @@
 #include "document/kind.h"
 #include "document/mend.h"
 #include "mendedDocument.h"
+#include "pattern.h"
 #include "process.h"
 #include "writing.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <random>
-#include <regex>
 #include <set>
 
 namespace
@@ -140,10 +140,10 @@ Texts enumerated(const std::string& schema, const std::string& type)
 {
     const size_t from = schema.find("<xs:simpleType name=\"" + type + '"');
     const std::string part = schema.substr(from, schema.find("</xs:simpleType>", from) - from);
-    static const std::regex value("<xs:enumeration value=\"([^\"]*)\"");
+    static const Pattern value("<xs:enumeration value=\"([^\"]*)\"");
     Texts values;
-    for (std::sregex_iterator at(part.begin(), part.end(), value), end; at != end; ++at)
-        values.push_back((*at)[1]);
+    for (const Pattern::Match& match : value.all(part))
+        values.push_back(match[1]);
     return values;
 }
 

@@ -1,13 +1,13 @@
 // What watches a console gets to know, as OpenMetrics.
 
 #include "document/metrics.h"
+#include "pattern.h"
 #include "writing.h"
 
 #include <algorithm>
 #include <cstdlib>
 #include <ctime>
 #include <gtest/gtest.h>
-#include <regex>
 #include <sstream>
 
 namespace
@@ -34,19 +34,19 @@ protected:
 /// Every line as the format has it: each metric's own words before its samples, no sample twice, an end.
 void expectOpenMetrics(const std::string& text)
 {
-    const std::regex words("# (TYPE|UNIT|HELP) ([a-z_]+) .+");
-    const std::regex sample(R"re(([a-z_]+)\{([a-z_]+="([^"\\\n]|\\[\\n"])*",?)*\} -?[0-9]+)re");
+    const Pattern words("# (TYPE|UNIT|HELP) ([a-z_]+) .+");
+    const Pattern sample(R"re(([a-z_]+)\{([a-z_]+="([^"\\\n]|\\[\\n"])*",?)*\} -?[0-9]+)re");
     std::vector<std::string> seen;
     std::string metric;
     std::istringstream lines(text);
-    std::smatch found;
     std::string line;
     while (std::getline(lines, line) && line != "# EOF") {
-        if (std::regex_match(line, found, words)) {
+        if (const Pattern::Match found = words.match(line); !found.empty()) {
             metric = found[2];
         } else {
-            ASSERT_TRUE(std::regex_match(line, found, sample)) << line;
-            EXPECT_EQ(found[1], metric);
+            const Pattern::Match value = sample.match(line);
+            ASSERT_FALSE(value.empty()) << line;
+            EXPECT_EQ(value[1], metric);
             const std::string series = line.substr(0, line.rfind(' '));
             EXPECT_EQ(std::ranges::find(seen, series), seen.end()) << series;
             seen.push_back(series);

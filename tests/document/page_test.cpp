@@ -5,13 +5,13 @@
 #include "document/reader.h"
 #include "document/rows.h"
 #include "parseJson.h"
+#include "pattern.h"
 #include "writing.h"
 
 #include <cmath>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
-#include <regex>
 
 namespace
 {
@@ -313,11 +313,11 @@ std::pair<Colours, Colours> coloursOf(const std::string& page)
 {
     std::pair<Colours, Colours> colours;
     const size_t dark = page.find("prefers-color-scheme: dark");
-    const std::regex pattern("--([a-z0-9-]+): #([0-9a-f]{6});");
-    for (std::sregex_iterator at(page.begin(), page.end(), pattern); at != std::sregex_iterator(); ++at) {
-        const bool isDark = static_cast<size_t>(at->position()) > dark;
-        (isDark ? colours.second : colours.first)[(*at)[1]] = (*at)[2];
-    }
+    const Pattern colour("--([a-z0-9-]+): #([0-9a-f]{6});");
+    for (const Pattern::Match& match : colour.all(page.substr(0, dark)))
+        colours.first[match[1]] = match[2];
+    for (const Pattern::Match& match : colour.all(page.substr(dark)))
+        colours.second[match[1]] = match[2];
     return colours;
 }
 
@@ -374,7 +374,7 @@ TEST(Page, NoValueBecomesMarkup)
 TEST(Page, NeedsNothingFromElsewhere)
 {
     const std::string page = document::page(parse(ofSystem("")));
-    EXPECT_FALSE(std::regex_search(page, std::regex(R"((src|href)="(?!#))")));
+    EXPECT_TRUE(Pattern(R"((src|href)="(?!#))").all(page).empty());
     EXPECT_THAT(page, testing::Not(testing::HasSubstr("url(")));
     EXPECT_THAT(page, testing::Not(testing::HasSubstr("@import")));
     EXPECT_THAT(page, testing::HasSubstr("default-src 'none'; style-src 'sha256-"));

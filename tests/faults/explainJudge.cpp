@@ -3,12 +3,12 @@
 #include <algorithm>
 #include <map>
 #include <mutex>
-#include <regex>
 
 #include "calls.h"
 #include "document/explain.h"
 #include "document/explainWords.h"
 #include "judge.h"
+#include "pattern.h"
 #include "reactions.h"
 
 namespace sweep
@@ -298,12 +298,12 @@ bool names(const TracedRun& run, const Call& call)
 /// counts of resources: no line says how many there should be.
 std::string comparable(const std::string& log)
 {
-    static const std::regex count("^ cound \\d+, ");
+    static const kordTest::Pattern count("^ cound \\d+, ");
     std::string lines;
     document::TraceReader reader([&](const document::TraceLine& line) {
         if (line.code == "0701") return;
         lines.append(line.code).append(": ");
-        lines += std::regex_replace(std::string(line.text), count, " cound N, ") + '\n';
+        lines += count.replaced(std::string(line.text), " cound N, ") + '\n';
     });
     reader.read(log);
     reader.settle();
@@ -326,7 +326,8 @@ void countFault(const Plan& plan, const Result& result, const TracedRun& run)
 
 std::string wayOf(const std::string& name)
 {
-    return std::regex_replace(name, std::regex("\\.(once|on)\\.\\d+$"), "");
+    static const kordTest::Pattern number("\\.(once|on)\\.\\d+$");
+    return number.replaced(name, "");
 }
 
 void printByWay(const char* title, const Texts& names, bool verbose)

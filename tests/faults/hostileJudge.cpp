@@ -1,7 +1,6 @@
 #include "hostileJudge.h"
 
 #include <algorithm>
-#include <regex>
 #include <set>
 
 #include "documentReader.h"
@@ -10,6 +9,7 @@
 #include "mendedDocument.h"
 #include "parseJson.h"
 #include "partsCheck.h"
+#include "pattern.h"
 
 namespace sweep
 {
@@ -46,9 +46,9 @@ bool eventToolPrints(const Result& result)
 /// As a journal shows a text: each byte that is no UTF-8 by one replacement character; of a row of them, one.
 std::string readable(const std::string& text)
 {
-    static const std::regex row("(\ufffd)+");
+    static const kordTest::Pattern row("(\ufffd)+");
     const json shown = kordTest::parseJson(json(text).dump(-1, ' ', false, json::error_handler_t::replace));
-    return std::regex_replace(shown.get<std::string>(), row, "\ufffd");
+    return row.replaced(shown, "\ufffd");
 }
 
 /// Cut to a field of that size.
@@ -127,10 +127,10 @@ std::set<std::string> eventTexts(const json& facility, const std::string& name)
 /// partition.
 bool isEventText(const json& facility, const std::string& text)
 {
-    static const std::regex plain("[A-Za-z0-9._]+");
+    static const kordTest::Pattern plain("[A-Za-z0-9._]+");
     std::set<std::string> names = fieldsOf(facility, "Orvik.TarnStorageFacilityPartition", {"lparName"});
     names.insert(""); // of a partition in no slot
-    if (const std::string name = text.substr(0, text.find(" : ")); std::regex_match(name, plain))
+    if (const std::string name = text.substr(0, text.find(" : ")); plain.matches(name))
         names.insert(name);
     return std::ranges::any_of(names, [&](const std::string& name) {
         return text.starts_with(name + " : ") && eventTexts(facility, name).contains(readable(text));

@@ -3,12 +3,12 @@
 #include "judge.h"
 
 #include <algorithm>
-#include <regex>
 #include <string_view>
 
 #include "account.h"
 #include "documentReader.h"
 #include "explainJudge.h"
+#include "pattern.h"
 
 namespace sweep
 {
@@ -173,9 +173,9 @@ bool isProgramRule(const json& rule)
 /// output.
 std::string withoutTimes(const std::string& log)
 {
-    static const std::regex times(
+    static const kordTest::Pattern times(
         "[0-9]{6} [0-9]{2}:[0-9]{2}:[0-9]{2} |0701:  stamp=[0-9.]+|0062: empty file -?[0-9]+");
-    return std::regex_replace(log, times, "");
+    return times.replaced(log, "");
 }
 
 } // namespace

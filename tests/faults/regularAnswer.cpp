@@ -2,7 +2,8 @@
 
 #include "regularAnswer.h"
 
-#include <regex>
+#include "pattern.h"
+
 #include <stdexcept>
 
 namespace sweep
@@ -19,14 +20,13 @@ struct Condition {
 
 std::vector<Condition> conditionsOf(const std::string& selection)
 {
-    static const std::regex form(R"re((\w+)\s*(=\?|=)\s*(?:"([^"]*)"|'([^']*)%'|(\d+)))re");
+    static const kordTest::Pattern form(R"re((\w+)\s*(=\?|=)\s*(?:"([^"]*)"|'([^']*)%'|(\d+)))re");
     std::vector<Condition> conditions;
-    for (std::sregex_iterator at(selection.begin(), selection.end(), form), end; at != end; ++at) {
-        const std::smatch& match = *at;
-        const bool isNumber = match[5].matched;
+    for (const kordTest::Pattern::Match& match : form.all(selection)) {
+        const bool isNumber = !match[5].empty();
         conditions.push_back(
             {.name = match[1],
-             .value = isNumber ? json(std::stoi(match[5])) : json(match[3].str() + match[4].str()),
+             .value = isNumber ? json(std::stoi(match[5])) : json(match[3] + match[4]),
              .prefix = match[2] == "=?"});
     }
     return conditions;

@@ -8,12 +8,12 @@
 #include <fstream>
 #include <iterator>
 #include <memory>
-#include <regex>
 #include <sstream>
 #include <stdexcept>
 
 #include "documentReader.h"
 #include "judge.h"
+#include "pattern.h"
 #include "sweep.h"
 #include "tempFolder.h"
 
@@ -325,10 +325,10 @@ void judgeMet(const Case& run, const Result& result, Findings& findings)
 /// The console lines of failures.
 bool isFailureLine(const std::string& output)
 {
-    static const std::regex line("(Start VALE session|Query Partner System|Check State|Query Partition|"
+    static const kordTest::Pattern line("(Start VALE session|Query Partner System|Check State|Query Partition|"
                                  "Query VALE (Id|Status|Partner Status)|(Orvik\\.TarnScsiHostPort Out of "
                                  "memory\\n)?Add System Kord) fails\\. ?\\n");
-    return std::regex_match(output, line);
+    return line.matches(output);
 }
 
 /// No failure of the system changes how a run ends, but for want of memory for the hosts' descriptions, and

@@ -4,6 +4,7 @@
 #include "consoleRun.h"
 #include "documentReader.h"
 #include "parseJson.h"
+#include "pattern.h"
 #include "process.h"
 #include "runCase.h"
 #include "tempFolder.h"
@@ -11,7 +12,6 @@
 #include <cstdlib>
 #include <fstream>
 #include <gtest/gtest.h>
-#include <regex>
 #include <set>
 #include <sys/stat.h>
 #include <sys/utsname.h>
@@ -55,10 +55,10 @@ struct Left {
 
 Texts readTrace(const fs::path& file)
 {
-    static const std::regex fleeting(R"((0701:  stamp=).*|(0062: empty file )-?[0-9]+)");
+    static const kordTest::Pattern fleeting(R"((0701:  stamp=).*|(0062: empty file )-?[0-9]+)");
     Texts lines;
     for (const kordTest::TraceLine& line : kordTest::readTrace(file)) {
-        lines.push_back(std::regex_replace(line.text, fleeting, "$01$02"));
+        lines.push_back(fleeting.replaced(line.text, "$01$02"));
         for (const std::string& rest : line.further)
             lines.push_back(' ' + rest);
     }
@@ -193,12 +193,12 @@ TEST_F(Recording, TellsWhatRanAndHowItEnded)
     EXPECT_EQ(told["system"], system0);
     EXPECT_EQ(told["status"], recorded.outcome.status);
     EXPECT_EQ(recorded.outcome.status, 255);
-    const std::regex date("20[0-9]{2}-[0-9]{2}-[0-9]{2}T[0-9]{2}:[0-9]{2}:[0-9]{2}Z");
-    EXPECT_TRUE(std::regex_match(told["date"].get<std::string>(), date)) << told["date"];
+    const kordTest::Pattern date("20[0-9]{2}-[0-9]{2}-[0-9]{2}T[0-9]{2}:[0-9]{2}:[0-9]{2}Z");
+    EXPECT_TRUE(date.matches(told["date"])) << told["date"];
     EXPECT_EQ(told["versions"]["kord"], KORD_VERSION);
     utsname names{};
     ASSERT_EQ(uname(&names), 0);
-    const std::string release = std::regex_replace(names.release, std::regex("[^0-9.].*"), "");
+    const std::string release = kordTest::Pattern("[^0-9.].*").replaced(names.release, "");
     EXPECT_EQ(told["versions"]["machine"], "Linux " + release + " " + names.machine);
 }
 
@@ -545,12 +545,12 @@ Texts codesOf(const Texts& trace)
 /// The part of a value that names a machine or a customer; empty: it names none.
 std::string tellingPart(const std::string& attribute, const std::string& value)
 {
-    static const std::regex names("serialNumber|HWSerialNum|lparName|Hostname|userHostDescription|ddmname|"
+    static const kordTest::Pattern names("serialNumber|HWSerialNum|lparName|Hostname|userHostDescription|ddmname|"
                                   "storagePlexAccountName|storageFacility(Image)?WWNN");
-    static const std::regex machine(R"(U?[0-9]{4}[-.*][0-9A-Z]{3}[-.*]([0-9A-Z]+).*)");
-    if (std::regex_match(attribute, names)) return value;
-    std::smatch serial;
-    return std::regex_match(value, serial, machine) ? serial[1].str() : "";
+    static const kordTest::Pattern machine(R"(U?[0-9]{4}[-.*][0-9A-Z]{3}[-.*]([0-9A-Z]+).*)");
+    if (names.matches(attribute)) return value;
+    const kordTest::Pattern::Match parts = machine.match(value);
+    return parts.empty() ? "" : parts[1];
 }
 
 std::set<std::string> tellingParts(const json& facility)
@@ -664,9 +664,8 @@ TEST_F(Recording, RedactedKeepsWhatBelongsTogether)
     // What many machines share stays.
     EXPECT_EQ(resources["Orvik.TarnDDM"][0]["partNumber"], "DK22011");
     EXPECT_EQ(resources["Orvik.TarnDDM"][0]["diskCapacity"], 73400);
-    EXPECT_TRUE(
-        std::regex_match(resources["Orvik.TarnScsiHostPort"][0]["userHostDescription"].get<std::string>(),
-                         std::regex("[a-z]{6}-[0-9]{2}")));
+    EXPECT_TRUE(kordTest::Pattern("[a-z]{6}-[0-9]{2}")
+                    .matches(resources["Orvik.TarnScsiHostPort"][0]["userHostDescription"]));
 }
 
 TEST_F(Recording, IsRedactedDifferentlyEachTime)

@@ -2,6 +2,7 @@
 
 #include "recorder/standIns.h"
 
+#include "parseJson.h"
 #include "platform/failure.h"
 
 #include <gtest/gtest.h>
@@ -251,7 +252,7 @@ TEST(StandIn, IsKeptUntilDrawnAnew)
     standIns.load(R"({"ledger": "qwfbtk"})");
     standIns.of("branch");
     standIns.of("-/-");
-    EXPECT_EQ(json::parse(standIns.pairs()).size(), 2U) << standIns.pairs();
+    EXPECT_EQ(kordTest::parseJson(standIns.pairs()).size(), 2U) << standIns.pairs();
     standIns.drawAnew();
     EXPECT_EQ(standIns.pairs(), "{\n  \"ledger\": \"qwfbtk\"\n}\n");
     EXPECT_EQ(standIns.of("ledge"), "qwfbt");

@@ -6,13 +6,13 @@
 
 #include "consoleRun.h"
 #include "parseJson.h"
+#include "pattern.h"
 #include "process.h"
 #include "tempFolder.h"
 
 #include <fstream>
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
-#include <regex>
 #include <sys/stat.h>
 
 namespace
@@ -210,14 +210,14 @@ TEST_F(Tapes, GiveAResourceWhatItWasFoundBy)
 
 TEST_F(Tapes, ThatAreNoneEndTheRecording)
 {
-    const std::regex cut("an error\nkord: (/tmp/kord-record\\.[A-Za-z0-9]{6})/tape\\.jsonl: the recording is "
+    const kordTest::Pattern cut("an error\nkord: (/tmp/kord-record\\.[A-Za-z0-9]{6})/tape\\.jsonl: the recording is "
                          "cut: is the disk full\\?\n");
     put("first", sessionStart(0).dump() + "\n{\"vale\": \"start");
     const kordTest::Outcome outcome = record({});
     EXPECT_EQ(outcome.status, 125);
-    std::smatch parts;
-    ASSERT_TRUE(std::regex_match(outcome.error, parts, cut)) << outcome.error;
-    EXPECT_FALSE(fs::exists(parts[1].str()));
+    const kordTest::Pattern::Match parts = cut.match(outcome.error);
+    ASSERT_FALSE(parts.empty()) << outcome.error;
+    EXPECT_FALSE(fs::exists(parts[1]));
     EXPECT_EQ(kordTest::readFile(folder / "modes"), "700\n"); // the owner's alone
     put("first", "");
     EXPECT_EQ(record({}).error, "an error\nkord: ./collect made no call that could be recorded\n");
@@ -316,7 +316,7 @@ json gatheredFrom(const std::vector<json>& tape)
     recorder::Gatherer gatherer;
     for (const recorder::Call& call : recorder::readCalls(tape))
         gatherer.take(call);
-    return gatherer.facility();
+    return kordTest::parseJson(gatherer.facility().dump());
 }
 
 /// A facility file could not have any other.

@@ -3,11 +3,11 @@
 #include "consoleRun.h"
 
 #include "parseJson.h"
+#include "pattern.h"
 
 #include <algorithm>
 #include <fstream>
 #include <nlohmann/json.hpp>
-#include <regex>
 #include <sstream>
 
 namespace kordTest
@@ -188,8 +188,8 @@ std::vector<TraceLine> readTrace(const fs::path& file)
 
 std::string withFixedTimestamp(const std::string& document)
 {
-    static const std::regex stamp(R"re((<ResourceSet [^\n]* timestamp=")[0-9]+\.[0-9]+(">\n))re");
-    return std::regex_replace(document, stamp, "$010.0$02", std::regex_constants::format_first_only);
+    static const Pattern stamp(R"re((<ResourceSet [^\n]* timestamp=")[0-9]+\.[0-9]+(">\n))re");
+    return stamp.firstReplaced(document, "$010.0$02");
 }
 
 } // namespace kordTest

@@ -5,10 +5,10 @@
 #include <algorithm>
 #include <iterator>
 #include <optional>
-#include <regex>
 #include <string_view>
 
 #include "consoleRun.h"
+#include "pattern.h"
 
 namespace kordTest
 {
@@ -172,11 +172,10 @@ private:
         if (document.stylesheet) ++at;
         expectLine(R"(<com.orvik.inventory verion="1.0">)");
 
-        static const std::regex resourceSet(
+        static const Pattern resourceSet(
             R"re(<ResourceSet class="com\.orvik\.inventory\.Hardware" type="Hardware" version="1\.0" timestamp="([1-9][0-9]*\.(0|[1-9][0-9]{0,5}))">)re");
-        std::smatch match;
         const std::string start = line();
-        if (std::regex_match(start, match, resourceSet)) {
+        if (const Pattern::Match match = resourceSet.match(start); !match.empty()) {
             document.timestamp = match[1];
             ++at;
         } else {

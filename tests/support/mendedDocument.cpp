@@ -5,6 +5,7 @@
 #include "consoleRun.h"
 #include "document/mend.h"
 #include "parseJson.h"
+#include "pattern.h"
 
 #include <algorithm>
 #include <cstring>
@@ -13,7 +14,6 @@
 #include <libxml/xmlschemas.h>
 #include <memory>
 #include <nlohmann/json.hpp>
-#include <regex>
 #include <stdexcept>
 
 namespace kordTest
@@ -179,10 +179,10 @@ std::string carried(const std::string& text)
 {
     const auto isPlain = [](char c) { return (c >= ' ' && c <= '~') || c == '\t' || c == '\n' || c == '\r'; };
     if (std::ranges::all_of(text, isPlain)) return text;
-    static const std::regex none("(\xEF\xBF\xBD|\xEF\xBF\xBE|\xEF\xBF\xBF|[\x01-\x08\x0b\x0c\x0e-\x1f])+");
+    static const Pattern none("(\xEF\xBF\xBD|\xEF\xBF\xBE|\xEF\xBF\xBF|[\x01-\x08\x0b\x0c\x0e-\x1f])+");
     using nlohmann::json;
     const std::string unicode = parseJson(json(text).dump(-1, ' ', false, json::error_handler_t::replace));
-    return std::regex_replace(unicode, none, "\xEF\xBF\xBD");
+    return none.replaced(unicode, "\xEF\xBF\xBD");
 }
 
 std::string told(std::string text)

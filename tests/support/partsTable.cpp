@@ -1,13 +1,13 @@
 #include "partsTable.h"
 
 #include "parseJson.h"
+#include "pattern.h"
 
 #include <algorithm>
 #include <cstdio>
 #include <ctime>
 #include <map>
 #include <nlohmann/json.hpp>
-#include <regex>
 #include <set>
 
 namespace kordTest
@@ -253,9 +253,8 @@ private:
         for (size_t comma = rest.find(','); comma != std::string::npos; comma = rest.find(',')) {
             text += rest.substr(0, comma);
             rest.erase(0, comma + 1);
-            static const std::regex host("([^]*)=([0-9]+)");
-            std::smatch match;
-            if (std::regex_match(text, match, host)) {
+            static const Pattern host("([^]*)=([0-9]+)");
+            if (const Pattern::Match match = host.match(text); !match.empty()) {
                 json row = common(partition, "host");
                 putText(row, "id", match[1]);
                 putText(row, "description", match[1]);
@@ -399,10 +398,9 @@ private:
 
     static void putCounts(json& row, const std::string& text)
     {
-        static const std::regex item("([vpoh][0-9])=(-?[0-9]+)(?:,|$)");
-        for (auto match = std::sregex_iterator(text.begin(), text.end(), item);
-             match != std::sregex_iterator(); ++match)
-            putNumber(row, (*match)[1], (*match)[2]);
+        static const Pattern item("([vpoh][0-9])=(-?[0-9]+)(?:,|$)");
+        for (const Pattern::Match& match : item.all(text))
+            putNumber(row, match[1], match[2]);
     }
 
     static void putSpace(json& row, std::map<std::string, std::string>& items, const std::string& position)
@@ -441,14 +439,14 @@ private:
     /// An array goes by its array sites, of which the first stands twice: "33,4". They tell its number.
     static void putSites(json& row, const Place& array)
     {
-        static const std::regex form("(-?[0-9]+)\\1((?:,-?[0-9]+)*)");
+        static const Pattern form("(-?[0-9]+)\\1((?:,-?[0-9]+)*)");
         const std::string text = behind(array.element->uniqueId, "/A");
-        std::smatch match;
-        if (!std::regex_match(text, match, form)) return;
-        row["array_sites"] = parseJson('[' + match[1].str() + match[2].str() + ']');
+        const Pattern::Match match = form.match(text);
+        if (match.empty()) return;
+        row["array_sites"] = parseJson('[' + match[1] + match[2] + ']');
         for (const Element& list : array.outer->element->children) {
             for (const Element& site : list.children) {
-                if (list.displayName != "Array Sites" || behind(site.uniqueId, "/S") != match[1].str())
+                if (list.displayName != "Array Sites" || behind(site.uniqueId, "/S") != match[1])
                     continue;
                 if (!row.contains("number")) putNumber(row, "number", behind(valueOf(site, "A1"), "/A"));
             }

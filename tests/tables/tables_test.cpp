@@ -2,17 +2,18 @@
 // traces is what the tables tell.
 
 #include "consoleRun.h"
+#include "parseJson.h"
+#include "pattern.h"
 #include "tempFolder.h"
 
-#include <fstream>
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
-#include <regex>
 #include <set>
 
 namespace
 {
 
+using kordTest::Pattern;
 using Json = nlohmann::json;
 using Names = std::set<std::string>;
 
@@ -25,7 +26,7 @@ const Json& tables()
         const kordTest::Outcome outcome =
             kordTest::runProcess({.arguments = {build / "bin/kord-tables", "--json"}, .folder = build});
         EXPECT_EQ(outcome.status, 0) << outcome.error;
-        return Json::parse(outcome.output);
+        return kordTest::parseJson(outcome.output);
     }();
     return told;
 }
@@ -39,7 +40,8 @@ struct ClassForm {
 std::map<std::string, ClassForm> classesOfSchema()
 {
     std::map<std::string, ClassForm> classes;
-    const Json schema = Json::parse(std::ifstream(source / "console/schema/facility.schema.json"));
+    const Json schema =
+        kordTest::parseJson(kordTest::readFile(source / "console/schema/facility.schema.json").value());
     for (const auto& [name, form] : schema["properties"]["resources"]["properties"].items()) {
         ClassForm& read = classes[name];
         read.scope = form["x-scope"];
@@ -54,10 +56,10 @@ std::map<std::string, ClassForm> classesOfSchema()
 /// The attributes that a selection compares.
 Names attributesOf(const std::string& selection)
 {
-    static const std::regex comparison(R"((\w+) ?(=\?|[=<>!]))");
+    static const Pattern comparison(R"((\w+) ?(=\?|[=<>!]))");
     Names names;
-    for (std::sregex_iterator at(selection.begin(), selection.end(), comparison), end; at != end; ++at)
-        names.insert((*at)[1]);
+    for (const Pattern::Match& match : comparison.all(selection))
+        names.insert(match[1]);
     return names;
 }
 
@@ -273,18 +275,17 @@ TEST(Tables, knowTheEventOfEveryReport)
 }
 
 /// A regular expression of the texts that a trace format makes.
-std::regex textsOf(const std::string& format)
+Pattern textsOf(const std::string& format)
 {
-    static const std::regex special(R"([.^$|()\[\]{}*+?\\])");
-    static const std::regex conversion("%[sdu]");
-    const std::string literal = std::regex_replace(format, special, R"(\$&)");
-    return std::regex(std::regex_replace(literal, conversion, "[^]*"), std::regex::optimize);
+    static const Pattern special(R"([.^$|()\[\]{}*+?\\])");
+    static const Pattern conversion("%[sdu]");
+    return Pattern(conversion.replaced(special.replaced(format, R"(\$&)"), "[^]*"));
 }
 
 /// The told lines by their codes.
-std::multimap<std::string, std::regex> toldLines()
+std::multimap<std::string, Pattern> toldLines()
 {
-    std::multimap<std::string, std::regex> lines;
+    std::multimap<std::string, Pattern> lines;
     const auto add = [&](const Json& line) { lines.emplace(line["code"], textsOf(line["format"])); };
     for (const Json& query : tables()["queries"])
         std::ranges::for_each(query["lines"], add);
@@ -292,12 +293,12 @@ std::multimap<std::string, std::regex> toldLines()
     return lines;
 }
 
-bool isTold(const std::multimap<std::string, std::regex>& told, const std::string& line)
+bool isTold(const std::multimap<std::string, Pattern>& told, const std::string& line)
 {
     const size_t colon = line.find(": ");
     const auto [begin, end] = told.equal_range(line.substr(0, colon));
     return std::any_of(begin, end, [text = line.substr(colon + 2)](const auto& known) {
-        return std::regex_match(text, known.second);
+        return known.second.matches(text);
     });
 }
 

@@ -1,18 +1,19 @@
 // The manual page and the help of a program name the same commands with the same options.
 
 #include "consoleRun.h"
+#include "pattern.h"
 #include "process.h"
 
 #include <algorithm>
 #include <cstdlib>
 #include <fstream>
 #include <gtest/gtest.h>
-#include <regex>
 #include <set>
 
 namespace
 {
 
+using kordTest::Pattern;
 using Names = std::set<std::string>;
 
 const std::filesystem::path source = KORD_SOURCE_DIR;
@@ -20,17 +21,15 @@ const std::filesystem::path source = KORD_SOURCE_DIR;
 /// Every first group of the expression's matches in the text.
 Names found(const std::string& text, const std::string& expression)
 {
-    const std::regex regex(expression);
     Names names;
-    for (auto match = std::sregex_iterator(text.begin(), text.end(), regex); match != std::sregex_iterator();
-         ++match)
-        names.insert((*match)[1]);
+    for (const Pattern::Match& match : Pattern(expression).all(text))
+        names.insert(match[1]);
     return names;
 }
 
 std::string replaced(const std::string& text, const std::string& expression, const std::string& by)
 {
-    return std::regex_replace(text, std::regex(expression), by);
+    return Pattern(expression).replaced(text, by);
 }
 
 /// The synopsis of a command in the page's own language as its help has it: "[--json] FILE ...".
