@@ -151,4 +151,15 @@ TEST_F(ConsolePrograms, OutsideARunSayHowToStartOne)
     EXPECT_NE(outcome.error.find("kord-console run"), std::string::npos);
 }
 
+TEST_F(ConsolePrograms, UnderAnotherNameAreNone)
+{
+    useRules("");
+    const std::filesystem::path other = folder->path() / "other";
+    std::filesystem::create_symlink(libexec() / "whoami", other);
+    const Outcome outcome = kordTest::runProcess({.arguments = {other}, .folder = {}});
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_EQ(outcome.output, "");
+    EXPECT_EQ(outcome.error, "this is one of the console's programs under a name that none of them has\n");
+}
+
 } // namespace

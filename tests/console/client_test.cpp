@@ -7,6 +7,7 @@
 #include <csignal>
 
 #include <gtest/gtest.h>
+#include <malloc.h>
 
 using namespace clientTest;
 
@@ -385,6 +386,33 @@ TEST_P(ClientViolation, EndsTheProcess)
     EXPECT_TRUE(line.matches(folder.error)) << folder.error;
 }
 
+TEST(ClientAnswer, GivesItsMemoryBack)
+{
+    journalOf(someParts, [] {
+        const ValeSessionHandle session = startSession(2);
+        const auto ask = [&](int times) {
+            while (times-- > 0)
+                EXPECT_EQ(Query(session, rack, nullptr, {"locationCode"}).count, 3U);
+            return mallinfo2().uordblks;
+        };
+        const size_t before = ask(100);
+        EXPECT_LT(ask(1000), before + 10'000) << "a text alone takes more";
+    });
+}
+
+TEST(ClientImage, IsNothingThatACollectorCouldChange)
+{
+    journalOf(someParts, [] {
+        startSession(1);
+        std::ifstream maps("/proc/self/maps");
+        std::string rights;
+        for (std::string line; std::getline(maps, line);)
+            if (line.ends_with(std::string("/") + console::image::imageFile))
+                rights += line.substr(line.find(' '), 6);
+        EXPECT_EQ(rights, " r--s ");
+    });
+}
+
 constexpr const char* freed = "a response not of this client, or freed twice";
 constexpr const char* ended = "a session not of this client, or ended";
 constexpr const char* released = "an error record not of this client, or released";
@@ -473,7 +501,7 @@ TEST(ClientJournal, StaysJsonWhateverIsAsked)
 
 TEST(ClientJournal, OrdersTheLinesOfSeveralProcesses)
 {
-    constexpr int calls = 200;
+    constexpr int calls = 5000; // long enough for two to write at once
     ConsoleFolder folder(someParts);
     std::vector<pid_t> players;
     for (int i = 0; i < 4; ++i) {

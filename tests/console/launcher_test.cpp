@@ -136,6 +136,28 @@ TEST_F(Launcher, MirrorsAFolderOnce)
               fs::exists("/var/brisk") && fs::exists("/var/tarnquay") && fs::exists("/var/adm") ? 0 : 1);
 }
 
+TEST_F(Launcher, MirrorsAreWritableWhereTheFoldersAre)
+{
+    const std::string script = "for f in /opt /var; do test -w $f && echo $f; done";
+    EXPECT_EQ(runScript(script).output, inShell(script).output);
+}
+
+/// On a machine without one of the folders above: its whole root is mirrored but for that one.
+TEST_F(Launcher, SaysWhichFolderTheMachineLacks)
+{
+    if (!kordTest::hasNamespaces()) GTEST_SKIP() << "there are links instead";
+    const std::string machine = quote(temporary.path() / "machine");
+    const Outcome outcome =
+        inShell("mkdir " + machine + "; unshare --map-root-user --mount sh -c 'mount -t tmpfs none " + machine +
+                "; cd " + machine +
+                "; for d in /*; do"
+                " if [ $d = /opt ]; then continue; elif [ -L $d ]; then cp -P $d .; "
+                "elif [ -d $d ]; then mkdir .$d; mount --rbind $d .$d; fi; done; "
+                "exec chroot . \"$@\"' sh " +
+                runText() + "true");
+    expectRefusal(outcome, "/opt is missing: make this folder first");
+}
+
 TEST_F(Launcher, OpensTheWayToItsFoldersToAll)
 {
     if (!kordTest::hasNamespaces()) GTEST_SKIP() << "the folders are the machine's";

@@ -235,6 +235,20 @@ TEST_F(Recording, IsRepeatedByItselfAlone)
     EXPECT_EQ(readTrace(kordTest::traceFile(folder / "replay", system0)), recorded.trace);
 }
 
+TEST_F(Recording, SaysWhatElseItsRunEndedWith)
+{
+    json facility = facilityWith("small.json", json::array());
+    for (const int status : {0, 255}) {
+        facility["recording"] = {{"command", {"addTarnKord", "-t", system0}}, {"status", status}};
+        write(recordedFile, facility.dump());
+        const Outcome outcome = repeat();
+        EXPECT_EQ(outcome.status, 3);
+        EXPECT_TRUE(outcome.error.starts_with("kord-console: addTarnKord -t '" + system0 +
+                                              "' ended with 3; recorded was " + std::to_string(status) + "\n"))
+            << outcome.error;
+    }
+}
+
 TEST_F(Recording, OfAScriptIsTheCollectorsThatItRan)
 {
     write(folder / "facility.json", facilityWith("small.json", json::array()).dump());

@@ -1,6 +1,7 @@
 // What the run record holds, whoever reads it: its layout is an interface.
 
 #include "addProcessKord.h"
+#include "addTarnKord.h"
 #include "scriptedClient.h"
 #include "unit.h"
 
@@ -94,6 +95,33 @@ TEST(RunRecord, keepsTheNodeOfEveryPartition)
     EXPECT_STREQ(record.StorageFacilityImageID[1], "9999.A01.00XY122");
     EXPECT_STREQ(record.StorageFacilityImageMTMS[1], "9999*A01*00XY122");
     EXPECT_STREQ(record.kordpStorageFacilityImageMTMS[1], "9999-A01-00XY122");
+}
+
+TEST(CleanUp, givesTheResultOfTheLastSessionThatItEnds)
+{
+    char session;
+    const auto open = reinterpret_cast<ValeSessionHandle>(&session);
+    struct Case {
+        std::vector<ValeSessionHandle kordRec::*> open;
+        std::vector<int32_t> results;
+        int32_t result;
+    };
+    const auto local = &kordRec::sess_hndl_LC;
+    const auto domain = &kordRec::sess_hndl_DM;
+    const auto shared = &kordRec::sess_hndl_SR;
+    const std::vector<Case> cases = {{{}, {}, 0},
+                                     {{local}, {5}, 5},
+                                     {{local, domain, shared}, {0, 0, 0}, 0},
+                                     {{local, domain, shared}, {5, 7, 0}, 0},
+                                     {{local, domain, shared}, {0, 7, 9}, 9}};
+    for (const Case& one : cases) {
+        kordRec record = unit::freshRecord();
+        for (const auto handle : one.open)
+            record.*handle = open;
+        unit::ScriptedClient client;
+        client.ends(one.results);
+        EXPECT_EQ(cleanUpKord(&record, nullptr, 3), one.result);
+    }
 }
 
 } // namespace

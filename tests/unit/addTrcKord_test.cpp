@@ -111,6 +111,16 @@ TEST_F(TraceLog, stampsWithTheLocalTime)
     EXPECT_EQ(line, written);
 }
 
+TEST_F(TraceLog, isNotTheOneWhoseNameEndsLikeIts)
+{
+    const std::string longer = "x" + name;
+    std::filesystem::remove(unit::logPath(longer));
+    addTrcKord(longer.c_str(), "0100", "one");
+    addTrcKord(name.c_str(), "0100", "other");
+    EXPECT_EQ(unit::readFile(path).substr(unit::stampLength), "0100: other\n");
+    EXPECT_EQ(unit::readFile(unit::logPath(longer)).substr(unit::stampLength), "0100: one\n");
+}
+
 TEST_F(TraceLog, emptyAndNullTexts)
 {
     const std::string fallback = unit::logPath("addTrcKord.log");

@@ -21,6 +21,7 @@ ScriptedClient::~ScriptedClient()
 {
     current = nullptr;
     EXPECT_EQ(script.size(), 0U) << "calls never made";
+    EXPECT_EQ(sessionEnds.size(), 0U) << "sessions never ended";
     EXPECT_EQ(unreleased.size(), 0U) << "answers, records or messages never released";
     EXPECT_EQ(emptyAnswers, 0U) << "empty answers never released";
 }
@@ -43,6 +44,17 @@ int32_t ScriptedClient::play(const char* className, const char* selection, void*
     else
         ++emptyAnswers;
     return 0;
+}
+
+int32_t ScriptedClient::endSession()
+{
+    if (sessionEnds.empty()) {
+        ADD_FAILURE() << "a session's end that the script has not";
+        return 1;
+    }
+    const int32_t result = sessionEnds.front();
+    sessionEnds.pop_front();
+    return result;
 }
 
 int32_t ScriptedClient::release(const void* held)
@@ -104,6 +116,11 @@ int32_t vale_invoke_action(ValeSessionHandle, ValeActionResponse** responses, ui
                            ValeResourceHandle, const char* action, const ValeStructuredData*)
 {
     return current->play(action, nullptr, reinterpret_cast<void**>(responses), count);
+}
+
+int32_t vale_end_session(ValeSessionHandle)
+{
+    return current->endSession();
 }
 
 int32_t vale_free_response(void* responses)

@@ -56,13 +56,18 @@ public:
         lastError = error;
     }
 
+    /// What the next ends of sessions give.
+    void ends(const std::vector<int32_t>& results) { sessionEnds.assign(results.begin(), results.end()); }
+
     int32_t play(const char* className, const char* selection, void** responses, uint32_t* count);
+    int32_t endSession();
     int32_t release(const void* held);
     int32_t giveRecord(ValeErrorHandle* record);
     int32_t giveMessage(const char** message);
 
 private:
     std::deque<ScriptedCall> script;
+    std::deque<int32_t> sessionEnds;
     ScriptedError lastError;
     std::multiset<const void*> unreleased;
     size_t emptyAnswers = 0; ///< answers without responses, whose release carries a null
