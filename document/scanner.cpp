@@ -506,8 +506,8 @@ bool Scanner::readHead(size_t from, Head& head)
     const size_t value = code.to + 1 + valueStart.size();
     const std::string_view text = at(tag);
     if (text == hostsTag) {
-        const size_t label = tag.to - tagEnd.size() - hostsLabel.size();
-        head = {code, {label, label + hostsLabel.size()}, false, value};
+        constexpr size_t label = hostsTag.rfind("=\"") + 2;
+        head = {code, {from + label, tag.to - tagEnd.size()}, false, value};
         return at(code) == hostsCode;
     }
     if (!text.starts_with(propertyStart) || !text.ends_with(tagEnd)) return false;

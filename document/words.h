@@ -31,7 +31,6 @@ constexpr std::string_view tagEnd = R"(">)";
 /// The one name that the collector writes without quotation marks.
 constexpr std::string_view hostsTag = R"(<Property name=U2 displayName="Host Inventory">)";
 constexpr std::string_view hostsCode = "U2";
-constexpr std::string_view hostsLabel = "Host Inventory";
 
 /// The list of what partitions see in an enclosure.
 constexpr std::string_view shares = "Enclosures Partitions";
