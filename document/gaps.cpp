@@ -8,7 +8,6 @@ namespace document
 Gaps::Gaps(const Document& ofDocument) : document(ofDocument)
 {
     const Part& system = document.system();
-    hasPartitions = std::ranges::find(system.children, Kind::partition, &Part::kind) != system.children.end();
     if (document.missing.nothing()) return;
     for (innermost = &system; open.insert(innermost).second && !innermost->children.empty();)
         innermost = &innermost->children.back();
@@ -18,8 +17,7 @@ Gaps::Gaps(const Document& ofDocument) : document(ofDocument)
 /// come next is missing. A list that another one follows had its end before the document's.
 bool Gaps::mayHide(const Part& part, const Part& around) const
 {
-    if (part.kind == Kind::partition && &around == &document.system()) {
-        if (!hasPartitions) return true;
+    if (&around == &document.system()) {
         const std::string start = std::string(around.id) + '-';
         const auto& lacking = document.missing.partitions;
         if (part.id.starts_with(start) &&

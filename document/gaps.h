@@ -25,7 +25,6 @@ public:
 
 private:
     const Document& document;
-    bool hasPartitions = false;
     std::unordered_set<const Part*> open; ///< parts that the telling ended in
     const Part* innermost = nullptr;      ///< of them
 };

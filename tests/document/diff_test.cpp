@@ -409,6 +409,7 @@ TEST(Diff, PartitionsThatAnIncompleteDocumentLacksAreNotRemoved)
     EXPECT_EQ(changes(named(one + two), ofSystem(enclosures)), Lines{});
     // The enclosure names the first partition, and none names the second.
     EXPECT_EQ(changes(named(one + two), named(two)), Lines{});
+    EXPECT_EQ(changes(named(one + two), ofSystem(list("Partitions", two) + enclosures)), Lines{});
     EXPECT_EQ(changes(named(one + two), named(one)), Lines{"removed   partition Tarn02"});
 }
 

@@ -1078,6 +1078,8 @@ TEST(LineFormat, TakesTextsApart)
     EXPECT_THAT(values("%d", ""), ElementsAre("none"));
     EXPECT_THAT(values("%d", std::string_view("789").substr(0, 2)), ElementsAre("78"));
     EXPECT_THAT(values(" %d, %s", " 7"), ElementsAre("none"));
+    EXPECT_THAT(values("%s%d", "12"), ElementsAre("", "12"));
+    EXPECT_THAT(values("%s%d", "-12"), ElementsAre("", "-12"));
 }
 
 TEST(Tables, HoldTheCollectorsQueries)

@@ -71,6 +71,17 @@ TEST_F(InputTest, ReadsAFilePackedOrNot)
     }
 }
 
+TEST_F(InputTest, LeavesNoFileOpen)
+{
+    const auto openFiles = [] {
+        return std::distance(std::filesystem::directory_iterator("/proc/self/fd"), {});
+    };
+    const auto before = openFiles();
+    contentOf(write("plain", "text"));
+    contentOf(writePacked("packed", "text"));
+    EXPECT_EQ(openFiles(), before);
+}
+
 TEST_F(InputTest, ReadsWhatIsLeftOfAPackedFile)
 {
     const std::string text = longText();

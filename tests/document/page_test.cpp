@@ -171,6 +171,13 @@ void expectTheDocument(const Document& document)
         }
     }
     EXPECT_EQ(part, page.count());
+    for (const json& kind : page.data["kinds"]) {
+        const auto row = std::ranges::find(document::kinds, kind["singular"], &document::KindRow::singular);
+        ASSERT_NE(row, document::kinds.end()) << kind["singular"];
+        EXPECT_EQ(kind["word"], row->word);
+        EXPECT_EQ(kind["plural"], row->plural);
+        EXPECT_EQ(kind["counted"], row->counted ? 1 : 0);
+    }
 }
 
 TEST(Page, TellsEveryIdentifierAndPropertyOfTheDocument)

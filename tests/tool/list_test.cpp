@@ -217,6 +217,7 @@ TEST_F(ListCommand, TheMendedDocumentGivesTheSame)
 TEST_F(ListCommand, SaysWhatItDoesNotKnow)
 {
     const std::vector<std::pair<Texts, std::string>> cases = {
+        {{"list", "zzz", small}, "no kind \"zzz\": \"kord kinds\" lists them"},
         {{"list", "drvies", small}, "no kind \"drvies\": did you mean \"drives\"?"},
         {{"list", "drives", small, "-c", "seriel"},
          "no column \"seriel\" of drives: did you mean \"serial\"?"},
