@@ -4,6 +4,7 @@
 
 #include <ctime>
 #include <gtest/gtest.h>
+#include <sys/mount.h>
 #include <unistd.h>
 
 namespace
@@ -274,6 +275,21 @@ TEST_F(TraceLog, cutsThroughNoLink)
     EXPECT_TRUE(std::filesystem::is_regular_file(std::filesystem::symlink_status(path)));
     EXPECT_EQ(unit::readFile(path).substr(0, 6), "10000 ");
     std::filesystem::remove(target);
+}
+
+TEST_F(TraceLog, staysWholeWhereItCannotBeReplaced)
+{
+    const std::string grown = grownLog(25'000, 3'000'001);
+    unit::writeFile(path, grown);
+    if (mount(path.c_str(), path.c_str(), nullptr, MS_BIND, nullptr) != 0)
+        GTEST_SKIP() << "only root can hold a file at its place";
+    addTrcKord(name.c_str(), "0100", "text");
+    const std::string log = unit::readFile(path);
+    const bool hasPiece = std::filesystem::exists(path + "01");
+    umount2(path.c_str(), MNT_DETACH);
+    EXPECT_TRUE(log.starts_with(grown));
+    EXPECT_TRUE(log.ends_with(" 0100: text\n"));
+    EXPECT_FALSE(hasPiece);
 }
 
 TEST_F(TraceLog, removesThroughTheWrapper)
