@@ -21,7 +21,6 @@ struct Mapping {
     size_t size = 0;
 };
 
-/// Its pages are there from the start: what a client hands out is in memory, since it came over the wire.
 Mapping mapFile(const std::string& path, bool writable)
 {
     const int file = open(path.c_str(), (writable ? O_RDWR : O_RDONLY) | O_NOFOLLOW | O_CLOEXEC);
@@ -31,8 +30,8 @@ Mapping mapFile(const std::string& path, bool writable)
     };
     if (fstat(file, &status) == 0) {
         mapping.size = static_cast<size_t>(status.st_size);
-        const int rights = PROT_READ | (writable ? PROT_WRITE : 0);
-        void* base = mmap(nullptr, mapping.size, rights, MAP_SHARED | MAP_POPULATE, file, 0);
+        void* base =
+            mmap(nullptr, mapping.size, PROT_READ | (writable ? PROT_WRITE : 0), MAP_SHARED, file, 0);
         if (base != MAP_FAILED) mapping.base = base;
     }
     const int reason = errno;
