@@ -357,7 +357,7 @@ void RunReader::failed(const TraceLine& line, const Match& match)
     current = call;
     current.query = &query;
     Problem& problem = addOfCall(line, match, kindOf(match.line->role), severityOf(end->result), call);
-    if (number != 0) problem.number = number;
+    if (number != 0 || match.line->role != "noResources") problem.number = number;
     if (match.line->role == "noResources" && number > 0) problem.kind = "unexpectedAnswer";
     if (match.values.size() > 1) problem.message = match.values[1];
     problem.standsInstead = end->standsInstead;

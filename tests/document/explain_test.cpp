@@ -355,7 +355,7 @@ TEST(Explain, ACallWithoutASelectionIsForTheWholeSystem)
     EXPECT_EQ(document::partWords(problem), "system 9999-B2C*7ABCD12");
 }
 
-TEST(Explain, NothingFoundIsNoNumber)
+TEST(Explain, NothingFoundHasNoNumberButItsCountIsOne)
 {
     for (const int count : {-1, 0, 3}) {
         Log log = drivesAsked();
