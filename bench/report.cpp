@@ -49,7 +49,7 @@ void Report::atLeast(const std::string& what, double value, double limit)
 void Report::target(const std::string& what, double value, const char* bound, double limit, const char* unit,
                     bool met)
 {
-    std::printf("- %s: %s %.3g%s, measured **%.3g%s**, %s\n", what.c_str(), bound, limit, unit, value, unit,
+    std::printf("- %s: %s %.4g%s, measured **%.4g%s**, %s\n", what.c_str(), bound, limit, unit, value, unit,
                 met ? "met" : "MISSED");
     std::fflush(stdout);
     missed_ = missed_ || !met;

@@ -74,8 +74,8 @@ TEST_F(ConsolePrograms, QconvpdPrintsTheVpdLines)
 {
     useRules("");
     EXPECT_EQ(start({"qconvpd", "-v"}).output, "*TM 4821-K7Q\n*SE 10ABCDE\n");
-    EXPECT_EQ(lastLine(),
-              kordTest::parseJson(R"({"program": "/opt/brisk/bin/qconvpd", "arguments": ["-v"], "status": 0})"));
+    EXPECT_EQ(lastLine(), kordTest::parseJson(
+                              R"({"program": "/opt/brisk/bin/qconvpd", "arguments": ["-v"], "status": 0})"));
     use(R"({"console": {"vpd": []}})");
     EXPECT_EQ(start({"qconvpd", "-v"}).status, 0) << "no lines are not the same as none to be had";
     use("{}");

@@ -169,8 +169,9 @@ TEST(Reader, ALostLastLineFeedIsNothingMissing)
         std::string text;
         for (size_t i = 0; i < enclosures; ++i)
             text += enclosure({.id = "E" + std::to_string(i), .serial = "S", .location = "R-1"}, "");
-        std::string whole = ofSystem(list("Enclosures", text) +
-                                     list("Partitions", resource("P1", "SYSTEM-1-1", "") + resource("P2", "SYSTEM-1-2", "")));
+        std::string whole =
+            ofSystem(list("Enclosures", text) +
+                     list("Partitions", resource("P1", "SYSTEM-1-1", "") + resource("P2", "SYSTEM-1-2", "")));
         ASSERT_TRUE(parse(whole).missing.nothing());
         whole.pop_back();
         EXPECT_TRUE(parse(whole).missing.nothing()) << enclosures;

@@ -666,7 +666,8 @@ TEST(Scanner, ACutDocumentLosesNothingBehindATagThatCannotBeRead)
 {
     const std::string whole = ofPartitions("<Resource displayName=\"P\n" + resource("Q", "S-2", ""));
     const Scanned scanned = scan(upTo(whole, "S-2\n") + "S-2\n");
-    EXPECT_EQ(inside(scanned.events), (Texts{"list Partitions", "resource Q|S-2", "cut", "!/resource", "!/list"}));
+    EXPECT_EQ(inside(scanned.events),
+              (Texts{"list Partitions", "resource Q|S-2", "cut", "!/resource", "!/list"}));
     EXPECT_THAT(scanned.findings.front(), testing::EndsWith("has no place here and is left out"));
     EXPECT_FALSE(scanned.complete);
 }

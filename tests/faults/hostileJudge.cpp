@@ -130,8 +130,7 @@ bool isEventText(const json& facility, const std::string& text)
     static const kordTest::Pattern plain("[A-Za-z0-9._]+");
     std::set<std::string> names = fieldsOf(facility, "Orvik.TarnStorageFacilityPartition", {"lparName"});
     names.insert(""); // of a partition in no slot
-    if (const std::string name = text.substr(0, text.find(" : ")); plain.matches(name))
-        names.insert(name);
+    if (const std::string name = text.substr(0, text.find(" : ")); plain.matches(name)) names.insert(name);
     return std::ranges::any_of(names, [&](const std::string& name) {
         return text.starts_with(name + " : ") && eventTexts(facility, name).contains(readable(text));
     });

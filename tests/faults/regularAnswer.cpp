@@ -2,9 +2,9 @@
 
 #include "regularAnswer.h"
 
-#include "pattern.h"
-
 #include <stdexcept>
+
+#include "pattern.h"
 
 namespace sweep
 {
@@ -24,10 +24,9 @@ std::vector<Condition> conditionsOf(const std::string& selection)
     std::vector<Condition> conditions;
     for (const kordTest::Pattern::Match& match : form.all(selection)) {
         const bool isNumber = !match[5].empty();
-        conditions.push_back(
-            {.name = match[1],
-             .value = isNumber ? json(std::stoi(match[5])) : json(match[3] + match[4]),
-             .prefix = match[2] == "=?"});
+        conditions.push_back({.name = match[1],
+                              .value = isNumber ? json(std::stoi(match[5])) : json(match[3] + match[4]),
+                              .prefix = match[2] == "=?"});
     }
     return conditions;
 }

@@ -325,9 +325,10 @@ void judgeMet(const Case& run, const Result& result, Findings& findings)
 /// The console lines of failures.
 bool isFailureLine(const std::string& output)
 {
-    static const kordTest::Pattern line("(Start VALE session|Query Partner System|Check State|Query Partition|"
-                                 "Query VALE (Id|Status|Partner Status)|(Orvik\\.TarnScsiHostPort Out of "
-                                 "memory\\n)?Add System Kord) fails\\. ?\\n");
+    static const kordTest::Pattern line(
+        "(Start VALE session|Query Partner System|Check State|Query Partition|"
+        "Query VALE (Id|Status|Partner Status)|(Orvik\\.TarnScsiHostPort Out of "
+        "memory\\n)?Add System Kord) fails\\. ?\\n");
     return line.matches(output);
 }
 

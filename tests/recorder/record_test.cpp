@@ -244,7 +244,8 @@ TEST_F(Recording, SaysWhatElseItsRunEndedWith)
         const Outcome outcome = repeat();
         EXPECT_EQ(outcome.status, 3);
         EXPECT_TRUE(outcome.error.starts_with("kord-console: addTarnKord -t '" + system0 +
-                                              "' ended with 3; recorded was " + std::to_string(status) + "\n"))
+                                              "' ended with 3; recorded was " + std::to_string(status) +
+                                              "\n"))
             << outcome.error;
     }
 }
@@ -559,8 +560,9 @@ Texts codesOf(const Texts& trace)
 /// The part of a value that names a machine or a customer; empty: it names none.
 std::string tellingPart(const std::string& attribute, const std::string& value)
 {
-    static const kordTest::Pattern names("serialNumber|HWSerialNum|lparName|Hostname|userHostDescription|ddmname|"
-                                  "storagePlexAccountName|storageFacility(Image)?WWNN");
+    static const kordTest::Pattern names(
+        "serialNumber|HWSerialNum|lparName|Hostname|userHostDescription|ddmname|"
+        "storagePlexAccountName|storageFacility(Image)?WWNN");
     static const kordTest::Pattern machine(R"(U?[0-9]{4}[-.*][0-9A-Z]{3}[-.*]([0-9A-Z]+).*)");
     if (names.matches(attribute)) return value;
     const kordTest::Pattern::Match parts = machine.match(value);

@@ -210,8 +210,9 @@ TEST_F(Tapes, GiveAResourceWhatItWasFoundBy)
 
 TEST_F(Tapes, ThatAreNoneEndTheRecording)
 {
-    const kordTest::Pattern cut("an error\nkord: (/tmp/kord-record\\.[A-Za-z0-9]{6})/tape\\.jsonl: the recording is "
-                         "cut: is the disk full\\?\n");
+    const kordTest::Pattern cut(
+        "an error\nkord: (/tmp/kord-record\\.[A-Za-z0-9]{6})/tape\\.jsonl: the recording is "
+        "cut: is the disk full\\?\n");
     put("first", sessionStart(0).dump() + "\n{\"vale\": \"start");
     const kordTest::Outcome outcome = record({});
     EXPECT_EQ(outcome.status, 125);

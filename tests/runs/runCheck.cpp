@@ -412,8 +412,8 @@ void checkExactDocument(Finished& finished, const std::string& name, const std::
     }
 }
 
-/// Every document becomes XML with the same elements and values, and tables with the same parts. What differs from
-/// an earlier one in its time alone is the same to readers.
+/// Every document becomes XML with the same elements and values, and tables with the same parts. What differs
+/// from an earlier one in its time alone is the same to readers: what is wrong is told of the first alone.
 void checkReaders(Finished& finished, const std::string& text, const Document& document)
 {
     static std::set<std::string> known;

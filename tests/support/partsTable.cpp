@@ -446,8 +446,7 @@ private:
         row["array_sites"] = parseJson('[' + match[1] + match[2] + ']');
         for (const Element& list : array.outer->element->children) {
             for (const Element& site : list.children) {
-                if (list.displayName != "Array Sites" || behind(site.uniqueId, "/S") != match[1])
-                    continue;
+                if (list.displayName != "Array Sites" || behind(site.uniqueId, "/S") != match[1]) continue;
                 if (!row.contains("number")) putNumber(row, "number", behind(valueOf(site, "A1"), "/A"));
             }
         }

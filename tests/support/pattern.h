@@ -1,5 +1,5 @@
-// Regular expressions. The standard library's are templates that take a compiler longer than most files that use
-// them, so they are compiled in one place.
+// Regular expressions. The standard library's are templates that take a compiler longer than most files that
+// use them, so they are compiled in one place.
 #pragma once
 
 #include <memory>
