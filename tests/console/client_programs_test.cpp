@@ -76,6 +76,13 @@ TEST_F(ConsolePrograms, QconvpdPrintsTheVpdLines)
     EXPECT_EQ(start({"qconvpd", "-v"}).output, "*TM 4821-K7Q\n*SE 10ABCDE\n");
     EXPECT_EQ(lastLine(), kordTest::parseJson(
                               R"({"program": "/opt/brisk/bin/qconvpd", "arguments": ["-v"], "status": 0})"));
+    for (const auto& arguments :
+         {std::vector<std::string>{"qconvpd"}, {"qconvpd", "-x"}, {"qconvpd", "-v", "-v"}}) {
+        const Outcome outcome = start(arguments);
+        EXPECT_EQ(outcome.status, 1);
+        EXPECT_EQ(outcome.output, "");
+        EXPECT_EQ(outcome.error, "qconvpd: usage: qconvpd -v\n");
+    }
     use(R"({"console": {"vpd": []}})");
     EXPECT_EQ(start({"qconvpd", "-v"}).status, 0) << "no lines are not the same as none to be had";
     use("{}");
