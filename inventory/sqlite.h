@@ -53,7 +53,6 @@ public:
     template <typename... Values>
     Statement& with(const Values&... values)
     {
-        reset();
         int index = 0;
         (bind(++index, values), ...);
         return *this;
@@ -67,6 +66,7 @@ public:
     bool step();
     /// Runs a statement that answers nothing; its values stay for the next run.
     void run();
+    /// Behind the last row that is wanted: what was read is let go, and new values may come.
     void reset();
 
     [[nodiscard]] int columns() const;

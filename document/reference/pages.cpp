@@ -4,6 +4,7 @@
 
 #include "document/kind.h"
 
+#include <cctype>
 #include <span>
 #include <vector>
 
@@ -67,9 +68,9 @@ class Manual : public Markup
 public:
     void section(const std::string& title) override
     {
-        std::string capitals = title;
-        for (char& letter : capitals)
-            letter = letter >= 'a' && letter <= 'z' ? static_cast<char>(letter - 'a' + 'A') : letter;
+        std::string capitals;
+        for (const unsigned char letter : title)
+            capitals += static_cast<char>(std::toupper(letter));
         text += ".Sh " + capitals + '\n';
     }
     void subsection(const std::string& title) override { text += ".Ss " + plain(title) + '\n'; }
