@@ -391,7 +391,7 @@ TEST(ClientAnswer, GivesItsMemoryBack)
 {
     if (mallinfo2().uordblks == 0) GTEST_SKIP() << "the sanitizers keep another account";
     journalOf(someParts, [] {
-        const ValeSessionHandle session = startSession(2);
+        ValeSessionHandle session = startSession(2);
         const auto ask = [&](int times) {
             while (times-- > 0)
                 EXPECT_EQ(Query(session, rack, nullptr, {"locationCode"}).count, 3U);

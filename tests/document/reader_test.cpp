@@ -165,7 +165,7 @@ TEST(Reader, NoDocumentThatIsCutIsTakenForAWholeOne)
 TEST(Reader, ALostLastLineFeedIsNothingMissing)
 {
     // In a short document the end has been looked at with the head; in a long one it is met by the last tag.
-    for (const size_t enclosures : {1, 400}) {
+    for (const size_t enclosures : {size_t{1}, size_t{400}}) {
         std::string text;
         for (size_t i = 0; i < enclosures; ++i)
             text += enclosure({.id = "E" + std::to_string(i), .serial = "S", .location = "R-1"}, "");
