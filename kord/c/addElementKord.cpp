@@ -57,7 +57,7 @@ struct Element {
         add(property.value);
         add(endProperty);
     }
-    /// The first pieces, in place: one that the compiler knows is an instruction or two.
+    /// The first pieces of an element, in place: one that the compiler knows is an instruction or two.
     template <typename... Pieces>
     [[gnu::always_inline]] void begin(Pieces... pieces)
     {
