@@ -69,8 +69,8 @@ public:
     void section(const std::string& title) override
     {
         std::string capitals;
-        for (const unsigned char letter : title)
-            capitals += static_cast<char>(std::toupper(letter));
+        for (const char letter : title)
+            capitals += static_cast<char>(std::toupper(static_cast<unsigned char>(letter)));
         text += ".Sh " + capitals + '\n';
     }
     void subsection(const std::string& title) override { text += ".Ss " + plain(title) + '\n'; }

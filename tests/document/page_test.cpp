@@ -226,6 +226,16 @@ TEST(Page, TellsWhatTheDocumentIs)
     EXPECT_EQ(data["findings"], json({"line 11: \"odd\" has no place here and is left out"}));
 }
 
+TEST(Page, TellsPlacesWithoutAPart)
+{
+    const std::string none = resource("Fan Sense Card", "", "");
+    const std::string shelf = enclosure({.id = "U1", .serial = "1", .location = "R-1"}, none + none);
+    const PageReader page(document::page(parse(ofEnclosures(shelf))));
+    const size_t around = page.first("storageEnclosure");
+    const json place = json::array({"fanSenseCard", around});
+    EXPECT_EQ(page.data["absent"], json::array({place, place}));
+}
+
 /// A script's numbers are exact up to 53 bits.
 TEST(Page, TellsANumberThatAScriptCannotHoldAsAText)
 {
