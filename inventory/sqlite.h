@@ -49,7 +49,8 @@ public:
     Statement(const Statement&) = delete;
     Statement& operator=(const Statement&) = delete;
 
-    /// The values of the statement's next run, from the first parameter on. They are read when it runs.
+    /// The values of the statement's next run, from the first parameter on; one that was stepped through is
+    /// reset before. They are read when it runs.
     template <typename... Values>
     Statement& with(const Values&... values)
     {

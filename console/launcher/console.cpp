@@ -126,6 +126,7 @@ void putInPlace(const fs::path& program, const fs::path& place)
     std::error_code absent;
     if (fs::read_symlink(place, absent) == program) return;
     const fs::path made = place.string() + ".new" + std::to_string(getpid());
+    unlink(made.c_str()); // of a run that was killed here and had the same number
     if (symlink(program.c_str(), made.c_str()) != 0) throw platform::failedOn(place.string());
     if (rename(made.c_str(), place.c_str()) != 0) {
         const int reason = errno;

@@ -30,6 +30,9 @@ Outcome inShell(const std::string& script, const fs::path& folder = {})
     return runProcess({.arguments = {"/bin/sh", "-c", script}, .folder = folder});
 }
 
+/// The start of a shell command whose mounts are its own.
+const std::string inNamespace = geteuid() == 0 ? "unshare -m " : "unshare -Urm ";
+
 std::string quote(const std::string& text)
 {
     return '\'' + text + '\'';
@@ -139,24 +142,37 @@ TEST_F(Launcher, MirrorsAFolderOnce)
 TEST_F(Launcher, MirrorsAreWritableWhereTheFoldersAre)
 {
     if (!kordTest::hasNamespaces()) GTEST_SKIP() << "there are links instead of mirrors";
-    const std::string script = "for f in /opt /var; do test -w $f && echo $f; done";
-    EXPECT_EQ(runScript(script).output, inShell(script).output);
+    const std::string script = "for f in /opt /var; do test -w $f && echo $f; done; true";
+    const Outcome inside = runScript(script);
+    ASSERT_EQ(inside.status, 0) << inside.error;
+    EXPECT_EQ(inside.output, inShell(script).output);
 }
 
-/// On a machine without one of the folders above: its whole root is mirrored but for that one.
+/// On a machine that lacks /opt: a stand-in root with everything else mounted into it.
 TEST_F(Launcher, SaysWhichFolderTheMachineLacks)
 {
     if (!kordTest::hasNamespaces()) GTEST_SKIP() << "there are links instead";
     const std::string machine = quote(temporary.path() / "machine");
     const Outcome outcome =
-        inShell("mkdir " + machine + "; unshare --map-root-user --mount sh -c 'mount -t tmpfs none " +
-                machine + "; cd " + machine +
+        inShell("mkdir " + machine + "; " + inNamespace + "sh -c 'mount -t tmpfs none " + machine + "; cd " +
+                machine +
                 "; for d in /*; do"
                 " if [ $d = /opt ]; then continue; elif [ -L $d ]; then cp -P $d .; "
                 "elif [ -d $d ]; then mkdir .$d; mount --rbind $d .$d; fi; done; "
                 "exec chroot . \"$@\"' sh " +
-                runText() + "true");
+                quote(console) + " run --facility " + quote(facility) + " --root /console -- true");
     expectRefusal(outcome, "/opt is missing: make this folder first");
+}
+
+/// Whoever may change a folder on the way to the root could put another one in its place.
+TEST_F(Launcher, TakesNoWayThroughAStrangersFolder)
+{
+    if (geteuid() != 0) GTEST_SKIP() << "only root can give a folder away";
+    const fs::path given = temporary.path() / "given";
+    fs::create_directory(given);
+    ASSERT_EQ(chown(given.c_str(), 1, 1), 0);
+    root = given / "root";
+    expectRefusal(run({"true"}), " belongs to ");
 }
 
 TEST_F(Launcher, OpensTheWayToItsFoldersToAll)
@@ -494,12 +510,11 @@ protected:
     }
     [[nodiscard]] Outcome inOwnNamespace(const std::string& script) const
     {
-        const std::string unshare = geteuid() == 0 ? "unshare -m " : "unshare -Urm ";
         const std::string prepared = "mount -t tmpfs none /opt && mount -t tmpfs none /var && export "
                                      "KORD_CONSOLE_NO_NAMESPACES=1 && { " +
                                      script + "\n}";
         write(temporary.path() / "script", prepared);
-        return inShell(unshare + "/bin/sh ./script", temporary.path());
+        return inShell(inNamespace + "/bin/sh ./script", temporary.path());
     }
 };
 
