@@ -52,7 +52,7 @@ TEST(Process, EndsAsTheProgramDoesWhereItsCallerIgnoresChildren)
 {
     const pid_t caller = fork();
     if (caller == 0) {
-        alarm(60); // without the child's signal it would wait for ever
+        alarm(60);                     // without the child's signal it would wait for ever
         std::signal(SIGCHLD, SIG_IGN); // the kernel would keep no child's status then
         _exit(platform::runProgram({"sh", "-c", "exit 77"}, platform::holdSignals()));
     }
