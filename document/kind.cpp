@@ -771,15 +771,6 @@ std::vector<std::string> columnNamesOf(std::span<const Kind> ofKinds, bool onlyS
     return names;
 }
 
-bool holdsItems(std::string_view code)
-{
-    return std::ranges::any_of(kindTable, [&](const KindRow& row) {
-        return std::ranges::any_of(row.columns, [&](const Column& column) {
-            return column.source.from == From::item && column.source.code == code;
-        });
-    });
-}
-
 std::string_view wordOf(Type type)
 {
     constexpr std::array<std::string_view, 5> words = {"text", "number", "texts", "numbers", "time"};

@@ -152,9 +152,6 @@ std::vector<const Column*> columnsOf(Kind kind);
 /// The names of every column of the kinds, each once.
 std::vector<std::string> columnNamesOf(std::span<const Kind> ofKinds, bool onlyShown = false);
 
-/// Whether a property holds many values, each behind its key.
-bool holdsItems(std::string_view code);
-
 std::string_view wordOf(Type type);
 
 /// Where parts of the kind stand, in words: "\"CEC\" in the list \"Enclosures\"".

@@ -333,6 +333,18 @@ TEST(Diff, ARenamedPartitionIsAChange)
               Lines{"changed   partition Other: name Tarn01 -> Other"});
 }
 
+TEST(Diff, WhatAPartRepeatsOfItselfIsNoChange)
+{
+    const auto console = [](const std::string& properties) {
+        return ofMachine(resource("Quay", "Q", properties));
+    };
+    const auto at = [](const std::string& place) { return property("YL", "Hardware Location Code", place); };
+    EXPECT_EQ(changes(console(""), console(at("Q"))), Lines{});
+    EXPECT_EQ(changes(console(at("Q")), console("")), Lines{});
+    EXPECT_EQ(changes(console(at("R")), console(at("Q"))),
+              Lines{"changed   console Q: Hardware Location Code R -> Q"});
+}
+
 TEST(Diff, WhatThePartsRepeatOfThePartsAroundThemIsToldOnce)
 {
     Enclosure other = firstEnclosure;

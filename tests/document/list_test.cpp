@@ -430,6 +430,7 @@ TEST(List, IsSortedByColumnsWithWhatHasNoValueLast)
     EXPECT_EQ(slots({"-firmware"}), (Texts{"1", "4", "3", "2"}));
     EXPECT_EQ(slots({"-firmware", "-slot"}), (Texts{"4", "1", "3", "2"}));
     EXPECT_EQ(slots({"-slot"}), (Texts{"4", "3", "2", "1"}));
+    EXPECT_EQ(slots({"partitions"}), (Texts{"1", "2", "3", "4"})); // a list of the same in all
 }
 
 TEST(List, Counts)

@@ -54,6 +54,16 @@ TEST(Progress, CountsWhatIsCollected)
               "9999-B2C*7ABCD12: storage enclosures, 10 s: 24 drives, 2 storage enclosures");
 }
 
+TEST(Progress, WhatFollowsAnEndIsOfAnotherRun)
+{
+    const std::string line = after({receive, "112126 13:41:05 ==>:  addStorEnclKord",
+                                    "112126 13:41:06 0304 : DDM loop array_cnt_ddm= 16, attr_count_ddm= 14",
+                                    closing, "112126 13:45:00 ==>:  addStorEnclKord",
+                                    "112126 13:45:02 0304 : DDM loop array_cnt_ddm= 8, attr_count_ddm= 14"})
+                                 .line();
+    EXPECT_EQ(line, "a run whose start the log has lost: storage enclosures, the last 2 s: 8 drives");
+}
+
 TEST(Progress, TheRacksCollectorTracesTheNameOfAnother)
 {
     EXPECT_EQ(after({receive, "112126 13:41:05 ==>:  addStorEnclKord",
