@@ -418,7 +418,7 @@ void checkReaders(Finished& finished, const std::string& text, const Document& d
 {
     static std::set<std::string> known;
     if (!known.insert(withFixedTimestamp(text)).second) return;
-    for (const std::string& fault : partsFaults(text))
+    for (const std::string& fault : partsFaults(document, text))
         finished.fault("parts", fault);
     const MendedDocument mended = mendDocument(text);
     for (const std::string& fault : mended.faults)
