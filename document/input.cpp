@@ -40,7 +40,6 @@ namespace
 
 gzFile open(const std::string& file)
 {
-    errno = 0;
     if (file != "-") return gzopen(file.c_str(), "rbe");
     const int descriptor = dup(STDIN_FILENO);
     return descriptor < 0 ? nullptr : gzdopen(descriptor, "rb");
@@ -52,7 +51,7 @@ Input::Input(const std::string& file)
     : shownName(file == "-" ? "standard input" : platform::shown(file)), source(std::make_unique<Source>())
 {
     source->file = open(file);
-    if (source->file == nullptr) fail(shownName, errno == 0 ? ENOMEM : errno);
+    if (source->file == nullptr) fail(shownName, errno);
     constexpr unsigned packed = 1U << 17U;
     gzbuffer(source->file, packed);
 }

@@ -2,11 +2,11 @@
 
 #include "document/kindList.h"
 #include "document/rows.h"
+#include "document/trace.h"
 #include "platform/utf8.h"
 
 #include <algorithm>
 #include <array>
-#include <charconv>
 #include <ctime>
 #include <optional>
 #include <string_view>
@@ -43,25 +43,13 @@ constexpr auto families = std::to_array<Family>({
     {.name = "kord_parts", .help = "Parts in the document by kind, firmware level and service state."},
 });
 
-/// A stamp of the log, "112126 13:04:59", as seconds since 1970. The console writes and reads its own time.
+/// As seconds since 1970: the console writes and reads its own time.
 std::optional<std::time_t> secondsOf(std::string_view stamp)
 {
-    constexpr std::array<size_t, 6> places = {0, 2, 4, 7, 10, 13};
-    std::array<int, 6> numbers{};
-    for (size_t i = 0; i < places.size(); ++i) {
-        const std::string_view digits = stamp.substr(std::min(places[i], stamp.size()), 2);
-        const auto [end, fault] = std::from_chars(digits.data(), digits.data() + digits.size(), numbers[i]);
-        if (fault != std::errc{} || end != digits.data() + 2) return std::nullopt;
-    }
-    std::tm time{};
-    time.tm_mon = numbers[0] - 1;
-    time.tm_mday = numbers[1];
-    time.tm_year = 100 + numbers[2];
-    time.tm_hour = numbers[3];
-    time.tm_min = numbers[4];
-    time.tm_sec = numbers[5];
-    time.tm_isdst = -1;
-    return std::mktime(&time);
+    std::optional<std::tm> time = timeOfStamp(stamp);
+    if (!time) return std::nullopt;
+    time->tm_isdst = -1;
+    return std::mktime(&*time);
 }
 
 void appendLabel(std::string& text, const std::string& name, const std::string& value)

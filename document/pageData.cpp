@@ -107,7 +107,7 @@ public:
                 hosts.emplace(change.before, change.host);
             else if (change.type == ChangeType::removed)
                 gone.insert(change.before);
-            else if (change.before != nullptr && change.kind != Kind::host)
+            else
                 stayed.insert(change.before);
         }
     }
@@ -143,10 +143,8 @@ std::vector<Holder> holdersOf(const std::vector<const Column*>& columns)
     for (size_t i = 0; i < columns.size(); ++i) {
         Holder holder{.index = i, .column = columns[i], .text = *columns[i]};
         holder.text.type = Type::text;
-        const From from = columns[i]->source.from;
-        const bool holds = from == From::property || from == From::around || from == From::end ||
-                           from == From::item || from == From::idEnd;
-        if (holds) holders.push_back(holder);
+        const Source& source = columns[i]->source;
+        if (!source.code.empty() || source.from == From::idEnd) holders.push_back(holder);
     }
     return holders;
 }
@@ -178,8 +176,7 @@ public:
         if (text.empty()) return "[]";
         pieces.clear();
         for (const Holder& holder : holders) {
-            if (holder.column->source.from != From::idEnd && holder.column->source.code == property.code())
-                find(holder, text);
+            if (holder.column->source.code == property.code()) find(holder, text);
         }
         if (pieces.empty() && text == of.row.part->id) return "[-2]";
         if (pieces.empty() && text == of.row.part->name) return "[-3]";

@@ -264,13 +264,11 @@ void RunReader::findSessionNotOpened(const TraceLine&)
         problem.usualCause = line.cause;
         problem.advice = line.advice;
     }
-    const auto later =
-        std::ranges::find_if(run.problems, [&](const Problem& other) { return other.line > problem.line; });
-    for (auto other = later; other != run.problems.end(); ++other) {
-        if (other->session == domainSession)
-            other->cause = "the domain session had not opened, see line " + std::to_string(problem.line);
+    for (Problem& other : run.problems) {
+        if (other.session == domainSession)
+            other.cause = "the domain session had not opened, see line " + std::to_string(problem.line);
     }
-    run.problems.insert(later, std::move(problem));
+    run.problems.push_back(std::move(problem));
 }
 
 } // namespace document

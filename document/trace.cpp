@@ -11,8 +11,8 @@ namespace document
 namespace
 {
 
-/// Month, day, year, time: "112126 13:04:59".
-constexpr std::string_view stampForm = "###### ##:##:##";
+/// Month, day, year, time, as every line starts: "112126 13:04:59 ".
+constexpr std::string_view headForm = "###### ##:##:## ";
 
 // How the collector wraps: a first line of 79 bytes, of which code and text share 61, then lines of 80.
 constexpr size_t firstLength = 79;
@@ -30,10 +30,9 @@ bool isDigit(char character)
 
 bool startsWithStamp(std::string_view text)
 {
-    return text.size() >= stampForm.size() &&
-           std::ranges::equal(text.substr(0, stampForm.size()), stampForm, [](char character, char form) {
-               return form == '#' ? isDigit(character) : character == form;
-           });
+    return std::ranges::equal(text.substr(0, headForm.size()), headForm, [](char character, char form) {
+        return form == '#' ? isDigit(character) : character == form;
+    });
 }
 
 /// Whether it may stand before the colon: three or four digits, with a blank or without, or a word.
@@ -49,17 +48,17 @@ bool isCode(std::string_view code)
 std::optional<std::string_view> codeOf(std::string_view line)
 {
     constexpr size_t longest = 13;
-    const size_t at = stampForm.size() + 1;
-    if (!startsWithStamp(line) || line.size() < at || line[at - 1] != ' ') return std::nullopt;
-    const size_t length = line.substr(at, longest + 2).find(": ");
-    if (length == std::string_view::npos || !isCode(line.substr(at, length))) return std::nullopt;
-    return line.substr(at, length);
+    if (!startsWithStamp(line)) return std::nullopt;
+    const std::string_view rest = line.substr(headForm.size());
+    const size_t length = rest.substr(0, longest + 2).find(": ");
+    if (length == std::string_view::npos || !isCode(rest.substr(0, length))) return std::nullopt;
+    return rest.substr(0, length);
 }
 
 /// Where in the line, from `from` on, one of the collector's lines starts.
 size_t findStart(std::string_view line, size_t from)
 {
-    for (; from + stampForm.size() < line.size(); ++from) {
+    for (; from < line.size(); ++from) {
         if (isDigit(line[from]) && codeOf(line.substr(from))) return from;
     }
     return std::string_view::npos;
@@ -86,13 +85,6 @@ Joined join(std::string_view body, size_t codeLength)
     return joined;
 }
 
-std::optional<std::time_t> timeOf(std::string_view stamp)
-{
-    std::tm time{};
-    if (strptime(std::string(stamp).c_str(), "%m%d%y %H:%M:%S", &time) == nullptr) return std::nullopt;
-    return timegm(&time);
-}
-
 } // namespace
 
 std::string_view trimmed(std::string_view text)
@@ -109,11 +101,18 @@ int64_t numberOf(std::string_view text)
     return number;
 }
 
+std::optional<std::tm> timeOfStamp(std::string_view stamp)
+{
+    std::tm time{};
+    if (strptime(std::string(stamp).c_str(), "%m%d%y %H:%M:%S", &time) == nullptr) return std::nullopt;
+    return time;
+}
+
 int64_t secondsBetween(std::string_view from, std::string_view until)
 {
-    const auto start = timeOf(from);
-    const auto end = timeOf(until);
-    return start && end ? *end - *start : 0;
+    auto start = timeOfStamp(from);
+    auto end = timeOfStamp(until);
+    return start && end ? timegm(&*end) - timegm(&*start) : 0;
 }
 
 std::optional<int> closingStatus(const TraceLine& line)
@@ -225,8 +224,8 @@ void TraceReader::start(std::string_view line)
 {
     settle();
     code = *codeOf(line);
-    stamp = line.substr(0, stampForm.size());
-    body = line.substr(stampForm.size() + 1 + code.size() + 2);
+    stamp = line.substr(0, headForm.size() - 1);
+    body = line.substr(headForm.size() + code.size() + 2);
     lastIsFull = line.size() == firstLength;
     number = feeds;
     whole = line.size() <= firstLength;

@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <ctime>
 #include <functional>
 #include <optional>
 #include <string>
@@ -36,6 +37,9 @@ std::string_view trimmed(std::string_view text);
 
 /// The number that the text starts with; 0 where it starts with none.
 int64_t numberOf(std::string_view text);
+
+/// A line's stamp, "112126 13:04:59", by the console's clock; none where it is no time.
+std::optional<std::tm> timeOfStamp(std::string_view stamp);
 
 /// Seconds from one stamp to another; 0 when one of them is no time.
 int64_t secondsBetween(std::string_view from, std::string_view until);

@@ -279,6 +279,8 @@ TEST(Diff, AnEmptyElementIsNoPart)
     };
     EXPECT_EQ(changes(ofMachine(rack(supply("R-E1", "A"))), ofMachine(rack(supply("", "")))),
               Lines{"removed   power supply R-E1 (rack 1, serial A)"});
+    EXPECT_EQ(changes(ofMachine(rack(supply("", "A"))), ofMachine(rack(""))),
+              Lines{"removed   power supply without an identifier (rack 1, serial A)"});
 }
 
 // --- Partitions and hosts
@@ -318,6 +320,10 @@ TEST(Diff, Hosts)
                      "changed   host b of Tarn01: Host Inventory b=2 -> d=2"}));
     EXPECT_EQ(changes(partition("5", ""), partition("5", "a, b=c=2,")),
               Lines{"added     host a, b=c of Tarn01: Host Inventory ports (none) -> 2"});
+    const std::string where = "changed   partition Tarn01: Host Inventory ";
+    EXPECT_EQ(changes(partition("5", "web=2,"), partition("5", "web")), Lines{where + "web=2, -> web"});
+    EXPECT_EQ(changes(partition("5", "web"), partition("5", "web=2,")), Lines{where + "web -> web=2,"});
+    EXPECT_EQ(changes(partition("5", "web"), partition("5", "www")), Lines{where + "web -> www"});
 }
 
 TEST(Diff, CountsThatHostsDoNotExplainAreThePartitions)

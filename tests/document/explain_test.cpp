@@ -622,8 +622,8 @@ TEST(Explain, AnEmptySelectionTellsWhatHadBeenMissing)
     EXPECT_EQ(run.problems[0].className, "Orvik.ManagedNode");
     EXPECT_THAT(run.problems[0].attributes, ElementsAre("StorageFacilityImageID"));
     EXPECT_EQ(run.problems[1].kind, "nothingFound");
-    EXPECT_THAT(run.problems[1].cause,
-                HasSubstr("Orvik.ManagedNode had answered without StorageFacilityImageID"));
+    EXPECT_EQ(run.problems[1].cause, "it was asked for with an empty storageFacilityImageMTMS: "
+                                     "Orvik.ManagedNode had answered without StorageFacilityImageID");
 }
 
 /// Lines that show values of an answer: a value that is empty, or a number that stands for none, was missing.
@@ -729,6 +729,25 @@ TEST(Explain, ALineThatShowsNoValueTellsThatItWasMissing)
     }
 }
 
+/// Whatever was asked for inside it.
+TEST(Explain, AValueIsMissingOfTheQueryThatItsLineIsOf)
+{
+    const std::string facility = "storageFacilityMTMS=\"9999-A01*00XY1230\"";
+    Log log;
+    log.checks()
+        .entry("addStorEnclKord")
+        .line("0322 ", facility + " ")
+        .line("0326", " rack U, R, M")
+        .entry("queryStorageEnclosure")
+        .line("0315", "storageFacilityImageMTMS=\"I\" && rackNumber=\"R\" && ActivePeerDomain=\"D\" ")
+        .entry("queryDDM")
+        .line("0326", " rack U, , M");
+    const Problem problem = runIn(log).problems.at(0);
+    EXPECT_EQ(problem.className, "Orvik.TarnRack");
+    EXPECT_THAT(problem.attributes, ElementsAre("rackNumber"));
+    EXPECT_EQ(problem.selection.value_or("none"), facility + " ");
+}
+
 TEST(Explain, AFacilityWithoutNodeNameOrPartnerLacksThem)
 {
     Log log;
@@ -824,7 +843,8 @@ TEST(Explain, AThirdSessionThatNeverOpened)
     const TracedRun run = runIn(log);
     ASSERT_THAT(run.problems, SizeIs(2));
     EXPECT_EQ(run.problems[0].kind, "sessionNotOpened");
-    EXPECT_THAT(run.problems[1].cause, HasSubstr("the domain session had not opened"));
+    EXPECT_EQ(run.problems[1].cause,
+              "the domain session had not opened, see line " + std::to_string(run.problems[0].line));
 }
 
 TEST(Explain, SessionsThatFail)

@@ -8,6 +8,7 @@
 #include <fstream>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <sys/resource.h>
 #include <zlib.h>
 
 namespace
@@ -126,15 +127,32 @@ TEST_F(InputTest, SaysWhatCannotBeRead)
 
 TEST_F(InputTest, AFolderStandsForItsDocuments)
 {
-    for (const char* name : {"addTarnKord_B.xml", "addTarnKord_A.xml.gz", "addTarnKord_C.xml.old",
-                             "other.xml", "addTarnKord_A.xml"})
+    for (const char* name : {"addTarnKord_B.xml", "addTarnKord_D.xml", "addTarnKord_A.xml.gz",
+                             "addTarnKord_C.xml.old", "other.xml", "addTarnKord_A.xml", "addTarnKord_C.xml"})
         write(name, "");
     const auto path = [&](const char* name) { return (folder.path() / name).string(); };
     EXPECT_EQ(document::documentsOf(folder.path()),
               (std::vector<std::string>{path("addTarnKord_A.xml"), path("addTarnKord_A.xml.gz"),
-                                        path("addTarnKord_B.xml")}));
+                                        path("addTarnKord_B.xml"), path("addTarnKord_C.xml"),
+                                        path("addTarnKord_D.xml")}));
     EXPECT_EQ(document::documentsOf(path("other.xml")), std::vector<std::string>{path("other.xml")});
     EXPECT_EQ(document::documentsOf("-"), std::vector<std::string>{"-"});
+}
+
+TEST_F(InputTest, SaysWhyAFolderCannotBeRead)
+{
+    rlimit limit{};
+    ASSERT_EQ(getrlimit(RLIMIT_NOFILE, &limit), 0);
+    const rlimit none{.rlim_cur = 0, .rlim_max = limit.rlim_max};
+    ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &none), 0);
+    std::string fault;
+    try {
+        document::documentsOf(folder.path());
+    } catch (const Malformed& malformed) {
+        fault = malformed.what();
+    }
+    ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &limit), 0);
+    EXPECT_EQ(fault, folder.path().string() + ": Too many open files");
 }
 
 } // namespace

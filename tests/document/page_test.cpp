@@ -87,6 +87,25 @@ public:
         return list;
     }
 
+    /// The columns, by kind and name, that texts of the parts are put together from.
+    [[nodiscard]] std::set<std::string> columnsInTexts() const
+    {
+        std::set<std::string> found;
+        for (size_t part = 0; part < count(); ++part) {
+            std::vector<json> patterns = {own(part, "id")};
+            for (const json& property : data["shapes"][own(part, "shape").get<size_t>()])
+                patterns.push_back(property[2]);
+            for (const json& pattern : patterns) {
+                for (const json& piece : data["patterns"][pattern.get<size_t>()]) {
+                    if (!piece.is_number() || piece < 0) continue;
+                    const json& column = kind(part)["columns"][piece.get<size_t>()];
+                    found.insert(kind(part)["word"].get<std::string>() + '.' + column[0].get<std::string>());
+                }
+            }
+        }
+        return found;
+    }
+
     json data;
 
 private:
@@ -196,6 +215,45 @@ TEST(Page, TellsEveryIdentifierAndPropertyOfTheDocument)
         odd(shelf + "-D007",
             "DI=,DM=a,b,DC=0146MB,DR=-0,DS=9223372036854775807,AS=1,AP=1,IT=x,ST=9007199254740993") +
             odd("-D1", "DI=DI=,DM=\xFF\xE2,DC=1GB") + odd("elsewhere-D1-D2", "") + odd("", "DI=1")))));
+}
+
+/// Whether the property that a column is of, or else the part's identifier, holds the column's value as it
+/// stands in the page.
+bool standsInAText(const document::Row& row, document::Column column, document::Values& values)
+{
+    const document::Value value = values.of(row, column);
+    const bool isNumber = column.type == document::Type::number;
+    column.type = document::Type::text;
+    const document::Value text = values.of(row, column);
+    const auto* const view = std::get_if<std::string_view>(&text);
+    if (view == nullptr) return false;
+    const auto* const number = std::get_if<int64_t>(&value);
+    if (isNumber && (number == nullptr || std::to_string(*number) + std::string(column.source.unit) != *view))
+        return false; // "007" is told as 7
+    const bool isOfId = column.source.from == document::From::idEnd;
+    const std::string_view around = isOfId ? row.part->id : row.part->value(column.source.code);
+    return around.find(*view) != std::string_view::npos;
+}
+
+/// What is told of a part in a column is not told again in the texts that it stands in.
+TEST(Page, PutsTextsTogetherFromColumns)
+{
+    using document::From;
+    const std::set<From> inTexts = {From::property, From::around, From::end, From::idEnd, From::item};
+    const Document document = document::readFile(expectedDocuments + "facility.xml");
+    document::Values values(document);
+    std::set<std::string> expected;
+    for (const document::KindRow& kind : document::kinds) {
+        if (kind.kind == Kind::host) continue; // a text of its partition
+        for (const document::Row& row : document::rowsOf(document, std::vector{kind.kind})) {
+            for (const document::Column* column : document::columnsOf(kind.kind)) {
+                if (inTexts.contains(column->source.from) && standsInAText(row, *column, values))
+                    expected.insert(std::string(kind.word) + '.' + std::string(column->name));
+            }
+        }
+    }
+    EXPECT_GT(expected.size(), 100);
+    EXPECT_EQ(PageReader(document::page(document)).columnsInTexts(), expected);
 }
 
 TEST(Page, TellsColumnsAndWhatIsAroundAPart)
@@ -319,6 +377,22 @@ TEST(Page, OfTwoDocumentsTellsAWholeEnclosureThatIsGone)
     EXPECT_EQ(page.id(drive), "U2-D1");
     EXPECT_TRUE(page.isOld(page.own(drive, "parent")));
     EXPECT_EQ(page.id(page.own(drive, "parent")), "U2");
+}
+
+TEST(Page, WhatMovedOutOfAnEnclosureIsNotGoneWithIt)
+{
+    const auto of = [](const std::string& id, const std::string& inside) {
+        return enclosure({.id = id, .serial = id, .location = "R-1"}, inside);
+    };
+    const Drive moving = {.slot = "-D1", .serial = "B"};
+    const Document before = complete(of("U1", "") + of("U2", drive("U2", moving)));
+    const Document after = complete(of("U1", drive("U1", moving)));
+    const PageReader page(document::page(document::diff(before, after)));
+    EXPECT_EQ(page.data["changes"]["changes"][0]["change"], "moved");
+    const size_t drive = page.first("drive");
+    EXPECT_EQ(page.kind(drive)["rows"], 1);
+    EXPECT_EQ(page.kind(drive)["old"], 0);
+    EXPECT_EQ(page.id(drive), "U1-D1");
 }
 
 // --- Colours

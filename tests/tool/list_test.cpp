@@ -221,7 +221,8 @@ TEST_F(ListCommand, SaysWhatItDoesNotKnow)
         {{"list", "drvies", small}, "no kind \"drvies\": did you mean \"drives\"?"},
         {{"list", "drives", small, "-c", "seriel"},
          "no column \"seriel\" of drives: did you mean \"serial\"?"},
-        {{"list", "drives", small, "--where", "rack"}, "\"rack\" is no condition"},
+        {{"list", "drives", small, "--where", "rack"},
+         "\"rack\" is no condition: write COLUMN OP VALUE, with OP one of = != < <= > >= ~"},
         {{"list", "drives"}, ""},
         {{"kinds", "drvies"}, "no kind \"drvies\": did you mean \"drives\"?"}};
     for (const auto& [arguments, says] : cases) {
