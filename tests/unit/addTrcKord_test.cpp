@@ -3,9 +3,26 @@
 #include "unit.h"
 
 #include <ctime>
+#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/mount.h>
+#include <sys/stat.h>
 #include <unistd.h>
+
+namespace
+{
+
+bool isLinkedMeanwhile = false;
+
+} // namespace
+
+/// In the C library's place: a log is looked at through it once more before it is cut.
+extern "C" int fstat(int file, struct stat* status) noexcept
+{
+    const int result = fstatat(file, "", status, AT_EMPTY_PATH);
+    if (isLinkedMeanwhile) status->st_nlink = 2;
+    return result;
+}
 
 namespace
 {
@@ -290,6 +307,19 @@ TEST_F(TraceLog, staysWholeWhereItCannotBeReplaced)
     EXPECT_TRUE(log.starts_with(grown));
     EXPECT_TRUE(log.ends_with(" 0100: text\n"));
     EXPECT_FALSE(hasPiece);
+}
+
+/// Somebody gives it another name after a line was written and before it is cut.
+TEST_F(TraceLog, staysWholeWhereItIsNoLongerOursWhenItIsCut)
+{
+    const std::string grown = grownLog(25'000, 3'000'001);
+    unit::writeFile(path, grown);
+    isLinkedMeanwhile = true;
+    addTrcKord(name.c_str(), "0100", "text");
+    isLinkedMeanwhile = false;
+    const std::string log = unit::readFile(path);
+    EXPECT_TRUE(log.starts_with(grown));
+    EXPECT_TRUE(log.ends_with(" 0100: text\n"));
 }
 
 TEST_F(TraceLog, removesThroughTheWrapper)
