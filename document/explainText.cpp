@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <array>
 #include <map>
+#include <tuple>
 
 namespace document
 {
@@ -311,14 +312,14 @@ bool isFatal(const Problem& problem)
 /// Problems of one sort, in the order of their first ones.
 std::vector<std::vector<const Problem*>> groupsOf(const TracedRun& run, Severity severity)
 {
+    const auto keyOf = [](const Problem& of) {
+        return std::tie(of.kind, of.function, of.className, of.attributes, of.session, of.number);
+    };
     std::vector<std::vector<const Problem*>> groups;
-    std::map<std::string, size_t> known;
+    std::map<decltype(keyOf(run.problems.front())), size_t> known;
     for (const Problem& problem : run.problems) {
         if (problem.severity != severity) continue;
-        const std::string key = problem.kind + '/' + problem.function + '/' + problem.className + '/' +
-                                joined(problem.attributes) + '/' + problem.session + '/' +
-                                std::to_string(problem.number.value_or(0));
-        const auto [at, isNew] = known.try_emplace(key, groups.size());
+        const auto [at, isNew] = known.try_emplace(keyOf(problem), groups.size());
         if (isNew) groups.emplace_back();
         groups[at->second].push_back(&problem);
     }

@@ -1074,6 +1074,7 @@ TEST(Selection, IsTakenApart)
     EXPECT_EQ(items[2].value, "z");
     EXPECT_EQ(items[4].value, "2");
     EXPECT_THAT(document::itemsOf("=\"'==?=?"), SizeIs(0));
+    EXPECT_EQ(document::itemsOf("a=\"x\"b='y'").at(1).key, "b");
     EXPECT_THAT(document::itemsOf("a=\"unended"), SizeIs(1));
 }
 

@@ -68,6 +68,12 @@ TEST(Json, IsATreeOfPartsByTheirColumns)
     EXPECT_EQ(drive, expected);
 }
 
+TEST(Json, WritesATextWithTheShortestEscapes)
+{
+    EXPECT_EQ(document::quote("a\"b\\c/d\n\t\r\b\x1f\x7f \xC3\xA9\xFF"), R"("a\"b\\c/d\n\t\r\u0008\u001f)"
+                                                                         "\x7f \xC3\xA9\xEF\xBF\xBD\"");
+}
+
 TEST(Json, IsJsonWhateverTheValues)
 {
     const std::string value = "\"\\\n\x01\xFF</script>\xF0\x9F\x98\x80\x7F";

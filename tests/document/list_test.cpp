@@ -384,6 +384,11 @@ TEST(List, ConditionsMustAllHold)
     EXPECT_EQ(slots({"firmware ="}), (Texts{"4"}));
     EXPECT_EQ(slots({"firmware !="}), (Texts{"1", "2", "3", "5"}));
     EXPECT_EQ(slots({"slot ~ [45]"}), (Texts{"4", "5"}));
+    EXPECT_EQ(slots({"slot = 4"}), (Texts{"4"}));
+    EXPECT_EQ(slots({"slot != 4"}), (Texts{"1", "2", "3", "5"}));
+    EXPECT_EQ(slots({"slot < 4"}), (Texts{"1", "2", "3"}));
+    EXPECT_EQ(slots({"slot <= 4"}), (Texts{"1", "2", "3", "4"}));
+    EXPECT_EQ(slots({"slot > 4"}), (Texts{"5"}));
     EXPECT_EQ(slots({"slot >= 4"}), (Texts{"4", "5"}));
     EXPECT_EQ(slots({"rack < 9"}), Texts{}) << "no rack is less than no number";
     EXPECT_EQ(slots({"rack != 9"}).size(), 5U);

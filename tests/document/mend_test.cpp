@@ -34,16 +34,22 @@ std::string partition(const std::string& content)
     return ofPartitions(resource("P", "S-1", content));
 }
 
+std::string styled(std::string document)
+{
+    const std::string line = "<?xml-stylesheet type=\"text/xsl\" href=\"v03.xsl\"?>\n";
+    return document.insert(document.find('\n') + 1, line);
+}
+
 const std::string listStart = "<ResourceList displayName=\"Enclosures Partitions\">\n";
 
 TEST(Mend, ADocumentWithNothingWrongComesOutAsItIs)
 {
     const std::string level =
         property("LE", "LIC VRMF", "5.4 > 5.3, 'it' \"is\" &amp; &#233; \u00e9 \U0001F600 ]] >\t\n x");
-    for (const std::string& text :
-         {ofSystem(""), partition(level), ofEnclosures(resource("A &lt; B", "x&quot;", "")),
-          ofEnclosures(enclosure({.id = "E", .serial = "S", .location = "R"},
-                                 drive("E", {.slot = "-D1", .serial = "1"})))}) {
+    for (const std::string& text : {ofSystem(""), styled(ofSystem("")), partition(level),
+                                    ofEnclosures(resource("A &lt; B", "x&quot;", "")),
+                                    ofEnclosures(enclosure({.id = "E", .serial = "S", .location = "R"},
+                                                           drive("E", {.slot = "-D1", .serial = "1"})))}) {
         EXPECT_EQ(mended(text), text);
     }
 }

@@ -179,6 +179,8 @@ void expectTheDocument(const Document& document)
             const bool host = row.kind == Kind::host;
             ASSERT_EQ(page.id(part), inUtf8(host ? expected.host.description : expected.part->id));
             ASSERT_EQ(page.own(part, "listed"), expected.also.size() + 1);
+            ASSERT_EQ(page.own(part, "name"), inUtf8(host ? expected.host.description : expected.part->name));
+            ASSERT_EQ(page.own(part, "list"), inUtf8(host ? "" : expected.part->list));
             std::vector<std::vector<std::string>> properties;
             for (const document::Property& property : expected.part->properties)
                 properties.push_back(

@@ -133,6 +133,12 @@ TEST(Scanner, OnlySomePropertiesComeAgain)
         scan(ofPartitions(resource("P", "S-1", level("1") + property("NN", "WWNN", "N") + level("2"))));
     EXPECT_THAT(late.events, testing::Not(testing::Contains("LE|LIC VRMF|2")));
     EXPECT_EQ(late.findings, Texts{"19: the value of \"NN\" holds lines that look like the document's"});
+    // Nor does another one where one may come again.
+    const auto image = [](const std::string& value) {
+        return property("S4", "Storage Facility Image MTMS", value);
+    };
+    const Scanned other = scan(ofPartitions(resource("P", "S-1", image("I") + level("1") + image("J"))));
+    EXPECT_THAT(other.events, testing::Not(testing::Contains("S4|Storage Facility Image MTMS|J")));
 }
 
 TEST(Scanner, SaysThatAPartHasNoSuchProperty)
@@ -238,6 +244,12 @@ TEST(Scanner, ADrawersValuesEndWhereItsListsDo)
     EXPECT_EQ(std::ranges::count(scanned.events, "S3|Storage Facility MTMS|F"), 2);
     EXPECT_EQ(std::ranges::count(scanned.events, "S4|Storage Facility Image MTMS|I"), 2);
     EXPECT_EQ(scanned.findings, Texts{});
+    // Of several ends that look so it is the one before the list's.
+    const std::string odd = "F</Value>\n</Property>\nG";
+    EXPECT_THAT(
+        scan(ofEnclosures(resource("CEC", "C", property("S3", "Storage Facility MTMS", odd) + listEnd)))
+            .events,
+        testing::Contains("S3|Storage Facility MTMS|" + odd));
     // Elsewhere such lines belong to the value.
     for (const std::string& other :
          {value + listEnd, cards + "<ResourceList displayName=\"Enclosures Partitions\">\n"})

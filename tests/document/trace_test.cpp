@@ -167,6 +167,17 @@ TEST(TraceReader, WhatAnEventsProgramPrintsIsNoText)
                            {"0008", "close file", "", 4, true}}));
 }
 
+TEST(TraceReader, KeepsAsMuchAsTheLongestCommandOfAnEvent)
+{
+    constexpr size_t most = 16384;
+    const std::string text = " handleErrKord queryDDM, e";
+    for (const size_t over : {0U, 1U}) {
+        const std::string printed(most - 1 - text.size() + over, 'x');
+        EXPECT_EQ(linesOf(stamp + "==>: " + text + '\n' + printed + '\n'),
+                  (std::vector<Line>{{"==>", text, over == 0 ? printed : "", 1, true}}));
+    }
+}
+
 TEST(TraceReader, FindsALineBehindAnUnendedOne)
 {
     const std::string event = stamp + "==>:  handleErrKord queryDDM, e\n";
