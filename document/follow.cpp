@@ -82,7 +82,7 @@ void Log::note(std::string_view bytes)
 {
     constexpr size_t enough = 4096;
     known += bytes.substr(bytes.size() - std::min(bytes.size(), enough));
-    if (known.size() > enough) known.erase(0, known.size() - enough);
+    known.erase(0, known.size() - std::min(known.size(), enough));
 }
 
 } // namespace document

@@ -161,7 +161,7 @@ void RunReader::enter(const TraceLine& line, std::string_view function)
     }
     for (const TableQuery& query : tables().queries) {
         const bool named = query.entry == entry || (query.entry.empty() && query.function == entry);
-        if (!named || query.tracesSelection) continue;
+        if (!named) continue;
         current = {.query = &query, .selection = workedOutSelection(query), .workedOut = true};
         lastCalls[query.function] = current;
     }

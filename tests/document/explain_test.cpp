@@ -748,6 +748,12 @@ TEST(Explain, AValueIsMissingOfTheQueryThatItsLineIsOf)
     EXPECT_EQ(problem.selection.value_or("none"), facility + " ");
 }
 
+/// The log can have lost what was asked for.
+TEST(Explain, AValueOfNoKnownQueryIsNotMissing)
+{
+    EXPECT_THAT(runIn(Log().line("0326", " rack , , ")).problems, IsEmpty());
+}
+
 TEST(Explain, AFacilityWithoutNodeNameOrPartnerLacksThem)
 {
     Log log;
@@ -1075,6 +1081,7 @@ TEST(Selection, IsTakenApart)
     EXPECT_EQ(items[4].value, "2");
     EXPECT_THAT(document::itemsOf("=\"'==?=?"), SizeIs(0));
     EXPECT_EQ(document::itemsOf("a=\"x\"b='y'").at(1).key, "b");
+    EXPECT_EQ(document::itemsOf("a=\"\" && b='y'").at(1).key, "b");
     EXPECT_THAT(document::itemsOf("a=\"unended"), SizeIs(1));
 }
 

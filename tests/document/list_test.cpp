@@ -98,6 +98,33 @@ TEST(Kinds, AreThoseThatScriptsKnow)
     EXPECT_EQ(known, words);
 }
 
+TEST(Kinds, AreCalledByTheirWordsInSentences)
+{
+    const std::map<std::string, std::pair<std::string, std::string>> others = {
+        {"system", {"managed system", "managed systems"}},
+        {"processorComplex", {"processor complex", "processor complexes"}},
+        {"ioEnclosure", {"I/O enclosure", "I/O enclosures"}},
+        {"powerSupply", {"power supply", "power supplies"}},
+        {"battery", {"battery", "batteries"}},
+        {"other", {"part of another kind", "parts of another kind"}}};
+    for (const document::KindRow& row : document::kinds) {
+        if (row.word == "other" && row.kind != document::Kind::other) continue;
+        std::string words;
+        for (const char letter : row.word)
+            words += std::isupper(letter) != 0 ? std::string(" ") + static_cast<char>(std::tolower(letter))
+                                               : std::string(1, letter);
+        const auto other = others.find(std::string(row.word));
+        EXPECT_EQ(row.singular, other == others.end() ? words : other->second.first);
+        EXPECT_EQ(row.plural, other == others.end() ? words + 's' : other->second.second);
+    }
+    const document::KindRow& share = document::rowOf(document::Kind::enclosurePartition);
+    EXPECT_EQ(share.singular, "partition's share of an enclosure");
+    EXPECT_EQ(share.plural, "partitions' shares of enclosures");
+    const document::KindRow& storage = document::rowOf(document::Kind::storageConfiguration);
+    EXPECT_EQ(storage.singular, "storage configuration");
+    EXPECT_EQ(storage.plural, "storage configurations");
+}
+
 TEST(Kinds, GoBySeveralWords)
 {
     using document::Kind;
