@@ -74,7 +74,6 @@ size_t Input::read(std::span<char> bytes)
         return count;
     }
     const auto wanted = static_cast<unsigned>(std::min<size_t>(bytes.size(), INT_MAX));
-    errno = 0;
     const int count = gzread(source->file, bytes.data(), wanted);
     int trouble = Z_OK;
     const char* const what = gzerror(source->file, &trouble);

@@ -154,6 +154,15 @@ class Source:
     def joins_text(self, i):
         return "string" in (self.tokens[i - 1].kind, self.tokens[i + 1].kind)
 
+    def called(self, i):
+        """The name before the bracket at i, and before what stands between < and > there."""
+        before = i - 1
+        if self.at(before) == ">":
+            while before > 0 and self.at(before) != "<":
+                before -= 1
+            before -= 1
+        return self.at(before)
+
     def items(self, i):
         """The spans of what stands between the commas of the bracket at i, if it is a list."""
         items, begin, depth = [], i + 1, i + 1
@@ -236,7 +245,7 @@ class Source:
         for i, token in enumerate(self.tokens):
             if token.text not in ("(", "{") or token.kind != "sign" or i not in self.partner:
                 continue
-            if self.at(i - 1) in SYMMETRIC or "enum" in [self.at(before) for before in range(i - 5, i)]:
+            if self.called(i) in SYMMETRIC or "enum" in [self.at(before) for before in range(i - 5, i)]:
                 continue
             items = self.items(i)
             if any(PARAMETER.fullmatch(self.text[slice(*item)]) for item in items):

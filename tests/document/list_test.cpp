@@ -463,6 +463,10 @@ TEST(List, IsSortedByColumnsWithWhatHasNoValueLast)
     EXPECT_EQ(slots({"-firmware", "-slot"}), (Texts{"4", "1", "3", "2"}));
     EXPECT_EQ(slots({"-slot"}), (Texts{"4", "3", "2", "1"}));
     EXPECT_EQ(slots({"partitions"}), (Texts{"1", "2", "3", "4"})); // a list of the same in all
+    ListOptions hostsByPorts = of("hosts");
+    hostsByPorts.order = {"ports"};
+    const std::string ports = ofPartitions(resource("P", "P1", hosts("a=3,b=-2,c=-10,d=10,")));
+    EXPECT_EQ(column(hostsByPorts, "ports", ports), (Texts{"-10", " -2", "  3", " 10"}));
 }
 
 TEST(List, Counts)

@@ -838,6 +838,22 @@ TEST(Scanner, ReadsAcrossItsBlocks)
     EXPECT_TRUE(events == expected);
 }
 
+/// Lines of which the last block holds a byte or none.
+TEST(Scanner, ReadsALastLineAcrossItsBlocks)
+{
+    constexpr size_t block = size_t{256} << 10U;
+    const std::string odd = "14: \"odd\" has no place here and is left out";
+    const std::string empty = "15: \"\" has no place here and is left out";
+    for (const auto& [end, findings] : {std::pair("odd\n", Texts{odd}), {"odd\n\n", {odd, empty}}}) {
+        const auto cut = [&end = end](size_t length) {
+            const std::string name(length, 'n');
+            return upTo(ofEnclosures(resource(name, "D", "")), "</ResourceList>") + end;
+        };
+        for (size_t size = block - 3; size < block + 4; ++size)
+            EXPECT_EQ(scan(cut(size - cut(0).size())).findings, findings) << size;
+    }
+}
+
 TEST(Scanner, ReadsIdentifiersAcrossItsBlocks)
 {
     std::string content;
