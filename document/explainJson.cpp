@@ -56,13 +56,13 @@ ordered_json partOf(const Problem& problem)
 
 const char* nameOf(Severity severity)
 {
-    constexpr std::array<const char*, 4> names = {"fatal", "filed", "minor", "noted"};
+    constexpr auto names = std::to_array<const char*>({"fatal", "filed", "minor", "noted"});
     return names[static_cast<size_t>(severity)];
 }
 
 const char* nameOf(RunEnd end)
 {
-    constexpr std::array<const char*, 4> names = {"closed", "noSession", "open", "brokenOff"};
+    constexpr auto names = std::to_array<const char*>({"closed", "noSession", "open", "brokenOff"});
     return names[static_cast<size_t>(end)];
 }
 

@@ -175,11 +175,8 @@ private:
 
     void properties(const Part& part)
     {
-        codes.clear();
-        for (const Property& property : part.properties)
-            codes.push_back(property.code());
-        std::ranges::sort(codes);
-        if (std::ranges::adjacent_find(codes) != codes.end()) return severalOfACode(part);
+        const auto again = std::ranges::adjacent_find(part.properties, {}, &Property::code);
+        if (again != part.properties.end()) return severalOfACode(part); // they stand in a row
         for (const char* comma = ""; const Property& property : part.properties) {
             member(comma, property.code());
             appendQuoted(json, property.value);
@@ -214,7 +211,6 @@ private:
     Values values;
     const Write& write;
     std::array<std::vector<const Column*>, kindCount> columns;
-    std::vector<std::string_view> codes;
     const char* separator = ""; ///< before the next of the parts that are listed
     std::string json;
 };

@@ -595,7 +595,6 @@ constexpr std::array<KindRow, kindCount> kindTable = {{
      .singular = "partition's share of an enclosure",
      .plural = "partitions' shares of enclosures",
      .list = "Enclosures Partitions",
-     .byList = true,
      .counted = false,
      .listed = false},
     {.kind = Kind::console,
@@ -610,7 +609,6 @@ constexpr std::array<KindRow, kindCount> kindTable = {{
      .singular = "partition",
      .plural = "partitions",
      .list = "Partitions",
-     .byList = true,
      .properties = ofPartition,
      .columns = partitionColumns},
     {.kind = Kind::storageConfiguration,
@@ -618,8 +616,6 @@ constexpr std::array<KindRow, kindCount> kindTable = {{
      .singular = "storage configuration",
      .plural = "storage configurations",
      .list = "Storage Configurations",
-     .name = "Storage Logical Configuration",
-     .byList = true,
      .counted = false,
      .columns = otherColumns},
     {.kind = Kind::arraySite,
@@ -627,8 +623,6 @@ constexpr std::array<KindRow, kindCount> kindTable = {{
      .singular = "array site",
      .plural = "array sites",
      .list = "Array Sites",
-     .name = "Array Site",
-     .byList = true,
      .properties = ofArraySite,
      .columns = arraySiteColumns},
     {.kind = Kind::array,
@@ -636,8 +630,6 @@ constexpr std::array<KindRow, kindCount> kindTable = {{
      .singular = "array",
      .plural = "arrays",
      .list = "Arrays",
-     .name = "Array",
-     .byList = true,
      .properties = ofArray,
      .columns = arrayColumns},
     {.kind = Kind::rank,
@@ -645,8 +637,6 @@ constexpr std::array<KindRow, kindCount> kindTable = {{
      .singular = "rank",
      .plural = "ranks",
      .list = "Ranks",
-     .name = "Rank",
-     .byList = true,
      .properties = ofRank,
      .columns = rankColumns},
     {.kind = Kind::segmentPool,
@@ -654,8 +644,6 @@ constexpr std::array<KindRow, kindCount> kindTable = {{
      .singular = "segment pool",
      .plural = "segment pools",
      .list = "Segment Pool",
-     .name = "Segment Pool",
-     .byList = true,
      .properties = ofSegmentPool,
      .columns = segmentPoolColumns},
     {.kind = Kind::host,
@@ -719,10 +707,10 @@ Kind kindOf(std::string_view list, std::string_view name)
 {
     if (list.empty()) return Kind::system;
     for (const KindRow& row : kindTable) {
-        if (row.byList && row.list == list) return row.kind;
+        if (row.name.empty() && row.list == list) return row.kind;
     }
     for (const KindRow& row : kindTable) {
-        if (!row.byList && !row.name.empty() && row.name == name) return row.kind;
+        if (!row.name.empty() && row.name == name) return row.kind;
     }
     return Kind::other;
 }
@@ -773,7 +761,7 @@ std::vector<std::string> columnNamesOf(std::span<const Kind> ofKinds, bool onlyS
 
 std::string_view wordOf(Type type)
 {
-    constexpr std::array<std::string_view, 5> words = {"text", "number", "texts", "numbers", "time"};
+    constexpr auto words = std::to_array<std::string_view>({"text", "number", "texts", "numbers", "time"});
     return words.at(static_cast<size_t>(type));
 }
 
@@ -783,7 +771,7 @@ std::string placeOf(const KindRow& row)
     if (row.kind == Kind::host) return "property U2 of a partition";
     if (row.kind == Kind::other) return "whatever is of no other kind";
     const std::string list = "list \"" + std::string(row.list) + '"';
-    return row.byList ? list : '"' + std::string(row.name) + "\" in the " + list;
+    return row.name.empty() ? list : '"' + std::string(row.name) + "\" in the " + list;
 }
 
 bool tellsOfOthers(const Column& column)

@@ -116,8 +116,7 @@ struct KindRow {
     std::string_view singular;
     std::string_view plural;
     std::string_view list = {};     ///< the list that it stands in
-    std::string_view name = {};     ///< its display name; empty: people or machines give it
-    bool byList = false;            ///< whatever stands in its list is of this kind
+    std::string_view name = {};     ///< its display name; empty: whatever stands in its list is of this kind
     bool counted = true;            ///< in a document's summary
     bool listed = true;             ///< it can be asked for by its word
     bool idShown = true;            ///< in a table: not of hosts, whose description it is

@@ -17,10 +17,10 @@ namespace
 {
 
 /// What a table of parts of several kinds shows.
-constexpr std::array<std::string_view, 7> acrossKinds = {"kind",   "id",          "rack",    "enclosure",
-                                                         "serial", "part_number", "firmware"};
+constexpr auto acrossKinds =
+    std::to_array<std::string_view>({"kind", "id", "rack", "enclosure", "serial", "part_number", "firmware"});
 /// What tells one document's rows from another's.
-constexpr std::array<std::string_view, 2> ofDocument = {"system", "collected"};
+constexpr auto ofDocument = std::to_array<std::string_view>({"system", "collected"});
 
 constexpr std::string_view countName = "count";
 

@@ -24,8 +24,7 @@ std::string_view placeOf(const Part& part)
 {
     for (const Part* outer = part.around; outer != nullptr; outer = outer->around) {
         const std::string_view id = outer->id;
-        if (!id.empty() && part.id.size() > id.size() && part.id.starts_with(id))
-            return part.id.substr(id.size());
+        if (!id.empty() && part.id.starts_with(id)) return part.id.substr(id.size());
     }
     return part.id;
 }

@@ -86,7 +86,7 @@ struct Tables {
 
     /// Null when there is none such.
     [[nodiscard]] const TableQuery* query(std::string_view function) const;
-    /// The other line of this code that a function writes in this role; null when there is none such.
+    /// The event of the type, or else that of any other type.
     [[nodiscard]] const TableEvent& event(std::string_view type) const;
 };
 

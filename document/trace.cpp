@@ -38,7 +38,7 @@ bool startsWithStamp(std::string_view text)
 /// Whether it may stand before the colon: three or four digits, with a blank or without, or a word.
 bool isCode(std::string_view code)
 {
-    constexpr std::array<std::string_view, 4> words = {"==>", ">>", "SRCV", "getResQuaySE"};
+    constexpr auto words = std::to_array<std::string_view>({"==>", ">>", "SRCV", "getResQuaySE"});
     if (std::ranges::find(words, code) != words.end()) return true;
     if (code.ends_with(' ')) code.remove_suffix(1);
     return (code.size() == 3 || code.size() == 4) && std::ranges::all_of(code, isDigit);
@@ -137,8 +137,8 @@ std::string_view systemStarted(const TraceLine& line)
 
 bool endsWithoutClosing(const TraceLine& line)
 {
-    constexpr std::array<std::string_view, 2> sessions = {" LC scope session failed with error ",
-                                                          " SR scope session failed with error "};
+    constexpr auto sessions = std::to_array<std::string_view>(
+        {" LC scope session failed with error ", " SR scope session failed with error "});
     if (line.code == "0002") return line.text.starts_with(" failed to get modeltype ");
     return line.code == "0004" && std::ranges::any_of(sessions, [&](std::string_view session) {
                return line.text.starts_with(session);

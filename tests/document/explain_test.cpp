@@ -754,6 +754,13 @@ TEST(Explain, AValueOfNoKnownQueryIsNotMissing)
     EXPECT_THAT(runIn(Log().line("0326", " rack , , ")).problems, IsEmpty());
 }
 
+TEST(Explain, TheStateOfAPartnerWithoutANameIsAState)
+{
+    Log log;
+    log.start().line("0017", "rc=0, xargc=1, , state=Operating ");
+    EXPECT_THAT(runIn(log).problems, IsEmpty());
+}
+
 TEST(Explain, AFacilityWithoutNodeNameOrPartnerLacksThem)
 {
     Log log;

@@ -308,6 +308,19 @@ TEST_F(LogTest, ReadsALogThatWasStartedAnew)
     EXPECT_EQ(read(), "4\n");
 }
 
+/// No collector's log grows as long.
+TEST_F(LogTest, LooksForWhatItKnowsInTheFirst16MiB)
+{
+    constexpr size_t most = size_t{16} << 20U;
+    append("known\n");
+    ASSERT_EQ(read(), "known\n");
+    replaceBy(std::string(most - 6, 'x') + "known\nnew\n");
+    EXPECT_EQ(read(), "new\n");
+    const std::string longer = std::string(most, 'x') + "known\nnew\nnewer\n";
+    replaceBy(longer);
+    EXPECT_EQ(read(), longer);
+}
+
 TEST_F(LogTest, SaysWhenItCannotBeRead)
 {
     fs::create_directory(file);

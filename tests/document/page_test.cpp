@@ -258,6 +258,24 @@ TEST(Page, PutsTextsTogetherFromColumns)
     EXPECT_EQ(PageReader(document::page(document)).columnsInTexts(), expected);
 }
 
+TEST(Page, TellsOnceWhatAllRowsHave)
+{
+    const PageReader page(document::page(document::readFile(expectedDocuments + "facility.xml")));
+    size_t alike = 0;
+    for (const json& kind : page.data["kinds"]) {
+        if (kind["rows"] == 0) continue;
+        std::vector<json> columns(kind["values"].begin(), kind["values"].end());
+        for (const char* const own : {"name", "list", "parent", "id", "shape", "listed"})
+            columns.push_back(kind[own]);
+        for (const json& column : columns) {
+            if (column.is_null() || column[0].size() > 1) continue;
+            EXPECT_EQ(column[1], "") << kind["word"] << column;
+            alike += kind["rows"] > 1 ? 1 : 0;
+        }
+    }
+    EXPECT_GT(alike, 0);
+}
+
 TEST(Page, TellsColumnsAndWhatIsAroundAPart)
 {
     const PageReader page(document::page(document::readFile(expectedDocuments + "facility.xml")));
