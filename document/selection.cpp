@@ -23,7 +23,7 @@ std::string_view takeValue(std::string_view& rest)
     if (quoted) rest.remove_prefix(1);
     const size_t end = quoted ? rest.find(quote) : rest.find_first_of(" )");
     const std::string_view value = rest.substr(0, end);
-    rest.remove_prefix(std::min(rest.size(), value.size() + (quoted ? 1 : 0)));
+    rest.remove_prefix(std::min(rest.size(), value.size() + 1));
     return value;
 }
 
