@@ -542,6 +542,21 @@ TEST(Report, TellsWhereAGroupIs)
     };
     EXPECT_THAT(report(racks("F1"), racks("F2"), {.grouped = true}),
                 testing::StartsWith("changed   2 fan trays (racks 1, 2): Part Number F1 -> F2\n"));
+    const auto drives = [](const std::string& level, const std::vector<std::string>& inRacks) {
+        std::string all;
+        for (const std::string& rack : inRacks) {
+            const std::string serial = std::to_string(all.size());
+            all += resource("OSK Physical Disk Drive", "D" + serial,
+                            property("R2", "Rack Number", rack) + property("R1", "Rack Location", "R-7") +
+                                property("EC", "EC Level", level) + property("SN", "Serial Number", serial));
+        }
+        return ofMachine(all);
+    };
+    for (const auto& [inRacks, told] : {std::pair(std::vector<std::string>{"1", "1"}, "rack 1, enclosure 7"),
+                                        {{"1", "2"}, "racks 1, 2"},
+                                        {{"1", "2", "3"}, "racks 1, 2, 3"}})
+        EXPECT_THAT(report(drives("A", inRacks), drives("B", inRacks), {.grouped = true}),
+                    testing::HasSubstr(" drives (" + std::string(told) + "): "));
 }
 
 TEST(Report, CutsALongValue)

@@ -856,6 +856,9 @@ TEST(Explain, AThirdSessionThatNeverOpened)
     const TracedRun run = runIn(log);
     ASSERT_THAT(run.problems, SizeIs(2));
     EXPECT_EQ(run.problems[0].kind, "sessionNotOpened");
+    EXPECT_EQ(run.problems[0].usualCause,
+              "the resource manager refused the session: it knows no domain that is online");
+    EXPECT_THAT(run.problems[0].advice, HasSubstr("see that the facility's partitions are online"));
     EXPECT_EQ(run.problems[1].cause,
               "the domain session had not opened, see line " + std::to_string(run.problems[0].line));
 }
