@@ -784,6 +784,7 @@ TEST(Scanner, SaysWhatIsNoDocumentAndWhere)
 
 TEST(Scanner, AnElementHasABound)
 {
+    EXPECT_EQ(Scanner::longestElement, 67'108'864U); // 64 MiB, where nothing else is asked for
     const std::string start = upTo(ofSystem(""), "</Resource>");
     const size_t bound = 1U << 20U;
     const std::string value = start + "<Property name=\"SN\" displayName=\"L\">\nSN\n<Value type=\"string\">";
