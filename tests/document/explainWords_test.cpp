@@ -44,6 +44,8 @@ TEST(ExplainWords, SayWhatCameBack)
     action.call = "action";
     Problem silentAction = problemOf("unexpectedAnswer", 0);
     silentAction.call = "action";
+    Problem numberless = silentAction;
+    numberless.number.reset();
     const std::vector<std::pair<Problem, std::string>> cases = {
         {problemOf("callFailed", 7, "gone \n\n"), "the call failed with code 7, \"gone\""},
         {problemOf("callFailed", -1), "the call failed with code -1, without a message"},
@@ -61,6 +63,7 @@ TEST(ExplainWords, SayWhatCameBack)
         {problemOf("unexpectedAnswer", 2), "2 were found where there must be one"},
         {action, "the action's return code is 5"},
         {silentAction, "the action gave no result"},
+        {numberless, "the action gave no result"},
         {problemOf("fewerAttributes", 1), "the first answer has 1 of the 2 attributes"},
         {problemOf("valueMissing"), "no value for one, two"},
         {problemOf("notOnline", 2), "status 2, where 1 is online"},

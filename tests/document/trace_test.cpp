@@ -225,6 +225,11 @@ TEST(TraceReader, KeepsALineOfAnyLengthShort)
         EXPECT_EQ(kept[0].text.substr(0, start.size()), start) << length;
         EXPECT_EQ(kept[0].text.substr(kept[0].text.size() - end.size()), end) << length;
     }
+    constexpr size_t most = 16384; // from its start, and as much from its end
+    const std::string head = stamp + "0010: ";
+    const auto cut = linesOf(head + std::string(4 * most - head.size(), 'x') + '\n');
+    ASSERT_EQ(cut.size(), 1U);
+    EXPECT_EQ(cut[0].text.size() + head.size(), 2 * most);
     std::string many = stamp + "0010: x\n";
     for (int i = 0; i < 100'000; ++i)
         many += "0123456789\n";
