@@ -279,6 +279,8 @@ TEST(Diff, AnEmptyElementIsNoPart)
     };
     EXPECT_EQ(changes(ofMachine(rack(supply("R-E1", "A"))), ofMachine(rack(supply("", "")))),
               Lines{"removed   power supply R-E1 (rack 1, serial A)"});
+    EXPECT_EQ(changes(ofMachine(rack(supply("R-E1", "A") + supply("R-E2", "B"))), ofMachine("")),
+              Lines{"removed   rack R (rack 1): with 2 parts"});
     EXPECT_EQ(changes(ofMachine(rack(supply("", "A"))), ofMachine(rack(""))),
               Lines{"removed   power supply without an identifier (rack 1, serial A)"});
 }

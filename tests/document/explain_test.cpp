@@ -564,10 +564,11 @@ TEST(Explain, TheChecksOfAllNodesAskWithTheSameWords)
 TEST(Explain, TheLastChecksTellTheSystemsApartByTheirNodes)
 {
     const std::string second = " HWModel=\"9999-B2C\" && HWSerialNum=\"7ABCD12\" && LParID=\"2\"";
+    const std::string partnersSecond = " HWModel=\"9999-B2C\" && HWSerialNum=\"7ABCD34\" && LParID=\"2\"";
     const auto failing = [&](size_t node) {
         Log log;
         log.checks();
-        const std::vector<std::string> nodes = {Log::node, second, Log::partnersNode};
+        const std::vector<std::string> nodes = {Log::node, second, Log::partnersNode, partnersSecond};
         for (size_t i = 0; i <= node; ++i) {
             log.line("0010", nodes[i]);
             log.line("0016", i < node ? "SF1, status=1" : "SF1, status=2");
@@ -577,6 +578,7 @@ TEST(Explain, TheLastChecksTellTheSystemsApartByTheirNodes)
     EXPECT_EQ(failing(0), "queryValeStatus");
     EXPECT_EQ(failing(1), "queryValeStatus");
     EXPECT_EQ(failing(2), "queryValePartnerStatus");
+    EXPECT_EQ(failing(3), "queryValePartnerStatus");
 }
 
 TEST(Explain, APartitionThatIsNotOnline)
@@ -1028,8 +1030,22 @@ TEST(Explain, ADocumentThatCouldNotBeStartedEndsWithSuccess)
     const TracedRun run = runIn(log);
     ASSERT_THAT(run.problems, SizeIs(1)) << document::explanation(run, 0);
     EXPECT_EQ(run.problems[0].kind, "documentNotStarted");
+    EXPECT_EQ(run.problems[0].call, "file");
     EXPECT_EQ(run.problems[0].events.at(0).referenceCode, "BED00005");
     EXPECT_THAT(document::explanation(run, 1), HasSubstr("It ended with status 3, but wrote no document."));
+}
+
+/// Whatever the reason, which no line tells here.
+TEST(Explain, ADocumentWhoseHeadCouldNotBeWritten)
+{
+    Log log;
+    log.checks();
+    log.log.resize(log.log.rfind("112126"));
+    log.event("addSystemKord", "d").line("0007", " startXml 1 ");
+    const Problem problem = problemIn(log);
+    EXPECT_EQ(problem.kind, "documentNotStarted");
+    EXPECT_EQ(problem.call, "file");
+    EXPECT_EQ(problem.events.at(0).referenceCode, "BED00005");
 }
 
 // ---- what is not borne out ----

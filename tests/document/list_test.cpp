@@ -463,6 +463,17 @@ TEST(List, IsSortedByColumnsWithWhatHasNoValueLast)
     EXPECT_EQ(slots({"-firmware", "-slot"}), (Texts{"4", "1", "3", "2"}));
     EXPECT_EQ(slots({"-slot"}), (Texts{"4", "3", "2", "1"}));
     EXPECT_EQ(slots({"partitions"}), (Texts{"1", "2", "3", "4"})); // a list of the same in all
+    // A number in one kind is a text in another.
+    ListOptions allByPool = of("all");
+    allByPool.order = {"pool"};
+    allByPool.conditions = {"pool ~ ."};
+    const Texts pools = column(
+        allByPool, "pool",
+        ofSystem(list("Partitions", resource("P", "S-1", property("H1", "Partition HSL Pool", "9")) +
+                                        resource("Q", "S-2", property("H1", "Partition HSL Pool", "x"))) +
+                 list("Ranks", resource("10", "I/R1", property("A1", "Segment Pool", "I/P10")) +
+                                   resource("2", "I/R2", property("A1", "Segment Pool", "I/P2")))));
+    EXPECT_EQ(pools, (Texts{"2", "9", "10", "x"}));
     ListOptions hostsByPorts = of("hosts");
     hostsByPorts.order = {"ports"};
     const std::string ports = ofPartitions(resource("P", "P1", hosts("a=3,b=-2,c=-10,d=10,")));

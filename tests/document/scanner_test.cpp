@@ -378,6 +378,17 @@ TEST(Scanner, AValueThatNothingFollowsEndsWhereItLooksSo)
         EXPECT_EQ(std::ranges::count(behind.events, "SN|L|a"), lines == bound ? 1 : 0)
             << "a far end is none, a near one is";
     }
+    // An end is far that comes behind a quarter of the bound.
+    const std::string head =
+        "<Property name=\"SN\" displayName=\"Serial Number\">\nSN\n<Value type=\"string\">";
+    for (const size_t beyond : {0U, 1U}) {
+        std::string value = "a</Value>\n</Property>\n";
+        value += std::string(bound / 4 - head.size() - value.size() - 1 + beyond, 'x') + "\nb";
+        const std::string text =
+            ofEnclosures(resource("of no known kind", "D", property("SN", "Serial Number", value)));
+        EXPECT_THAT(scan(text, bound).events,
+                    testing::Contains("SN|Serial Number|" + (beyond == 0 ? value : std::string("a"))));
+    }
     // Of a document that is cut, what stands behind may have been lost.
     const std::string whole = ofPartitions(resource("P", "S-1", hosts("v") + "x\n"));
     EXPECT_EQ(scan(upTo(whole, "x\n") + "x\n").events.at(5), "cut");
