@@ -750,6 +750,20 @@ TEST(Explain, AValueIsMissingOfTheQueryThatItsLineIsOf)
     EXPECT_EQ(problem.selection.value_or("none"), facility + " ");
 }
 
+TEST(Explain, AMissingValueIsNotToldAgainWhereItStandsEmptyInASelection)
+{
+    Log log;
+    log.checks()
+        .entry("addStorEnclKord")
+        .line("0322 ", "storageFacilityMTMS=\"9999-A01*00XY1230\" ")
+        .line("0326", " rack U, , M")
+        .entry("queryStorageEnclosure")
+        .line("0315", "storageFacilityImageMTMS=\"I\" && rackNumber=\"\" && ActivePeerDomain=\"D\" ");
+    const Problem problem = problemIn(log);
+    EXPECT_EQ(problem.kind, "valueMissing");
+    EXPECT_EQ(problem.code, "0326");
+}
+
 /// The log can have lost what was asked for.
 TEST(Explain, AValueOfNoKnownQueryIsNotMissing)
 {
