@@ -69,10 +69,9 @@ struct Joined {
     bool fits = true; ///< the line feeds stand where wrapping puts them
 };
 
-/// Undoes the wrapping. A text that is short enough was not wrapped: its line feeds are its own.
+/// Undoes the wrapping. The line feeds of a text that is short enough are its own.
 Joined join(std::string_view body, size_t codeLength)
 {
-    if (codeLength + body.size() < firstShare) return {.text = std::string(body)};
     Joined joined;
     size_t share = firstShare - codeLength;
     while (body.size() > share) {

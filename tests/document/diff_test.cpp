@@ -483,6 +483,18 @@ TEST(Report, GroupsWhatIsIdenticalButForThePart)
     EXPECT_EQ(splitLines(report(Upgrade().before, moved, {.grouped = true})).size(), 3U);
 }
 
+/// Items are compared one by one where both have the same ones.
+TEST(Diff, AValueThatLacksAnItemIsComparedAsAWhole)
+{
+    const auto withSpace = [](const std::string& space) {
+        return ofMachine(resource("OSK Physical Disk Drive", "D", property("DP", "Disk Space", space)));
+    };
+    EXPECT_EQ(changes(withSpace("DI=1,DM=a"), withSpace("DI=2,DM=b")),
+              Lines{"changed   drive D: Disk Space DI 1 -> 2, DM a -> b"});
+    EXPECT_EQ(changes(withSpace("DI=1,DM=a"), withSpace("DI=2")),
+              Lines{"changed   drive D: Disk Space DI=1,DM=a -> DI=2"});
+}
+
 TEST(Report, ColoursTheWordAlone)
 {
     EXPECT_THAT(report(Upgrade().before, Upgrade().after, {.colored = true}),

@@ -291,6 +291,20 @@ TEST(Page, TellsColumnsAndWhatIsAroundAPart)
     EXPECT_EQ(page.data["changes"], nullptr);
 }
 
+/// A part that stands in the document twice is one row, and so is what each of them holds.
+TEST(Page, TellsWhatIsAroundAPartInAnyOfItsPlaces)
+{
+    const auto shelf = [](const std::string& slot) {
+        return enclosure({.id = "E", .serial = "S", .location = "R-1"},
+                         drive("E", {.slot = slot, .serial = slot}));
+    };
+    const PageReader page(document::page(parse(ofEnclosures(shelf("-D1") + shelf("-D2")))));
+    const size_t first = page.first("drive");
+    EXPECT_EQ(page.own(page.first("storageEnclosure"), "listed"), 2);
+    for (const size_t drive : {first, first + 1})
+        EXPECT_EQ(page.own(drive, "parent"), page.first("storageEnclosure"));
+}
+
 TEST(Page, TellsWhatTheDocumentIs)
 {
     Document document = parse(ofEnclosures("odd\n"));
@@ -383,6 +397,22 @@ TEST(Page, OfTwoDocumentsTellsWhatIsGone)
     for (const json& change : page.data["changes"]["changes"])
         changes[change["change"]] = change["id"];
     EXPECT_EQ(changes, (std::map<std::string, std::string>{{"added", "U1-D3"}, {"removed", "U1-D2"}}));
+}
+
+TEST(Page, OfTwoDocumentsTellsTheHostThatIsGone)
+{
+    const auto with = [](const std::string& known) {
+        return parse(ofSystem(list("Enclosures", "") +
+                              list("Partitions", resource("Tarn01", "SYSTEM-1-1", hosts(known)))));
+    };
+    const Document before = with("web=2,mail=1,");
+    const Document after = with("web=2,");
+    const PageReader page(document::page(document::diff(before, after)));
+    const size_t first = page.first("host");
+    EXPECT_EQ(page.kind(first)["rows"], 2);
+    EXPECT_EQ(page.kind(first)["old"], 1);
+    EXPECT_EQ(page.id(first), "web");
+    EXPECT_EQ(page.id(first + 1), "mail");
 }
 
 TEST(Page, OfTwoDocumentsTellsAWholeEnclosureThatIsGone)

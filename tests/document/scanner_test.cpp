@@ -422,7 +422,8 @@ TEST(Scanner, TellsNameAndIdentifierApart)
 {
     for (const std::string id : {"", "a\" uniqueId=\"b", "line\nfeed", "\n", "two\nline\nfeeds", "\">",
                                  "\">\n", "x\">\nx", "&amp;", "&", "&#10;"}) {
-        for (const std::string name : {"Gadget", "\" uniqueId=\"", "say \"this\"", "a\nb", "\">\n", "a&b"}) {
+        for (const std::string name :
+             {"", "Gadget", "\" uniqueId=\"", "say \"this\"", "a\nb", "\">\n", "a&b"}) {
             const Scanned scanned = scan(ofEnclosures(resource(name, id, property("SN", "L", "S"))));
             ASSERT_GT(scanned.events.size(), 5U);
             EXPECT_EQ(scanned.events[4], "resource " + name + "|" + id);

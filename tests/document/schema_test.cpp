@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <gtest/gtest.h>
+#include <map>
 #include <nlohmann/json.hpp>
 #include <set>
 
@@ -137,6 +138,30 @@ TEST(JsonSchema, KnowsRows)
     for (const json& wrong : {json{{"count", "1"}}, json{{"count", 1.5}}, json{{"colour", "red"}},
                               json::array({row, 5}), json(5)})
         EXPECT_FALSE(passes(wrong)) << wrong;
+}
+
+/// People read it too: first what something is, then what is in it, then what else it may hold.
+TEST(JsonSchema, StandsInAnOrder)
+{
+    const std::vector<std::string> order = {"$schema",    "title",      "type",     "format",
+                                            "minLength",  "items",      "minItems", "description",
+                                            "properties", "required",   "oneOf",    "additionalProperties",
+                                            "anyOf",      "definitions"};
+    std::map<size_t, std::vector<std::string>::const_iterator> last; // by the depth of an object's members
+    size_t members = 0;
+    for (const std::string& line : kordTest::splitLines(kordTest::readFile(KORD_DOCUMENT_SCHEMA).value())) {
+        const size_t depth = line.find_first_not_of(' ');
+        last.erase(last.upper_bound(depth), last.end());
+        const size_t end = line.find("\": ");
+        if (line.at(depth) != '"' || end == std::string::npos) continue;
+        const auto member = std::ranges::find(order, line.substr(depth + 1, end - depth - 1));
+        if (member == order.end()) continue; // a column or a definition
+        const auto [before, isFirst] = last.try_emplace(depth, member);
+        EXPECT_TRUE(isFirst || before->second < member) << line;
+        before->second = member;
+        ++members;
+    }
+    EXPECT_GT(members, 500U);
 }
 
 TEST(JsonSchema, SaysWhatEverythingMeans)
