@@ -723,6 +723,9 @@ TEST(Report, IsJsonToBeRead)
     EXPECT_THAT(text(ofEnclosures(""), ofMachine(""), document::writeJson),
                 testing::HasSubstr(
                     "  \"complete\": false,\n  \"missing\": [\n    \"test.xml: the partitions\"\n  ],"));
+    EXPECT_THAT(text(ofEnclosures(""), cutAt(ofMachine(""), "</ResourceSet>"), document::writeJson),
+                testing::HasSubstr("  \"missing\": [\n    \"test.xml: the partitions\",\n"
+                                   "    \"test.xml: the end\"\n"));
 }
 
 TEST(Report, TellsAHostInJson)

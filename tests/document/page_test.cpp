@@ -255,7 +255,16 @@ TEST(Page, PutsTextsTogetherFromColumns)
         }
     }
     EXPECT_GT(expected.size(), 100);
-    EXPECT_EQ(PageReader(document::page(document)).columnsInTexts(), expected);
+    const PageReader page(document::page(document));
+    EXPECT_EQ(page.columnsInTexts(), expected);
+    // Nor is the identifier that a part's own begins with.
+    for (const char* const inside : {"partition", "storageEnclosure", "drive"}) {
+        const size_t part = page.first(inside);
+        const bool begins = page.id(part).starts_with(page.id(page.own(part, "parent")));
+        const json& first = page.data["patterns"][page.own(part, "id").get<size_t>()][0];
+        EXPECT_EQ(first == -1, begins) << inside;
+        EXPECT_EQ(begins, page.kind(part)["word"] != "storageEnclosure");
+    }
 }
 
 TEST(Page, TellsOnceWhatAllRowsHave)
