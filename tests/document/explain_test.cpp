@@ -971,6 +971,8 @@ TEST(Explain, ConsoleProgramsWhoseAnswersAreOfNoUse)
             EXPECT_EQ(problem.function, program.function) << one.kind;
             EXPECT_EQ(problem.call, "program");
             EXPECT_EQ(problem.severity, Severity::noted) << one.kind;
+            const bool hasNoState = program.name == state && one.kind != "programTalkative";
+            EXPECT_EQ(document::partWords(problem), hasNoState ? "system 9999-B2C*7ABCD12" : "") << one.kind;
         }
     }
 }

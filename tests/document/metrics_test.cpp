@@ -85,6 +85,8 @@ TEST_F(MetricsText, TellsHowTheRunWent)
           "kord_run_end_timestamp_seconds" + system + "1795261269\n", "kord_run_status" + system + "3\n",
           "kord_run_success" + system + "1\n", "kord_run_minor_errors" + system + "2\n",
           "kord_run_events" + system + "1\n",
+          std::string("# UNIT kord_run_start_timestamp_seconds seconds\n"),
+          std::string("# UNIT kord_run_end_timestamp_seconds seconds\n"),
           std::string("# HELP kord_run_start_timestamp_seconds When the newest collection started, by the "
                       "console's clock.\n"),
           std::string("# HELP kord_run_end_timestamp_seconds When the newest collection ended; none where it "
