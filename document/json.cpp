@@ -175,8 +175,11 @@ private:
 
     void properties(const Part& part)
     {
-        const auto again = std::ranges::adjacent_find(part.properties, {}, &Property::code);
-        if (again != part.properties.end()) return severalOfACode(part); // they stand in a row
+        codes.clear();
+        for (const Property& property : part.properties)
+            codes.push_back(property.code());
+        std::ranges::sort(codes);
+        if (std::ranges::adjacent_find(codes) != codes.end()) return severalOfACode(part);
         for (const char* comma = ""; const Property& property : part.properties) {
             member(comma, property.code());
             appendQuoted(json, property.value);
@@ -211,6 +214,7 @@ private:
     Values values;
     const Write& write;
     std::array<std::vector<const Column*>, kindCount> columns;
+    std::vector<std::string_view> codes;
     const char* separator = ""; ///< before the next of the parts that are listed
     std::string json;
 };

@@ -442,7 +442,8 @@ constexpr auto otherColumns = std::to_array<Column>({
     partitionsColumn,
 });
 
-// --- The table. Partitions go by their list, for their display names are names that people gave them.
+// --- The table. Partitions, what they share and the logical configuration go by their lists: people gave
+// them their display names, or they are numbers.
 
 constexpr std::string_view enclosures = "Enclosures";
 constexpr std::string_view resources = "Partition Resources";

@@ -43,7 +43,7 @@ constexpr auto families = std::to_array<Family>({
     {.name = "kord_parts", .help = "Parts in the document by kind, firmware level and service state."},
 });
 
-/// As seconds since 1970: the console writes and reads its own time.
+/// A stamp of the log as seconds since 1970. The console writes and reads its own time.
 std::optional<std::time_t> secondsOf(std::string_view stamp)
 {
     std::optional<std::tm> time = timeOfStamp(stamp);

@@ -264,7 +264,7 @@ void RunReader::findSessionNotOpened(const TraceLine&)
         problem.advice = line.advice;
     }
     for (Problem& other : run.problems) {
-        if (other.session == domainSession)
+        if (other.line > problem.line && other.session == domainSession)
             other.cause = "the domain session had not opened, see line " + std::to_string(problem.line);
     }
     run.problems.push_back(std::move(problem));

@@ -213,7 +213,7 @@ int RunReader::fitness(const Match& match) const
 {
     constexpr int possible = 1000;
     const int literals = static_cast<int>(match.line->format.literals());
-    if (match.query == nullptr) return possible + literals + (match.line->function == entry ? 1 : 0);
+    if (match.query == nullptr) return possible + literals;
     if (match.line->role == "selection") {
         const bool isIts = match.query->selection && match.query->selectionFormat.match(match.values[0]);
         if (!isIts) return 0;

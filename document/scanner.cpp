@@ -23,7 +23,7 @@ constexpr size_t deepest = 32;      ///< documents are 7 elements deep
 std::string quoted(std::string_view text)
 {
     constexpr size_t width = 60;
-    return '"' + platform::cutTo(platform::shown(text.substr(0, 4 * width)), width) + '"';
+    return '"' + platform::shown(text, width) + '"';
 }
 
 /// Letters and digits count to 36; anything else is 36.
@@ -70,7 +70,7 @@ bool Scanner::fill()
     last -= first;
     first = 0;
     if (last > longest) fault("an element is longer than " + std::to_string(longest >> 20U) + " MiB");
-    if (last == bytes.size()) bytes.resize(2 * bytes.size());
+    if (last == bytes.size()) bytes.resize(std::min(2 * bytes.size(), longest + block));
     const size_t count = input.read(std::span(bytes).subspan(last));
     last += count;
     if (count > 0) return true;
@@ -165,7 +165,6 @@ void Scanner::start()
 /// The next line, which is short, or as much of it as tells that it is not.
 std::string_view Scanner::headLine()
 {
-    have(longestHeadLine);
     const std::string_view text(bytes.data() + first, std::min(last - first, longestHeadLine));
     if (text.empty()) fault("the document ends before its first part");
     return text.substr(0, text.find('\n'));

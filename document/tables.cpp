@@ -188,10 +188,10 @@ std::optional<std::vector<std::string_view>> LineFormat::match(std::string_view 
 
 size_t LineFormat::literals() const
 {
-    size_t length = 0;
+    size_t count = 0;
     for (const Piece& piece : pieces)
-        length += piece.literal.size();
-    return length;
+        count += piece.literal.size();
+    return count;
 }
 
 const TableQuery* Tables::query(std::string_view function) const

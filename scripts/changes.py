@@ -155,7 +155,7 @@ class Source:
         return "string" in (self.tokens[i - 1].kind, self.tokens[i + 1].kind)
 
     def called(self, i):
-        """The name before the bracket at i, and before what stands between < and > there."""
+        """The name that is called with the bracket at i, without its template arguments."""
         before = i - 1
         if self.at(before) == ">":
             while before > 0 and self.at(before) != "<":

@@ -271,18 +271,33 @@ TEST(Diff, WhatIsListedTwiceIsOneWhereAllIsTheSame)
     EXPECT_EQ(removed(tray("1"), resource("Fan Tray", "F", "")), 2U);
 }
 
+std::string supply(const std::string& id, const std::string& serial)
+{
+    return resource("Primary Power Supply", id,
+                    property("SN", "Serial Number", serial) + property("YL", "L", id));
+}
+
 TEST(Diff, AnEmptyElementIsNoPart)
 {
-    const auto supply = [](const std::string& id, const std::string& serial) {
-        return resource("Primary Power Supply", id,
-                        property("SN", "Serial Number", serial) + property("YL", "L", id));
-    };
     EXPECT_EQ(changes(ofMachine(rack(supply("R-E1", "A"))), ofMachine(rack(supply("", "")))),
               Lines{"removed   power supply R-E1 (rack 1, serial A)"});
     EXPECT_EQ(changes(ofMachine(rack(supply("R-E1", "A") + supply("R-E2", "B"))), ofMachine("")),
               Lines{"removed   rack R (rack 1): with 2 parts"});
     EXPECT_EQ(changes(ofMachine(rack(supply("", "A"))), ofMachine(rack(""))),
               Lines{"removed   power supply without an identifier (rack 1, serial A)"});
+}
+
+/// Parts without identifiers are in one place, and serial numbers need not be unique.
+TEST(Diff, OfPartsInOnePlaceThoseWithOneSerialAreTheSame)
+{
+    const auto racks = [](const std::string& supplies) {
+        return ofMachine(rack(supplies) +
+                         resource("TARN Rack", "S",
+                                  property("R2", "Rack Number", "2") +
+                                      list("Global Resources", supply("", "A") + supply("", "B"))));
+    };
+    EXPECT_EQ(changes(racks(supply("", "A") + supply("", "B")), racks(supply("", "B") + supply("", "A"))),
+              Lines{});
 }
 
 // --- Partitions and hosts

@@ -764,6 +764,13 @@ TEST(Explain, AMissingValueIsNotToldAgainWhereItStandsEmptyInASelection)
     EXPECT_EQ(problem.code, "0326");
 }
 
+/// The nodes of systems and partner are asked for alike. Where no line tells which it was, it is the first.
+TEST(Explain, AnErrorOfSomeNodeIsOfTheFirstThatIsAskedFor)
+{
+    const Problem problem = problemIn(Log().line("0012", " error array_cnt 0"));
+    EXPECT_EQ(problem.function, "queryValeId");
+}
+
 /// The log can have lost what was asked for.
 TEST(Explain, AValueOfNoKnownQueryIsNotMissing)
 {

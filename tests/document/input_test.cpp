@@ -106,6 +106,7 @@ TEST_F(InputTest, TellsOfACutPackedDocument)
     EXPECT_FALSE(scanner.complete());
     ASSERT_EQ(scanner.findings().size(), 1U);
     EXPECT_EQ(scanner.findings()[0].what, "the packed document ends before its time");
+    EXPECT_EQ(scanner.findings()[0].line, 13U); // where the hosts start
 }
 
 TEST_F(InputTest, SaysWhatCannotBeRead)

@@ -88,6 +88,10 @@ TEST(Json, SeveralPropertiesOfOneCodeAreAList)
                                      property("LE", "LIC VRMF", "5.1") + property("LE", "LIC VRMF", "5.2") +
                                          property("NN", "WWNN", "50"))));
     EXPECT_EQ(document["system"]["parts"][0]["properties"], json({{"LE", {"5.1", "5.2"}}, {"NN", "50"}}));
+    const json odd = jsonOf(ofPartitions(resource(
+        "P", "SYSTEM-1-1",
+        property("LE", "LIC VRMF", "5.1") + property("XX", "Odd", "x") + property("LE", "LIC VRMF", "5.2"))));
+    EXPECT_EQ(odd["system"]["parts"][0]["properties"], json({{"LE", {"5.1", "5.2"}}, {"XX", "x"}}));
 }
 
 TEST(Json, APartitionsHostsAreParts)

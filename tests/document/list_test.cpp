@@ -9,9 +9,11 @@
 #include "platform/failure.h"
 #include "writing.h"
 
+#include <cctype>
 #include <filesystem>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <map>
 #include <nlohmann/json.hpp>
 
 namespace
@@ -202,6 +204,9 @@ TEST(List, ValuesWithCommasAndEqualsSignsStayWhole)
         << "9,DM=Kestrel, Inc.,DC=73400MB is no number";
     EXPECT_EQ(column(of("drives"), "interface_type", text), Texts{"FC,AL"});
     EXPECT_EQ(column(of("drives"), "state", text), Texts{"-1"});
+    const std::string nameless = ofEnclosures(resource(
+        "OSK Physical Disk Drive", "D", property("DP", "Disk Space Characteristics", "DI=a,DM=1,=2,DC=9MB")));
+    EXPECT_EQ(column(of("drives"), "manufacturer", nameless), Texts{"1,=2"});
 }
 
 TEST(List, WhatIsNoNumberIsNoValue)

@@ -615,6 +615,7 @@ TEST(Scanner, ShowsTheStartOfWhatItLeavesOut)
     EXPECT_EQ(shown(std::string(60, 'x')), "12: \"" + std::string(60, 'x') + behind);
     EXPECT_EQ(shown(std::string(61, 'x')), "12: \"" + std::string(57, 'x') + "..." + behind);
     EXPECT_EQ(shown(wide), "12: \"" + wide + behind);
+    EXPECT_EQ(shown(wide + "x"), "12: \"" + wide.substr(0, std::size_t{57} * 4) + "..." + behind);
 }
 
 TEST(Scanner, KeepsTheFirstFindingsAndCountsAll)
@@ -804,6 +805,8 @@ TEST(Scanner, AnElementHasABound)
     EXPECT_THROW(scan(value + std::string(3 * bound, '\n'), bound), Malformed);
     EXPECT_THROW(scan(start + std::string(3 * bound, '\0'), bound), Malformed);
     EXPECT_NO_THROW(scan(ofSystem(property("SN", "L", std::string(bound / 2, 'x'))), bound));
+    const size_t block = bound / 4; // that is read beyond the bound
+    EXPECT_THROW(scan(ofSystem(property("SN", "L", std::string(bound + block, 'x'))), bound), Malformed);
     const size_t around = property("SN", "L", "").size();
     const std::string longest = property("SN", "L", std::string(bound - around, 'x'));
     EXPECT_NO_THROW(scan(ofSystem(longest + property("PN", "L", std::string(bound / 2, 'x'))), bound));

@@ -167,6 +167,12 @@ TEST(TraceReader, WhatAnEventsProgramPrintsIsNoText)
                            {"0008", "close file", "", 4, true}}));
 }
 
+TEST(TraceReader, WhatStandsBelowAWritersLineIsNoText)
+{
+    EXPECT_EQ(linesOf(stamp + ">>:  openInventory\nprinted\n"),
+              (std::vector<Line>{{">>", " openInventory", "printed", 1, true}}));
+}
+
 TEST(TraceReader, KeepsAsMuchAsTheLongestCommandOfAnEvent)
 {
     constexpr size_t most = 16384;

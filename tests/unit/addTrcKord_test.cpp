@@ -16,7 +16,7 @@ bool isLinkedMeanwhile = false;
 
 } // namespace
 
-/// In the C library's place: a log is looked at through it once more before it is cut.
+/// In the C library's place: the collector asks by it for a log's state only before it cuts it.
 extern "C" int fstat(int file, struct stat* status) noexcept
 {
     const int result = fstatat(file, "", status, AT_EMPTY_PATH);
