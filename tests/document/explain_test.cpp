@@ -764,11 +764,12 @@ TEST(Explain, AMissingValueIsNotToldAgainWhereItStandsEmptyInASelection)
     EXPECT_EQ(problem.code, "0326");
 }
 
-/// The nodes of systems and partner are asked for alike. Where no line tells which it was, it is the first.
-TEST(Explain, AnErrorOfSomeNodeIsOfTheFirstThatIsAskedFor)
+/// The partitions of a system and of its partner are asked alike. Where no line tells which it was, it was
+/// the system's.
+TEST(Explain, AnErrorOfSomePartitionIsOfTheSystem)
 {
-    const Problem problem = problemIn(Log().line("0012", " error array_cnt 0"));
-    EXPECT_EQ(problem.function, "queryValeId");
+    const Problem problem = problemIn(Log().line("0012", " error array_cnt 0, SF1"));
+    EXPECT_EQ(problem.function, "queryValeStatus");
 }
 
 /// The log can have lost what was asked for.
