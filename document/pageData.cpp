@@ -12,6 +12,7 @@
 #include <set>
 #include <unordered_map>
 #include <unordered_set>
+#include <utility>
 #include <vector>
 
 namespace document
@@ -219,17 +220,17 @@ private:
     {
         std::ranges::sort(pieces, {}, &Piece::start);
         std::string json = "[" + std::string(first);
-        const auto separate = [&] { json += json.size() > 1 ? "," : ""; };
+        const char* separator = first.empty() ? "" : ",";
         size_t at = from;
         const auto literal = [&](size_t end) {
             if (end <= at) return;
-            separate();
+            json += std::exchange(separator, ",");
             appendQuoted(json, text.substr(at, end - at));
         };
         for (const Piece& piece : pieces) {
             if (piece.start < at) continue;
             literal(piece.start);
-            separate();
+            json += std::exchange(separator, ",");
             json += std::to_string(piece.column);
             at = piece.start + piece.length;
         }

@@ -579,6 +579,15 @@ TEST(Explain, TheLastChecksTellTheSystemsApartByTheirNodes)
     EXPECT_EQ(failing(1), "queryValeStatus");
     EXPECT_EQ(failing(2), "queryValePartnerStatus");
     EXPECT_EQ(failing(3), "queryValePartnerStatus");
+    // What is left of the checks before is none of them.
+    Log lost;
+    lost.line("0010", Log::partnersNode)
+        .line("0016", "SF2, status=1")
+        .line("0005", "start DM session ")
+        .line(">>", " openInventory")
+        .line("0010", Log::node)
+        .line("0016", "SF1, status=2");
+    EXPECT_EQ(problemIn(lost).function, "queryValeStatus");
 }
 
 TEST(Explain, APartitionThatIsNotOnline)
@@ -770,6 +779,36 @@ TEST(Explain, AnErrorOfSomePartitionIsOfTheSystem)
 {
     const Problem problem = problemIn(Log().line("0012", " error array_cnt 0, SF1"));
     EXPECT_EQ(problem.function, "queryValeStatus");
+}
+
+/// Of a level's answer both are told alike: that it holds nothing, and that it is in error.
+TEST(Explain, AnErrorHasANumber)
+{
+    const auto kind = [](const std::string& number) {
+        Log log;
+        log.checks()
+            .entry("enumerateVRMF")
+            .line("0607", "  locationCode=\"U\" && ActivePeerDomain=\"D\"")
+            .line("0613", " response  " + number + ", none");
+        return problemIn(log).kind;
+    };
+    EXPECT_EQ(kind("0"), "nothingFound");
+    EXPECT_EQ(kind("1"), "responseInError");
+    EXPECT_EQ(kind("5"), "responseInError");
+}
+
+/// A log of many millions of lines can lack as many values.
+TEST(Explain, SomeTwoThousandMissingValuesAreTold)
+{
+    Log log;
+    log.checks().entry("queryStorageEnclosure");
+    for (int rack = 0; rack < 2100; ++rack)
+        log.line("0315", "storageFacilityImageMTMS=\"I\" && rackNumber=\"" + std::to_string(rack) +
+                             "\" && ActivePeerDomain=\"D\" ")
+            .line("0321", " enclosureMTMS_stor=  ");
+    const size_t told = runIn(log).problems.size();
+    EXPECT_GE(told, 1999U);
+    EXPECT_LE(told, 2000U);
 }
 
 /// The log can have lost what was asked for.

@@ -310,6 +310,13 @@ TEST(List, ArraysAreKnownByTheirSites)
          {"I/A0", "I/A3", "I/A34", "I/A33,x", "I/A33,", "I/A,3", "I/Axx", "I/A", "I33"})
         EXPECT_EQ(sitesOf(id), "{}\n") << id;
 
+    ListOptions number = of("arrays", Format::lines);
+    number.columns = {"number"};
+    for (const std::string id : {"I/A0", "I/A33", "I/Axx"}) { // of no site, or of none that is there
+        const std::string array = list("Arrays", resource("Array", id, ""));
+        EXPECT_EQ(listed(number, {ofPartitions(resource("P", "P1", array))}), "{}\n") << id;
+    }
+
     const auto in = [](const std::string& name, const std::string& id, const std::string& owner) {
         return resource(name, "I/" + id, property("A1", "Owner", "I/" + owner));
     };

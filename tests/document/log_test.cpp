@@ -8,6 +8,7 @@
 #include <fstream>
 #include <gtest/gtest.h>
 #include <system_error>
+#include <unistd.h>
 
 namespace
 {
@@ -272,6 +273,19 @@ TEST_F(LogTest, NeedNotExist)
     EXPECT_FALSE(log.read([](std::string_view) { FAIL(); }));
     append("one\n");
     EXPECT_TRUE(log.read([](std::string_view bytes) { EXPECT_EQ(bytes, "one\n"); }));
+}
+
+TEST_F(LogTest, IsReadWithoutStandardInput)
+{
+    append("one\n");
+    const int input = dup(STDIN_FILENO);
+    close(STDIN_FILENO);
+    const std::string bytes = read();
+    if (input >= 0) {
+        dup2(input, STDIN_FILENO);
+        close(input);
+    }
+    EXPECT_EQ(bytes, "one\n");
 }
 
 TEST_F(LogTest, HandsOverWhatIsNewOnce)

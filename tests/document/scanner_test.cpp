@@ -712,7 +712,11 @@ TEST(Scanner, AMendedDocumentSaysThatItWasCut)
     const Scanned scanned = scan(text);
     EXPECT_FALSE(scanned.complete);
     EXPECT_EQ(scanned.findings, Texts{});
-    EXPECT_THAT(scanned.events, testing::Contains("cut"));
+    const auto mark = std::ranges::find(scanned.events, "cut");
+    ASSERT_NE(mark, scanned.events.end());
+    const auto at = static_cast<size_t>(mark - scanned.events.begin());
+    EXPECT_EQ(scanned.events.at(at + 1), "/resource");
+    EXPECT_EQ(scanned.lines.at(at + 1), scanned.lines.at(at) + 1);
 }
 
 /// Wherever it was cut: its end tags are written, and stand behind the mark.
@@ -867,6 +871,21 @@ TEST(Scanner, ReadsALastLineAcrossItsBlocks)
         };
         for (size_t size = block - 3; size < block + 4; ++size)
             EXPECT_EQ(scan(cut(size - cut(0).size())).findings, findings) << size;
+    }
+}
+
+/// Lines that begin like the document's, each byte of them at the end of a block once.
+TEST(Scanner, TellsWhatALineIsAcrossItsBlocks)
+{
+    const std::string like = "a</Value>\n</Propertx>\n";
+    std::string lines;
+    while (lines.size() < 300'000)
+        lines += like;
+    for (size_t from = 0; from < like.size(); ++from) {
+        const std::string value = lines.substr(from);
+        EXPECT_THAT(scan(ofEnclosures(resource("Larkspur", "D", property("DS", "System VPD", value)))).events,
+                    testing::Contains("DS|System VPD|" + value))
+            << from;
     }
 }
 
