@@ -127,6 +127,18 @@ TEST(Kinds, AreCalledByTheirWordsInSentences)
     EXPECT_EQ(storage.plural, "storage configurations");
 }
 
+/// What only holds parts is not counted among them.
+TEST(Kinds, AreCountedWhereTheyAreParts)
+{
+    using document::Kind;
+    for (const document::KindRow& row : document::kinds) {
+        const bool isPart = row.kind != Kind::system && row.kind != Kind::enclosurePartition &&
+                            row.kind != Kind::storageConfiguration;
+        EXPECT_EQ(row.counted, isPart) << row.singular;
+        EXPECT_EQ(row.listed, row.kind != Kind::enclosurePartition) << row.singular;
+    }
+}
+
 TEST(Kinds, GoBySeveralWords)
 {
     using document::Kind;
