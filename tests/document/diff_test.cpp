@@ -277,6 +277,19 @@ std::string supply(const std::string& id, const std::string& serial)
                     property("SN", "Serial Number", serial) + property("YL", "L", id));
 }
 
+/// Of a part without a serial number nothing tells that it is another one, or where it came from.
+TEST(Diff, APartWithoutASerialNumberDoesNotMove)
+{
+    const auto at = [](const std::string& id) {
+        return ofMachine(
+            resource("TARN Rack", id,
+                     property("R2", "Rack Number", "1") +
+                         list("Global Resources",
+                              resource("Fan Tray", id + "-A1", property("PN", "Part Number", "F1")))));
+    };
+    EXPECT_EQ(changes(at("R"), at("S")), Lines{});
+}
+
 TEST(Diff, AnEmptyElementIsNoPart)
 {
     EXPECT_EQ(changes(ofMachine(rack(supply("R-E1", "A"))), ofMachine(rack(supply("", "")))),

@@ -207,6 +207,8 @@ TEST(Page, TellsEveryIdentifierAndPropertyOfTheDocument)
 {
     for (const std::string name : {"facility", "small"})
         expectTheDocument(document::readFile(expectedDocuments + name + ".xml"));
+    const auto level = [](const std::string& running) { return property("LE", "LIC VRMF", running); };
+    expectTheDocument(parse(ofPartitions(resource("P", "P1", level("5.1") + level("5.2") + level("5.1")))));
     const std::string shelf = "U1.AB1";
     const auto odd = [&](const std::string& id, const std::string& space) {
         return resource("OSK Physical Disk Drive", id,
