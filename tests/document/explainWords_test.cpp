@@ -353,6 +353,10 @@ TEST(Explanation, TellsEverySort)
     for (int i = 0; i < 300; ++i)
         EXPECT_THAT(text, HasSubstr("Class" + std::to_string(i) + ","));
     EXPECT_THAT(text, testing::EndsWith("\n\nAnd 7 more.\n"));
+    run.furtherProblems = 1;
+    EXPECT_THAT(document::explanation(run, 0), testing::EndsWith("\n\nAnd 1 more.\n"));
+    run.furtherProblems = 0;
+    EXPECT_THAT(document::explanation(run, 0), testing::Not(HasSubstr(" more.\n")));
 }
 
 TEST(Explanation, HasASectionForEachSeverity)

@@ -519,6 +519,19 @@ TEST(List, Counts)
     EXPECT_EQ(
         parseJson(listed(options, {text})),
         parseJson(R"([{"firmware": "5.10", "count": 2}, {"firmware": "5.2", "count": 1}, {"count": 1}])"));
+    const std::string other = drivesOf({"5.10", "", "5.2", "5.2", "5.1"});
+    const auto levels = [&](const Texts& order) {
+        ListOptions counted = of("drives");
+        counted.count = Texts{"firmware"};
+        counted.order = order;
+        return listed(counted, {other});
+    };
+    EXPECT_EQ(levels({"-count"}),
+              "firmware  count\n5.2           2\n5.1           1\n5.10          1\n              1\n");
+    EXPECT_EQ(levels({"count"}),
+              "firmware  count\n5.1           1\n5.10          1\n              1\n5.2           2\n");
+    EXPECT_EQ(levels({"count", "-firmware"}),
+              "firmware  count\n5.10          1\n5.1           1\n              1\n5.2           2\n");
 }
 
 // --- Formats
