@@ -277,6 +277,15 @@ std::string supply(const std::string& id, const std::string& serial)
                     property("SN", "Serial Number", serial) + property("YL", "L", id));
 }
 
+TEST(Diff, ADriveMovesFromImageToImage)
+{
+    Drive now = driveA;
+    now.slot = "-P1-D9";
+    now.image = "IMAGE-9";
+    EXPECT_THAT(changes(ofMachine(with({driveA, driveB})), ofMachine(with({driveB, now}))),
+                testing::ElementsAre(testing::StartsWith("moved     drive U.AB1-P1-D9 ")));
+}
+
 /// Of a part without a serial number nothing tells that it is another one, or where it came from.
 TEST(Diff, APartWithoutASerialNumberDoesNotMove)
 {

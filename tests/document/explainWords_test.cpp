@@ -451,7 +451,7 @@ TEST(ExplanationJson, TellsEverythingOfARun)
     run.lastLineCut = true;
     run.startLost = true;
     Problem problem = drivesMissing();
-    problem.message = "m";
+    problem.message = "m\u00e9";
     problem.program = "p";
     problem.action = "a";
     problem.cause = "c";
@@ -487,7 +487,7 @@ TEST(ExplanationJson, TellsEverythingOfARun)
                        {"attributes", {"locationCode", "ecLevel"}},
                        {"part", json::array({{{"what", "rack"}, {"name", "R1"}}})},
                        {"number", 0},
-                       {"message", "m"},
+                       {"message", "m\u00e9"},
                        {"answer", "nothing was found"},
                        {"events", json::array({failedEvent})},
                        {"missing", "the drives of rack R1"},

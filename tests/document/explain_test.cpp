@@ -926,6 +926,20 @@ TEST(Explain, AThirdSessionThatNeverOpened)
               "the domain session had not opened, see line " + std::to_string(run.problems[0].line));
 }
 
+TEST(Explain, ASessionThatNeverOpenedIsNoCauseOfWhatNeedsAnother)
+{
+    Log log;
+    log.checks().finalChecks().line("0012", " error array_cnt 0, SF2");
+    log.line("0008", "LC vale_end_session")
+        .line("0008", "SR vale_end_session")
+        .line("0010", " exit -1 ------------------");
+    const TracedRun run = runIn(log);
+    ASSERT_THAT(run.problems, SizeIs(2));
+    EXPECT_EQ(run.problems[0].kind, "sessionNotOpened");
+    EXPECT_EQ(run.problems[1].function, "queryValePartnerStatus");
+    EXPECT_EQ(run.problems[1].cause, "");
+}
+
 TEST(Explain, SessionsThatFail)
 {
     Log local;
