@@ -93,13 +93,15 @@ Condition::Condition(std::string_view text, const std::function<bool(const std::
         Operator meaning;
     };
     // The longer ones first: "<" is the start of "<=".
-    constexpr auto spellings = std::to_array<Spelling>({{"!=", Operator::notEqual},
-                                                        {"<=", Operator::atMost},
-                                                        {">=", Operator::atLeast},
-                                                        {"=", Operator::equal},
-                                                        {"<", Operator::less},
-                                                        {">", Operator::greater},
-                                                        {"~", Operator::matches}});
+    constexpr auto spellings = std::to_array<Spelling>({
+        {"!=", Operator::notEqual},
+        {"<=", Operator::atMost},
+        {">=", Operator::atLeast},
+        {"=", Operator::equal},
+        {"<", Operator::less},
+        {">", Operator::greater},
+        {"~", Operator::matches},
+    });
     const std::string_view rest = text.substr(std::min(text.find_first_of("!<>=~"), text.size()));
     const auto* const spelling =
         std::ranges::find_if(spellings, [&](const Spelling& known) { return rest.starts_with(known.text); });

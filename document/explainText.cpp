@@ -100,49 +100,48 @@ struct KindWords {
     std::string (*words)(const Problem&);
 };
 
-constexpr auto kindWords = std::to_array<KindWords>(
-    {{"callFailed", failedWords},
-     {"nothingFound", [](const Problem&) -> std::string { return "nothing was found"; }},
-     {"responseInError", errorWords},
-     {"answeredEmpty", emptyWords},
-     {"unexpectedAnswer", unexpectedWords},
-     {"fewerAttributes", fewerWords},
-     {"valueMissing", [](const Problem& problem) { return "no value for " + joined(problem.attributes); }},
-     {"notOnline", statusWords},
-     {"sessionFailed", failedWords},
-     {"sessionNotOpened",
-      [](const Problem&) -> std::string {
-          return "the session never opened: it was not ended with the others. Its start gave a code other "
-                 "than 0 and "
-                 "-1, which the collector passes over; no line tells which";
-      }},
-     {"sessionEndFailed", failedWords},
-     {"notOperating",
-      [](const Problem& problem) {
-          return "state " + quoted(problem.message) + ", where \"Operating\" must be";
-      }},
-     {"programFailed", programWords},
-     {"programSilent",
-      [](const Problem&) -> std::string { return "it printed nothing that was looked for"; }},
-     {"programUnended", [](const Problem&) -> std::string { return "it printed no whole line"; }},
-     {"programUnread", [](const Problem&) -> std::string { return "what it printed could not be read"; }},
-     {"programBlank",
-      [](const Problem&) -> std::string { return "the first line that it printed is empty"; }},
-     {"programTalkative",
-      [](const Problem& problem) {
-          return "it printed " + numberWords(problem) + " lines; the first one was taken";
-      }},
-     {"documentNotStarted",
-      [](const Problem& problem) {
-          return problem.message.empty() ? "the document could not be started"
-                                         : shown(problem.message) + " could not be opened";
-      }},
-     {"outOfMemory", [](const Problem&) -> std::string { return "memory ran out"; }},
-     {"noTypeModel",
-      [](const Problem& problem) { return "no type-model in the MTMS " + quoted(problem.message); }},
-     {"eventUnexplained",
-      [](const Problem&) -> std::string { return "an event was filed; no line tells why"; }},
-     {"", [](const Problem& problem) { return problem.kind; }}});
+constexpr auto kindWords = std::to_array<KindWords>({
+    {"callFailed", failedWords},
+    {"nothingFound", [](const Problem&) -> std::string { return "nothing was found"; }},
+    {"responseInError", errorWords},
+    {"answeredEmpty", emptyWords},
+    {"unexpectedAnswer", unexpectedWords},
+    {"fewerAttributes", fewerWords},
+    {"valueMissing", [](const Problem& problem) { return "no value for " + joined(problem.attributes); }},
+    {"notOnline", statusWords},
+    {"sessionFailed", failedWords},
+    {"sessionNotOpened",
+     [](const Problem&) -> std::string {
+         return "the session never opened: it was not ended with the others. Its start gave a code other "
+                "than 0 and "
+                "-1, which the collector passes over; no line tells which";
+     }},
+    {"sessionEndFailed", failedWords},
+    {"notOperating",
+     [](const Problem& problem) {
+         return "state " + quoted(problem.message) + ", where \"Operating\" must be";
+     }},
+    {"programFailed", programWords},
+    {"programSilent", [](const Problem&) -> std::string { return "it printed nothing that was looked for"; }},
+    {"programUnended", [](const Problem&) -> std::string { return "it printed no whole line"; }},
+    {"programUnread", [](const Problem&) -> std::string { return "what it printed could not be read"; }},
+    {"programBlank", [](const Problem&) -> std::string { return "the first line that it printed is empty"; }},
+    {"programTalkative",
+     [](const Problem& problem) {
+         return "it printed " + numberWords(problem) + " lines; the first one was taken";
+     }},
+    {"documentNotStarted",
+     [](const Problem& problem) {
+         return problem.message.empty() ? "the document could not be started"
+                                        : shown(problem.message) + " could not be opened";
+     }},
+    {"outOfMemory", [](const Problem&) -> std::string { return "memory ran out"; }},
+    {"noTypeModel",
+     [](const Problem& problem) { return "no type-model in the MTMS " + quoted(problem.message); }},
+    {"eventUnexplained",
+     [](const Problem&) -> std::string { return "an event was filed; no line tells why"; }},
+    {"", [](const Problem& problem) { return problem.kind; }},
+});
 
 bool isCollecting(std::string_view phase)
 {

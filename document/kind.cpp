@@ -97,14 +97,15 @@ constexpr auto ofInterfaceCard = std::to_array<PropertyRow>(
 constexpr auto ofBaffle = std::to_array<PropertyRow>({facility, image, partNumber, displayName, location});
 constexpr auto ofConsole = std::to_array<PropertyRow>({facility, displayName, location});
 // A partition's properties come one by one, from queries any of which can end the collection.
-constexpr auto ofPartition = std::to_array<PropertyRow>(
-    {facility,
-     image,
-     {.code = "LE", .label = "LIC VRMF", .times = Times::any},
-     {.code = "NN", .label = "WWNN", .times = Times::optional},
-     {.code = "H1", .label = "Partition HSL Pool", .times = Times::optional},
-     {.code = "U1", .label = "Logcial Configuration String", .times = Times::optional},
-     {.code = "U2", .label = "Host Inventory", .times = Times::optional}});
+constexpr auto ofPartition = std::to_array<PropertyRow>({
+    facility,
+    image,
+    {.code = "LE", .label = "LIC VRMF", .times = Times::any},
+    {.code = "NN", .label = "WWNN", .times = Times::optional},
+    {.code = "H1", .label = "Partition HSL Pool", .times = Times::optional},
+    {.code = "U1", .label = "Logcial Configuration String", .times = Times::optional},
+    {.code = "U2", .label = "Host Inventory", .times = Times::optional},
+});
 constexpr auto ofArraySite = std::to_array<PropertyRow>(
     {facility, image, {.code = "A1", .label = "Array"}, partitionId, logicalSpace, displayName, location});
 constexpr auto ofArray = std::to_array<PropertyRow>(
@@ -442,8 +443,7 @@ constexpr auto otherColumns = std::to_array<Column>({
     partitionsColumn,
 });
 
-// --- The table. Partitions, what they share and the logical configuration go by their lists: people gave
-// them their display names, or they are numbers.
+// --- The table. What has no display name here goes by its list: partitions have names that people gave them.
 
 constexpr std::string_view enclosures = "Enclosures";
 constexpr std::string_view resources = "Partition Resources";

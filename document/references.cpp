@@ -16,8 +16,13 @@ struct Named {
     char character;
 };
 
-constexpr auto named =
-    std::to_array<Named>({{"&amp;", '&'}, {"&lt;", '<'}, {"&gt;", '>'}, {"&quot;", '"'}, {"&apos;", '\''}});
+constexpr auto named = std::to_array<Named>({
+    {"&amp;", '&'},
+    {"&lt;", '<'},
+    {"&gt;", '>'},
+    {"&quot;", '"'},
+    {"&apos;", '\''},
+});
 
 /// 16 and more: no digit.
 uint32_t digitOf(char character)

@@ -20,10 +20,11 @@ struct ProgramLine {
     std::string_view function;
     std::string_view command;
 };
-constexpr auto consolePrograms =
-    std::to_array<ProgramLine>({{.function = "getQuayFullTM", .command = "/opt/brisk/bin/qconvpd -v"},
-                                {.function = "getQuaySE", .command = "/opt/brisk/bin/qconvpd -v"},
-                                {.function = "getLoginUserName", .command = "whoami"}});
+constexpr auto consolePrograms = std::to_array<ProgramLine>({
+    {.function = "getQuayFullTM", .command = "/opt/brisk/bin/qconvpd -v"},
+    {.function = "getQuaySE", .command = "/opt/brisk/bin/qconvpd -v"},
+    {.function = "getLoginUserName", .command = "whoami"},
+});
 
 std::string commandOf(std::string_view function)
 {

@@ -26,34 +26,38 @@ constexpr unsigned bit(unsigned phase)
 {
     return 1U << phase;
 }
-constexpr auto codePhases = std::to_array<CodePhases>({{"0002", "0003", bit(0)},
-                                                       {"0004", "0004", bit(1)},
-                                                       {"0005", "0006", bit(5)},
-                                                       {"0007", "0007", bit(6)},
-                                                       {"0011", "0016", bit(4) | bit(12)},
-                                                       {"0017", "0017", bit(3) | bit(12)},
-                                                       {"0062", "0067", bit(0) | bit(3) | bit(10) | bit(12)},
-                                                       {"0068", "0068", bit(0)},
-                                                       {"0107", "0109", bit(2)},
-                                                       {"0114", "0121", bit(6)},
-                                                       {"0200", "0217", bit(7)},
-                                                       {"0300", "0326", bit(8)},
-                                                       {"0400", "0429", bit(9)},
-                                                       {"0500", "0517", bit(10)},
-                                                       {"0600", "0695", bit(11)},
-                                                       {"0696", "0698", bit(4) | bit(11)},
-                                                       {"0800", "0924", bit(11)}});
+constexpr auto codePhases = std::to_array<CodePhases>({
+    {"0002", "0003", bit(0)},
+    {"0004", "0004", bit(1)},
+    {"0005", "0006", bit(5)},
+    {"0007", "0007", bit(6)},
+    {"0011", "0016", bit(4) | bit(12)},
+    {"0017", "0017", bit(3) | bit(12)},
+    {"0062", "0067", bit(0) | bit(3) | bit(10) | bit(12)},
+    {"0068", "0068", bit(0)},
+    {"0107", "0109", bit(2)},
+    {"0114", "0121", bit(6)},
+    {"0200", "0217", bit(7)},
+    {"0300", "0326", bit(8)},
+    {"0400", "0429", bit(9)},
+    {"0500", "0517", bit(10)},
+    {"0600", "0695", bit(11)},
+    {"0696", "0698", bit(4) | bit(11)},
+    {"0800", "0924", bit(11)},
+});
 
 struct EntryPhases {
     std::string_view function;
     unsigned phases;
 };
-constexpr auto entryPhases = std::to_array<EntryPhases>({{"queryPartition", bit(4)},
-                                                         {"addCecEnclKord", bit(6)},
-                                                         {"addIoEnclKord", bit(7)},
-                                                         {"addStorEnclKord", bit(8) | bit(9)},
-                                                         {"addQuayEnclKord", bit(10)},
-                                                         {"addPartitionKord", bit(11)}});
+constexpr auto entryPhases = std::to_array<EntryPhases>({
+    {"queryPartition", bit(4)},
+    {"addCecEnclKord", bit(6)},
+    {"addIoEnclKord", bit(7)},
+    {"addStorEnclKord", bit(8) | bit(9)},
+    {"addQuayEnclKord", bit(10)},
+    {"addPartitionKord", bit(11)},
+});
 
 unsigned phasesOf(const TraceLine& line)
 {

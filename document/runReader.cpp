@@ -42,11 +42,13 @@ struct RoleKind {
     std::string_view role;
     const char* kind;
 };
-constexpr auto roleKinds = std::to_array<RoleKind>({{.role = "callFailed", .kind = "callFailed"},
-                                                    {.role = "noResources", .kind = "nothingFound"},
-                                                    {.role = "response", .kind = "responseInError"},
-                                                    {.role = "emptyFirst", .kind = "answeredEmpty"},
-                                                    {.role = "unexpected", .kind = "unexpectedAnswer"}});
+constexpr auto roleKinds = std::to_array<RoleKind>({
+    {.role = "callFailed", .kind = "callFailed"},
+    {.role = "noResources", .kind = "nothingFound"},
+    {.role = "response", .kind = "responseInError"},
+    {.role = "emptyFirst", .kind = "answeredEmpty"},
+    {.role = "unexpected", .kind = "unexpectedAnswer"},
+});
 
 const char* kindOf(std::string_view role)
 {
@@ -68,32 +70,33 @@ struct ShownValues {
     std::array<std::string_view, 4> attributes;
     std::string_view number = {}; ///< the attribute of a value that is a number, and 0 when there is none
 };
-constexpr auto shownValues = std::to_array<ShownValues>(
-    {{.code = "0016", .function = "queryValeId", .attributes = {"StorageFacilityImageID", "Hostname"}},
-     {.code = "0118", .function = "addCecEnclKord", .attributes = {"locationCode"}},
-     {.code = "0319",
-      .function = "queryStorageEnclosure",
-      .attributes = {"interfaceIdentifier"},
-      .number = "interfaceIdentifier"},
-     {.code = "0320", .function = "queryStorageEnclosure", .attributes = {"", "", "enclosureNumber", ""}},
-     {.code = "0321", .function = "queryStorageEnclosure", .attributes = {"enclosureMTMS"}},
-     {.code = "0326",
-      .function = "addStorEnclKord",
-      .attributes = {"locationCode", "rackNumber", "rackEnclosureMTMS"}},
-     {.code = "0404",
-      .function = "addRackEnclKord",
-      .attributes = {"rackIdentifier", "locationCode", "rackNumber", "rackEnclosureMTMS"},
-      .number = "rackIdentifier"},
-     {.code = "0504", .function = "addQuayEnclKord", .attributes = {"quayLocationCode"}},
-     {.code = "0614", .function = "enumerateVRMF", .attributes = {"the level"}},
-     {.code = "0686", .function = "queryArrays", .attributes = {"arraySites"}, .number = "arraySites"},
-     {.code = "0687",
-      .function = "queryArrays",
-      .attributes = {"arraySiteConfiguration"},
-      .number = "arraySiteConfiguration"},
-     {.code = "0676", .function = "queryScsiHostPort", .attributes = {"userHostDescription"}},
-     {.code = "0677", .function = "queryScsiHostPort", .attributes = {"userHostDescription"}},
-     {.code = "0109", .function = "querySystem", .attributes = {"storageFacilityWWNN"}}});
+constexpr auto shownValues = std::to_array<ShownValues>({
+    {.code = "0016", .function = "queryValeId", .attributes = {"StorageFacilityImageID", "Hostname"}},
+    {.code = "0118", .function = "addCecEnclKord", .attributes = {"locationCode"}},
+    {.code = "0319",
+     .function = "queryStorageEnclosure",
+     .attributes = {"interfaceIdentifier"},
+     .number = "interfaceIdentifier"},
+    {.code = "0320", .function = "queryStorageEnclosure", .attributes = {"", "", "enclosureNumber", ""}},
+    {.code = "0321", .function = "queryStorageEnclosure", .attributes = {"enclosureMTMS"}},
+    {.code = "0326",
+     .function = "addStorEnclKord",
+     .attributes = {"locationCode", "rackNumber", "rackEnclosureMTMS"}},
+    {.code = "0404",
+     .function = "addRackEnclKord",
+     .attributes = {"rackIdentifier", "locationCode", "rackNumber", "rackEnclosureMTMS"},
+     .number = "rackIdentifier"},
+    {.code = "0504", .function = "addQuayEnclKord", .attributes = {"quayLocationCode"}},
+    {.code = "0614", .function = "enumerateVRMF", .attributes = {"the level"}},
+    {.code = "0686", .function = "queryArrays", .attributes = {"arraySites"}, .number = "arraySites"},
+    {.code = "0687",
+     .function = "queryArrays",
+     .attributes = {"arraySiteConfiguration"},
+     .number = "arraySiteConfiguration"},
+    {.code = "0676", .function = "queryScsiHostPort", .attributes = {"userHostDescription"}},
+    {.code = "0677", .function = "queryScsiHostPort", .attributes = {"userHostDescription"}},
+    {.code = "0109", .function = "querySystem", .attributes = {"storageFacilityWWNN"}},
+});
 
 /// What of a selection is empty, because an earlier answer did not hold it; empty when nothing is.
 std::string emptyWords(std::string_view selection, std::string_view function)
@@ -253,44 +256,45 @@ const TableQuery* RunReader::nodeQuery(std::string_view selection) const
 
 void RunReader::act(const TraceLine& line, const Match& match)
 {
-    static const auto handlers =
-        std::to_array<HandlerRow>({{"SRCV", "", 2, &RunReader::readStart},
-                                   {"0002", "", 2, &RunReader::readNoTypeModel},
-                                   {"0003", "", 1, &RunReader::readOption},
-                                   {"0019", "", 0, &RunReader::readMinorErrors},
-                                   {"0109", "querySystem", 2, &RunReader::readFacility},
-                                   {"0109", "queryPartnerSystem", 1, &RunReader::readPartner},
-                                   {"0017", "", 4, &RunReader::readState},
-                                   {"0017", "", 3, &RunReader::readNoState},
-                                   {"0697", "queryPartition", 1, &RunReader::readPartitionCount},
-                                   {"0016", "checkStatus", 2, &RunReader::readStatus},
-                                   {"0700", "", 1, &RunReader::readNoDocument},
-                                   {"0007", "", 1, &RunReader::readDocumentNotStarted},
-                                   {"0677", "queryScsiHostPort", 1, &RunReader::readOutOfMemory},
-                                   {"0068", "", 3, &RunReader::readUser},
-                                   {"0512", "", 5, &RunReader::readConsole},
-                                   {"0512", "", 2, &RunReader::readNoConsole},
-                                   {"053", "", 3, &RunReader::readConsole},
-                                   {"052", "", 2, &RunReader::readNoConsole},
-                                   {"0062", "", 2, &RunReader::readCommandFailed},
-                                   {"0063", "", 1, &RunReader::readCommandFailed},
-                                   {"0064", "", 0, &RunReader::readCommandFailed},
-                                   {"0066", "", 2, &RunReader::readCommandFailed},
-                                   {"050", "", 2, &RunReader::readToolFailed},
-                                   {"051", "", 2, &RunReader::readToolFailed},
-                                   {"0016", "queryValeId", 2, &RunReader::readValues},
-                                   {"0118", "", 1, &RunReader::readValues},
-                                   {"0319", "", 2, &RunReader::readValues},
-                                   {"0320", "", 5, &RunReader::readValues},
-                                   {"0321", "", 1, &RunReader::readValues},
-                                   {"0326", "", 3, &RunReader::readValues},
-                                   {"0404", "", 4, &RunReader::readValues},
-                                   {"0504", "", 1, &RunReader::readValues},
-                                   {"0614", "", 1, &RunReader::readValues},
-                                   {"0686", "", 2, &RunReader::readValues},
-                                   {"0676", "", 2, &RunReader::readValues},
-                                   {"0677", "queryScsiHostPort", 2, &RunReader::readValues},
-                                   {"0217", "", 2, &RunReader::readInterface}});
+    static const auto handlers = std::to_array<HandlerRow>({
+        {"SRCV", "", 2, &RunReader::readStart},
+        {"0002", "", 2, &RunReader::readNoTypeModel},
+        {"0003", "", 1, &RunReader::readOption},
+        {"0019", "", 0, &RunReader::readMinorErrors},
+        {"0109", "querySystem", 2, &RunReader::readFacility},
+        {"0109", "queryPartnerSystem", 1, &RunReader::readPartner},
+        {"0017", "", 4, &RunReader::readState},
+        {"0017", "", 3, &RunReader::readNoState},
+        {"0697", "queryPartition", 1, &RunReader::readPartitionCount},
+        {"0016", "checkStatus", 2, &RunReader::readStatus},
+        {"0700", "", 1, &RunReader::readNoDocument},
+        {"0007", "", 1, &RunReader::readDocumentNotStarted},
+        {"0677", "queryScsiHostPort", 1, &RunReader::readOutOfMemory},
+        {"0068", "", 3, &RunReader::readUser},
+        {"0512", "", 5, &RunReader::readConsole},
+        {"0512", "", 2, &RunReader::readNoConsole},
+        {"053", "", 3, &RunReader::readConsole},
+        {"052", "", 2, &RunReader::readNoConsole},
+        {"0062", "", 2, &RunReader::readCommandFailed},
+        {"0063", "", 1, &RunReader::readCommandFailed},
+        {"0064", "", 0, &RunReader::readCommandFailed},
+        {"0066", "", 2, &RunReader::readCommandFailed},
+        {"050", "", 2, &RunReader::readToolFailed},
+        {"051", "", 2, &RunReader::readToolFailed},
+        {"0016", "queryValeId", 2, &RunReader::readValues},
+        {"0118", "", 1, &RunReader::readValues},
+        {"0319", "", 2, &RunReader::readValues},
+        {"0320", "", 5, &RunReader::readValues},
+        {"0321", "", 1, &RunReader::readValues},
+        {"0326", "", 3, &RunReader::readValues},
+        {"0404", "", 4, &RunReader::readValues},
+        {"0504", "", 1, &RunReader::readValues},
+        {"0614", "", 1, &RunReader::readValues},
+        {"0686", "", 2, &RunReader::readValues},
+        {"0676", "", 2, &RunReader::readValues},
+        {"0677", "queryScsiHostPort", 2, &RunReader::readValues},
+        {"0217", "", 2, &RunReader::readInterface},
+    });
     const std::string& role = match.line->role;
     if (match.query != nullptr) {
         if (role == "selection") return beginCall(line, match);

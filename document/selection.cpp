@@ -34,43 +34,45 @@ struct KeyWords {
 };
 
 // The innermost first. The domain names the image again, where both are asked for.
-constexpr auto keyWords =
-    std::to_array<KeyWords>({{.key = "enclosureMTMS", .begins = false, .words = "storage enclosure"},
-                             {.key = "enclosureNumber", .begins = false, .words = "enclosure number"},
-                             {.key = "rackEnclosureMTMS", .begins = false, .words = "rack"},
-                             {.key = "rackNumber", .begins = false, .words = "rack"},
-                             {.key = "locationCode", .begins = true, .words = "I/O enclosure"},
-                             {.key = "locationCode", .begins = false, .words = "partition"},
-                             {.key = "lparName", .begins = false, .words = "partition"},
-                             {.key = "LParID", .begins = false, .words = "partition ID"},
-                             {.key = "hslLumenPoolId", .begins = false, .words = "pool ID"},
-                             {.key = "storageFacilityImageMTMS", .begins = false, .words = "image"},
-                             {.key = "ActivePeerDomain", .begins = false, .words = "image"},
-                             {.key = "managedSystemMTMS", .begins = false, .words = "system"},
-                             {.key = "storageFacilityMTMS", .begins = false, .words = "facility"}});
+constexpr auto keyWords = std::to_array<KeyWords>({
+    {.key = "enclosureMTMS", .begins = false, .words = "storage enclosure"},
+    {.key = "enclosureNumber", .begins = false, .words = "enclosure number"},
+    {.key = "rackEnclosureMTMS", .begins = false, .words = "rack"},
+    {.key = "rackNumber", .begins = false, .words = "rack"},
+    {.key = "locationCode", .begins = true, .words = "I/O enclosure"},
+    {.key = "locationCode", .begins = false, .words = "partition"},
+    {.key = "lparName", .begins = false, .words = "partition"},
+    {.key = "LParID", .begins = false, .words = "partition ID"},
+    {.key = "hslLumenPoolId", .begins = false, .words = "pool ID"},
+    {.key = "storageFacilityImageMTMS", .begins = false, .words = "image"},
+    {.key = "ActivePeerDomain", .begins = false, .words = "image"},
+    {.key = "managedSystemMTMS", .begins = false, .words = "system"},
+    {.key = "storageFacilityMTMS", .begins = false, .words = "facility"},
+});
 
 struct SourceOfKey {
     std::string_view key;
     std::string_view function; ///< of the query that asks; empty: any
     ValueSource source;
 };
-constexpr auto sources = std::to_array<SourceOfKey>(
-    {{"storageFacilityImageMTMS", "", {"Orvik.ManagedNode", "StorageFacilityImageID"}},
-     {"ActivePeerDomain", "", {"Orvik.ManagedNode", "StorageFacilityImageID"}},
-     {"LParID", "", {"Orvik.TarnStorageFacilityPartition", "lparId"}},
-     {"lparName", "", {"Orvik.TarnStorageFacilityPartition", "lparName"}},
-     {"hslLumenPoolId", "", {"Orvik.TarnStorageFacilityPartition", "hslLumenPoolId"}},
-     {"locationCode", "enumerateVRMF", {"Orvik.TarnStorageFacilityPartition", "locationCode"}},
-     {"locationCode", "", {"Orvik.TarnIODrawer", "locationCode"}},
-     {"storageFacilityMTMS", "", {"Orvik.TarnStorageFacilitySystem", "storageFacilityMTMS"}},
-     {"managedSystemMTMS",
-      "queryPartition",
-      {"Orvik.TarnStorageFacility", "managedSystem0MTMS, managedSystem1MTMS"}},
-     {"HWModel", "", {"Orvik.TarnStorageFacility", "managedSystem0MTMS, managedSystem1MTMS"}},
-     {"rackNumber", "", {"Orvik.TarnRack", "rackNumber"}},
-     {"rackEnclosureMTMS", "", {"Orvik.TarnRack", "rackEnclosureMTMS"}},
-     {"enclosureMTMS", "", {"Orvik.TarnStorageEnclosure", "enclosureMTMS"}},
-     {"enclosureNumber", "", {"Orvik.TarnStorageEnclosure", "enclosureNumber"}}});
+constexpr auto sources = std::to_array<SourceOfKey>({
+    {"storageFacilityImageMTMS", "", {"Orvik.ManagedNode", "StorageFacilityImageID"}},
+    {"ActivePeerDomain", "", {"Orvik.ManagedNode", "StorageFacilityImageID"}},
+    {"LParID", "", {"Orvik.TarnStorageFacilityPartition", "lparId"}},
+    {"lparName", "", {"Orvik.TarnStorageFacilityPartition", "lparName"}},
+    {"hslLumenPoolId", "", {"Orvik.TarnStorageFacilityPartition", "hslLumenPoolId"}},
+    {"locationCode", "enumerateVRMF", {"Orvik.TarnStorageFacilityPartition", "locationCode"}},
+    {"locationCode", "", {"Orvik.TarnIODrawer", "locationCode"}},
+    {"storageFacilityMTMS", "", {"Orvik.TarnStorageFacilitySystem", "storageFacilityMTMS"}},
+    {"managedSystemMTMS",
+     "queryPartition",
+     {"Orvik.TarnStorageFacility", "managedSystem0MTMS, managedSystem1MTMS"}},
+    {"HWModel", "", {"Orvik.TarnStorageFacility", "managedSystem0MTMS, managedSystem1MTMS"}},
+    {"rackNumber", "", {"Orvik.TarnRack", "rackNumber"}},
+    {"rackEnclosureMTMS", "", {"Orvik.TarnRack", "rackEnclosureMTMS"}},
+    {"enclosureMTMS", "", {"Orvik.TarnStorageEnclosure", "enclosureMTMS"}},
+    {"enclosureNumber", "", {"Orvik.TarnStorageEnclosure", "enclosureNumber"}},
+});
 
 const SelectionItem* itemOf(const std::vector<SelectionItem>& items, std::string_view key, bool begins)
 {
