@@ -20,7 +20,7 @@ std::string textOf(const json& row, const char* member)
     return row.contains(member) && row[member].is_string() ? row[member].get<std::string>() : "";
 }
 
-std::string withoutBlank(std::string code)
+std::string withoutBlank(const std::string& code)
 {
     return code.ends_with(' ') ? code.substr(0, code.size() - 1) : code;
 }
