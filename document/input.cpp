@@ -91,17 +91,15 @@ std::vector<std::string> documentsOf(const std::string& file)
     std::error_code ignored;
     if (!fs::is_directory(file, ignored)) return {file};
     std::vector<std::string> found;
-    try {
-        for (const auto& entry : fs::directory_iterator(file)) {
-            const std::string name = entry.path().filename();
-            const bool document = name.ends_with(".xml") || name.ends_with(".xml.gz");
-            // Who can write to the folder can put a pipe there, which would be waited for.
-            const bool isOther = entry.exists(ignored) && !entry.is_regular_file(ignored);
-            if (name.starts_with("addTarnKord_") && document && !isOther) found.push_back(entry.path());
-        }
-    } catch (const fs::filesystem_error& failure) {
-        fail(platform::shown(file), failure.code().value());
+    std::error_code error;
+    for (fs::directory_iterator entry(file, error); !error && entry != end(entry); entry.increment(error)) {
+        const std::string name = entry->path().filename();
+        const bool document = name.ends_with(".xml") || name.ends_with(".xml.gz");
+        // Who can write to the folder can put a pipe there, which would be waited for.
+        const bool isOther = entry->exists(ignored) && !entry->is_regular_file(ignored);
+        if (name.starts_with("addTarnKord_") && document && !isOther) found.push_back(entry->path());
     }
+    if (error) fail(platform::shown(file), error.value());
     std::ranges::sort(found);
     return found;
 }

@@ -140,19 +140,33 @@ TEST_F(InputTest, AFolderStandsForItsDocuments)
     EXPECT_EQ(document::documentsOf("-"), std::vector<std::string>{"-"});
 }
 
+/// As long as it lives no file can be opened.
+class NoFiles
+{
+public:
+    NoFiles()
+    {
+        getrlimit(RLIMIT_NOFILE, &before);
+        const rlimit none{.rlim_cur = 0, .rlim_max = before.rlim_max};
+        setrlimit(RLIMIT_NOFILE, &none);
+    }
+    ~NoFiles() { setrlimit(RLIMIT_NOFILE, &before); }
+    NoFiles(const NoFiles&) = delete;
+    NoFiles& operator=(const NoFiles&) = delete;
+
+private:
+    rlimit before{};
+};
+
 TEST_F(InputTest, SaysWhyAFolderCannotBeRead)
 {
-    rlimit limit{};
-    ASSERT_EQ(getrlimit(RLIMIT_NOFILE, &limit), 0);
-    const rlimit none{.rlim_cur = 0, .rlim_max = limit.rlim_max};
-    ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &none), 0);
     std::string fault;
     try {
+        const NoFiles none;
         document::documentsOf(folder.path());
     } catch (const Malformed& malformed) {
         fault = malformed.what();
     }
-    ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &limit), 0);
     EXPECT_EQ(fault, folder.path().string() + ": Too many open files");
 }
 
