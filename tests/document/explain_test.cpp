@@ -89,8 +89,14 @@ public:
         return line("0008", "LC vale_end_session")
             .line("0008", "DM vale_end_session")
             .line("0008", "SR vale_end_session")
-            .line("0010", " exit " + std::to_string(status) + " ------------------");
+            .close(status);
     }
+    /// Only sessions that are open are ended.
+    Log& exitWithoutDomain(int status)
+    {
+        return line("0008", "LC vale_end_session").line("0008", "SR vale_end_session").close(status);
+    }
+    Log& close(int status) { return line("0010", " exit " + std::to_string(status) + " ------------------"); }
 
     static constexpr const char* node = " HWModel=\"9999-B2C\" && HWSerialNum=\"7ABCD12\" && LParID=\"1\"";
     static constexpr const char* partnersNode =
@@ -913,9 +919,7 @@ TEST(Explain, AThirdSessionThatNeverOpened)
         .line("0120", " storageFacilityImageMTMS=\"I\" && server=0  ")
         .line("0120", " handle_bp 1, no session")
         .event("queryNVC", "r");
-    log.line("0008", "LC vale_end_session")
-        .line("0008", "SR vale_end_session")
-        .line("0010", " exit -1 ------------------");
+    log.exitWithoutDomain(-1);
     const TracedRun run = runIn(log);
     ASSERT_THAT(run.problems, SizeIs(2));
     EXPECT_EQ(run.problems[0].kind, "sessionNotOpened");
@@ -930,9 +934,7 @@ TEST(Explain, ASessionThatNeverOpenedIsNoCauseOfWhatNeedsAnother)
 {
     Log log;
     log.checks().finalChecks().line("0012", " error array_cnt 0, SF2");
-    log.line("0008", "LC vale_end_session")
-        .line("0008", "SR vale_end_session")
-        .line("0010", " exit -1 ------------------");
+    log.exitWithoutDomain(-1);
     const TracedRun run = runIn(log);
     ASSERT_THAT(run.problems, SizeIs(2));
     EXPECT_EQ(run.problems[0].kind, "sessionNotOpened");

@@ -1,5 +1,6 @@
 // Where documents come from.
 
+#include "descriptors.h"
 #include "document/input.h"
 #include "document/scanner.h"
 #include "tempFolder.h"
@@ -8,7 +9,6 @@
 #include <fstream>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <sys/resource.h>
 #include <zlib.h>
 
 namespace
@@ -74,9 +74,6 @@ TEST_F(InputTest, ReadsAFilePackedOrNot)
 
 TEST_F(InputTest, LeavesNoFileOpen)
 {
-    const auto openFiles = [] {
-        return std::distance(std::filesystem::directory_iterator("/proc/self/fd"), {});
-    };
     const auto before = openFiles();
     contentOf(write("plain", "text"));
     contentOf(writePacked("packed", "text"));
@@ -140,29 +137,11 @@ TEST_F(InputTest, AFolderStandsForItsDocuments)
     EXPECT_EQ(document::documentsOf("-"), std::vector<std::string>{"-"});
 }
 
-/// As long as it lives no file can be opened.
-class NoFiles
-{
-public:
-    NoFiles()
-    {
-        getrlimit(RLIMIT_NOFILE, &before);
-        const rlimit none{.rlim_cur = 0, .rlim_max = before.rlim_max};
-        setrlimit(RLIMIT_NOFILE, &none);
-    }
-    ~NoFiles() { setrlimit(RLIMIT_NOFILE, &before); }
-    NoFiles(const NoFiles&) = delete;
-    NoFiles& operator=(const NoFiles&) = delete;
-
-private:
-    rlimit before{};
-};
-
 TEST_F(InputTest, SaysWhyAFolderCannotBeRead)
 {
     std::string fault;
     try {
-        const NoFiles none;
+        const WithoutFiles none;
         document::documentsOf(folder.path());
     } catch (const Malformed& malformed) {
         fault = malformed.what();

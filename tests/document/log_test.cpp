@@ -1,5 +1,6 @@
 // The progress of a collection by its trace log, and the log while it is written, cut and replaced.
 
+#include "descriptors.h"
 #include "document/follow.h"
 #include "document/progress.h"
 #include "tempFolder.h"
@@ -8,7 +9,6 @@
 #include <fstream>
 #include <gtest/gtest.h>
 #include <system_error>
-#include <unistd.h>
 
 namespace
 {
@@ -278,14 +278,8 @@ TEST_F(LogTest, NeedNotExist)
 TEST_F(LogTest, IsReadWithoutStandardInput)
 {
     append("one\n");
-    const int input = dup(STDIN_FILENO);
-    close(STDIN_FILENO);
-    const std::string bytes = read();
-    if (input >= 0) {
-        dup2(input, STDIN_FILENO);
-        close(input);
-    }
-    EXPECT_EQ(bytes, "one\n");
+    const kordTest::WithoutInput closed;
+    EXPECT_EQ(read(), "one\n");
 }
 
 TEST_F(LogTest, HandsOverWhatIsNewOnce)

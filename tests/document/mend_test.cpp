@@ -34,12 +34,6 @@ std::string partition(const std::string& content)
     return ofPartitions(resource("P", "S-1", content));
 }
 
-std::string styled(std::string document)
-{
-    const std::string line = "<?xml-stylesheet type=\"text/xsl\" href=\"v03.xsl\"?>\n";
-    return document.insert(document.find('\n') + 1, line);
-}
-
 const std::string listStart = "<ResourceList displayName=\"Enclosures Partitions\">\n";
 
 TEST(Mend, ADocumentWithNothingWrongComesOutAsItIs)

@@ -121,9 +121,7 @@ TEST(Reader, ADrawerWithoutCardsMayCloseAListItNeverOpened)
 
 TEST(Reader, AcceptsTheStylesheetLine)
 {
-    std::string text = ofSystem("");
-    text.insert(text.find('\n') + 1, "<?xml-stylesheet type=\"text/xsl\" href=\"v03.xsl\"?>\n");
-    EXPECT_EQ(parse(text).system().name, "SYSTEM-1");
+    EXPECT_EQ(parse(styled(ofSystem(""))).system().name, "SYSTEM-1");
 }
 
 // --- Documents that are none, or not whole

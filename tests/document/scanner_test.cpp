@@ -211,8 +211,7 @@ TEST(Scanner, ALabelMayBeEmpty)
 
 TEST(Scanner, KnowsTheStylesheetLine)
 {
-    std::string text = ofSystem("");
-    text.insert(text.find('\n') + 1, "<?xml-stylesheet type=\"text/xsl\" href=\"v03.xsl\"?>\n");
+    const std::string text = styled(ofSystem(""));
     Input input("test.xml", text);
     Scanner scanner(input);
     EXPECT_TRUE(scanner.next().stylesheet);

@@ -50,6 +50,12 @@ std::string inventory(const std::string& content, const std::string& timestamp)
            timestamp + "\">\n" + content + "</ResourceSet>\n</com.orvik.inventory>\n";
 }
 
+std::string styled(std::string document)
+{
+    const std::string line = "<?xml-stylesheet type=\"text/xsl\" href=\"v03.xsl\"?>\n";
+    return document.insert(document.find('\n') + 1, line);
+}
+
 std::string ofSystem(const std::string& content)
 {
     return inventory(

@@ -19,6 +19,8 @@ std::string list(const std::string& name, const std::string& content);
 
 /// A whole document around what stands in its resource set.
 std::string inventory(const std::string& content, const std::string& timestamp = "1795268463.5");
+/// The document with the line that names a stylesheet.
+std::string styled(std::string document);
 /// One around what stands in the managed system.
 std::string ofSystem(const std::string& content);
 /// One around enclosures, and one around partitions.

@@ -20,10 +20,10 @@ struct FieldSize {
 /// A document or a log that got the number of standard output would have the last line in it.
 TEST(Process, hasItsStandardStreamsAndNoFileMore)
 {
-    const size_t open = unit::openFiles();
+    const size_t open = kordTest::openFiles();
     holdStandardStreams();
-    EXPECT_EQ(unit::openFiles(), open);
-    const unit::WithoutInput closed;
+    EXPECT_EQ(kordTest::openFiles(), open);
+    const kordTest::WithoutInput closed;
     holdStandardStreams();
     EXPECT_GE(fcntl(STDIN_FILENO, F_GETFD), 0);
 }

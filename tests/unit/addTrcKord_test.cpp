@@ -236,9 +236,9 @@ TEST_P(TraceLogGrowth, isBounded)
     unit::writeFile(path, before);
     unit::writeFile(path + "00", "an earlier head\n");
     unit::writeFile(path + "01", "an earlier tail\n");
-    const size_t open = unit::openFiles();
+    const size_t open = kordTest::openFiles();
     addTrcKord(name.c_str(), "0100", "text");
-    EXPECT_EQ(unit::openFiles(), open);
+    EXPECT_EQ(kordTest::openFiles(), open);
     const std::string after = unit::readFile(path);
 
     if (what == Growth::removes) {
@@ -268,7 +268,7 @@ INSTANTIATE_TEST_SUITE_P(
 
 TEST_F(TraceLog, isKeptWithoutStandardInput)
 {
-    const unit::WithoutInput closed;
+    const kordTest::WithoutInput closed;
     unit::writeFile(path, grownLog(25'000, 3'000'001));
     addTrcKord(name.c_str(), "0100", "text");
     const std::string cut = unit::readFile(path);

@@ -67,7 +67,7 @@ TEST(CommandRunner, readsAMegabyte)
 
 TEST(CommandRunner, readsWithoutStandardInput)
 {
-    const unit::WithoutInput closed;
+    const kordTest::WithoutInput closed;
     EXPECT_EQ(outputOf(unit::freshRecord(), "echo text").lines, Lines{"text"});
 }
 

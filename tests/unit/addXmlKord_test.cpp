@@ -151,7 +151,7 @@ TEST_F(Document, takesThePlaceOfAnEarlierOne)
 
 TEST_F(Document, isStartedWithoutStandardInput)
 {
-    const unit::WithoutInput closed;
+    const kordTest::WithoutInput closed;
     EXPECT_EQ(started(), "new\n");
 }
 

@@ -2,6 +2,7 @@
 
 #pragma once
 
+#include "descriptors.h"
 #include "kord.h"
 
 #include <cstdlib>
@@ -12,7 +13,6 @@
 #include <stdexcept>
 #include <string>
 #include <sys/stat.h>
-#include <unistd.h>
 #include <vector>
 
 namespace unit
@@ -48,37 +48,12 @@ std::string journaled(Act act)
     return readFile(journal).substr(before);
 }
 
-/// How many descriptors this process has.
-inline size_t openFiles()
-{
-    using Iterator = std::filesystem::directory_iterator;
-    return static_cast<size_t>(std::distance(Iterator("/proc/self/fd"), Iterator()));
-}
-
 inline std::string logPath(const std::string& name)
 {
     return std::string(traceFolder) + "/" + name;
 }
 
 constexpr size_t stampLength = 16; ///< "mmddyy HH:MM:SS "
-
-/// While it lives, the program is as one that is started without standard input: the first file that it opens
-/// gets the number 0.
-class WithoutInput
-{
-public:
-    WithoutInput() : input(dup(STDIN_FILENO)) { close(STDIN_FILENO); }
-    ~WithoutInput()
-    {
-        dup2(input, STDIN_FILENO);
-        close(input);
-    }
-    WithoutInput(const WithoutInput&) = delete;
-    WithoutInput& operator=(const WithoutInput&) = delete;
-
-private:
-    int input;
-};
 
 /// A record as `main` leaves it for the system 9999-B2C*7ABCD12, with a fresh trace log.
 inline kordRec freshRecord()
